@@ -1,0 +1,18 @@
+#include "app/commandesadmin.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("Tavonel"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Tavonel"));
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    const int code = ExecuterCommandeAdmin(QCoreApplication::arguments().mid(1), out, err);
+    out.flush();
+    err.flush();
+    return code;
+}

@@ -1,0 +1,51 @@
+#include "shell/appstate.h"
+#include "shell/demarrage.h"
+#include "shell/dossiers.h"
+#include "shell/frmmain.h"
+#include "shell/prompt.h"
+#include "shell/promptwidgets.h"
+
+#include <QApplication>
+
+#include <cstdio>
+
+namespace {
+
+// The fatal box: its text also goes to standard error so that a launcher's
+// log shows why the agenda did not open.
+int fin(const QString &texte)
+{
+    std::fprintf(stderr, "Tavonel : %s\n", texte.toLocal8Bit().constData());
+    std::fflush(stderr);
+    Prompt::informer(QStringLiteral("Tavonel"), texte, Prompt::Icone::Critique);
+    return 1;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Tavonel"));
+    QApplication::setOrganizationName(QStringLiteral("Tavonel"));
+
+    RepondeurWidgets repondeur;
+    Prompt::installer(&repondeur);
+
+    // At most one argument: the enciphered agenda number.
+    const QStringList arguments = QApplication::arguments();
+    const QString argument = arguments.size() > 1 ? arguments.at(1) : QString();
+
+    Demarrage demarrage(appState(), DossierProgramme());
+    if (const auto fatal = demarrage.initialiser(argument))
+        return fin(*fatal);
+    ParametresFenetre parametres;
+    if (const auto fatal = demarrage.charger(parametres))
+        return fin(*fatal);
+
+    frmMain fenetre(demarrage, parametres);
+    fenetre.show();
+    const int code = QApplication::exec();
+    Prompt::installer(nullptr);
+    return code;
+}

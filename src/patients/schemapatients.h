@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// The patient base Patients.mdb (SQLite on this platform): tables
+// Signaletiques (68 columns), Events, Notes and Brenwick, with their indexes.
+
+// Path of the patient base in a folder. The creator has always spelled the
+// file "patients.mdb" and every reader "Patients.mdb": on a case-sensitive
+// file system both are the same base, so an existing file of either spelling
+// is returned, and "Patients.mdb" otherwise.
+[[nodiscard]] QString CheminPatientsMdb(const QString &dossier);
+
+// Creates the base in the folder (with or without a trailing separator) when
+// the file does not exist yet; an existing file is never touched. On a
+// failure shows the critical box (number, two line breaks, description) and
+// returns false.
+bool CreerBasePatients(QString &dossier);
+
+// The 68 column names of Signaletiques, in their order.
+[[nodiscard]] const QStringList &ColonnesSignaletiques();

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QDate>
+#include <QDateTime>
+#include <QString>
+#include <QTime>
+
+class ConfigIni;
+
+// The answer of the rule lookup: the moment asked for, and what the winning
+// rule says of it (practitioner, type, colour), or 0 / empty without a rule.
+struct RegleMatch
+{
+    QDate Date;
+    QTime Heure;
+    qint16 JourNumero = 0; // 1 = Sunday
+    QString Jour;
+    qint16 Semaine = 0; // parity, 1 or 2
+    qint16 NumeroSemaine = 0;
+    qint16 PraticienNumero = 0;
+    QString Praticien;
+    qint16 TypeRV = 0;
+    QString TypeText;
+    qint32 TypeColor = 0; // 0xBBGGRR, 0 = no colour
+};
+
+// Creates Config.mdb in the data folder (path + "Config.mdb") with the tables
+// Ini and Regles. Returns false, with a French description in *erreur, when
+// the file cannot be made; an existing file is never touched (false).
+bool CreerBaseConfig(const QString &dossier, QString *erreur = nullptr);
+
+// Which rule holds at a date and time: the one of highest Compteur whose
+// dates, hours (both ends inclusive), weekday and week parity match. Runs on
+// the open Config.mdb. An invalid moment gives an empty RegleMatch.
+[[nodiscard]] RegleMatch GetRegleForDate(ConfigIni &config, const QDateTime &when);
+// The same on the configuration opened at start-up (AppState::ConfigDb).
+[[nodiscard]] RegleMatch GetRegleForDate(const QDateTime &when);
+
+// The colour of a day-view cell, 0xBBGGRR: a selected cell keeps its
+// current colour; otherwise the pause (not on Sundays) greys it and a rule's
+// colour overrides both. pauseDebut / pauseFin are "hh:nn:ss" texts.
+struct CouleurCellule
+{
+    quint32 couleur;
+    bool modifiee; // false: the cell keeps the calendar's own colour
+};
+[[nodiscard]] CouleurCellule CouleurCelluleJour(const QDateTime &debutCellule, bool selectionnee, quint32 couleurActuelle,
+                                                const RegleMatch &regle, const QString &pauseDebut, const QString &pauseFin);

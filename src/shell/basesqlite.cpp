@@ -1,0 +1,186 @@
+#include "shell/basesqlite.h"
+
+#include "shell/jettexte.h"
+
+#include <QAtomicInteger>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QVariant>
+
+#include <sqlite3.h>
+
+namespace {
+
+int g_delaiOccupe = 8000;
+QAtomicInteger<quint64> g_compteur = 0;
+
+QString texteArgument(sqlite3_value *v)
+{
+    const auto *u = static_cast<const char16_t *>(sqlite3_value_text16(v));
+    if (!u)
+        return {};
+    return QString::fromUtf16(u, sqlite3_value_bytes16(v) / 2);
+}
+
+void detruireMotif(void *p)
+{
+    delete static_cast<MotifJet *>(p);
+}
+
+// like(motif, texte [, echappement]): the operator "texte LIKE motif".
+void fonctionLike(sqlite3_context *ctx, int argc, sqlite3_value **argv)
+{
+    if (sqlite3_value_type(argv[0]) == SQLITE_NULL || sqlite3_value_type(argv[1]) == SQLITE_NULL) {
+        sqlite3_result_null(ctx);
+        return;
+    }
+    Q_UNUSED(argc);
+    auto *motif = static_cast<MotifJet *>(sqlite3_get_auxdata(ctx, 0));
+    if (!motif) {
+        motif = new MotifJet(texteArgument(argv[0]));
+        sqlite3_set_auxdata(ctx, 0, motif, detruireMotif);
+        // SQLite may have destroyed it at once when it cannot keep it.
+        motif = static_cast<MotifJet *>(sqlite3_get_auxdata(ctx, 0));
+        if (!motif) {
+            sqlite3_result_int(ctx, JetLike(texteArgument(argv[1]), texteArgument(argv[0])) ? 1 : 0);
+            return;
+        }
+    }
+    sqlite3_result_int(ctx, motif->correspond(texteArgument(argv[1])) ? 1 : 0);
+}
+
+void fonctionPlier(sqlite3_context *ctx, int, sqlite3_value **argv)
+{
+    if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
+        sqlite3_result_null(ctx);
+        return;
+    }
+    const QString plie = PlierTexte(texteArgument(argv[0]));
+    sqlite3_result_text16(ctx, plie.utf16(), static_cast<int>(plie.size() * 2), SQLITE_TRANSIENT);
+}
+
+} // namespace
+
+bool EnregistrerFonctionsJet(sqlite3 *poignee)
+{
+    if (!poignee)
+        return false;
+    const int drapeaux = SQLITE_UTF16 | SQLITE_DETERMINISTIC;
+    bool ok = sqlite3_create_function_v2(poignee, "like", 2, drapeaux, nullptr, fonctionLike, nullptr, nullptr, nullptr) == SQLITE_OK;
+    ok = ok && sqlite3_create_function_v2(poignee, "like", 3, drapeaux, nullptr, fonctionLike, nullptr, nullptr, nullptr) == SQLITE_OK;
+    ok = ok && sqlite3_create_function_v2(poignee, "jet_like", 2, drapeaux, nullptr, fonctionLike, nullptr, nullptr, nullptr) == SQLITE_OK;
+    ok = ok && sqlite3_create_function_v2(poignee, "plier", 1, drapeaux, nullptr, fonctionPlier, nullptr, nullptr, nullptr) == SQLITE_OK;
+    return ok;
+}
+
+bool EstFichierSqlite(const QString &chemin)
+{
+    QFile f(chemin);
+    if (!f.open(QIODevice::ReadOnly))
+        return false;
+    if (f.size() == 0)
+        return true; // an empty file is an empty SQLite database
+    return f.read(16) == QByteArray("SQLite format 3\0", 16);
+}
+
+void BaseSqlite::fixerDelaiOccupe(int millisecondes)
+{
+    g_delaiOccupe = millisecondes;
+}
+
+int BaseSqlite::delaiOccupe()
+{
+    return g_delaiOccupe;
+}
+
+BaseSqlite::BaseSqlite(QString chemin, QString connexion)
+    : m_chemin(std::move(chemin))
+    , m_connexion(std::move(connexion))
+{
+}
+
+BaseSqlite::~BaseSqlite()
+{
+    {
+        QSqlDatabase d = QSqlDatabase::database(m_connexion, false);
+        if (d.isOpen())
+            d.close();
+    }
+    QSqlDatabase::removeDatabase(m_connexion);
+}
+
+sqlite3 *BaseSqlite::poignee() const
+{
+    const QVariant v = db().driver()->handle();
+    if (!v.isValid() || qstrcmp(v.typeName(), "sqlite3*") != 0)
+        return nullptr;
+    return *static_cast<sqlite3 *const *>(v.constData());
+}
+
+std::unique_ptr<BaseSqlite> BaseSqlite::ouvrir(const QString &chemin, Mode mode, QString *erreur)
+{
+    auto echec = [&](const QString &texte) -> std::unique_ptr<BaseSqlite> {
+        if (erreur)
+            *erreur = texte;
+        return nullptr;
+    };
+
+    const QFileInfo info(chemin);
+    if (mode == Mode::Existante) {
+        if (!info.exists() || !info.isFile())
+            return echec(QStringLiteral("Le fichier %1 est introuvable.").arg(QDir::toNativeSeparators(chemin)));
+        if (!EstFichierSqlite(chemin))
+            return echec(QStringLiteral("Le fichier %1 n'est pas une base de données utilisable.").arg(QDir::toNativeSeparators(chemin)));
+    } else if (info.exists()) {
+        return echec(QStringLiteral("Le fichier %1 existe déjà.").arg(QDir::toNativeSeparators(chemin)));
+    }
+
+    const QString nom = QStringLiteral("tavonel-%1-%2").arg(info.fileName()).arg(++g_compteur);
+    std::unique_ptr<BaseSqlite> base(new BaseSqlite(chemin, nom));
+    {
+        QSqlDatabase d = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), nom);
+        d.setDatabaseName(chemin);
+        d.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(g_delaiOccupe));
+        if (!d.open())
+            return echec(QStringLiteral("Impossible d'ouvrir %1 : %2").arg(QDir::toNativeSeparators(chemin), d.lastError().text()));
+    }
+    QString detail;
+    if (!base->executer(QStringLiteral("PRAGMA journal_mode=DELETE"), &detail)
+        || !base->executer(QStringLiteral("PRAGMA foreign_keys=OFF"), &detail)) {
+        return echec(QStringLiteral("Le fichier %1 n'est pas une base de données utilisable (%2).")
+                         .arg(QDir::toNativeSeparators(chemin), detail));
+    }
+    // Reading the schema proves that the file is a database and not merely a
+    // file with the right first bytes.
+    {
+        QSqlQuery q(base->db());
+        if (!q.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")))
+            return echec(QStringLiteral("Le fichier %1 n'est pas une base de données utilisable (%2).")
+                             .arg(QDir::toNativeSeparators(chemin), q.lastError().text()));
+    }
+    if (!EnregistrerFonctionsJet(base->poignee()))
+        return echec(QStringLiteral("Impossible de préparer la base %1.").arg(QDir::toNativeSeparators(chemin)));
+    return base;
+}
+
+bool BaseSqlite::executer(const QString &sql, QString *erreur)
+{
+    QSqlQuery q(db());
+    if (q.exec(sql))
+        return true;
+    if (erreur)
+        *erreur = q.lastError().text();
+    return false;
+}
+
+bool BaseSqlite::tableExiste(const QString &table) const
+{
+    QSqlQuery q(db());
+    q.prepare(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='table' AND name=? COLLATE NOCASE"));
+    q.addBindValue(table);
+    return q.exec() && q.next();
+}

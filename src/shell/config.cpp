@@ -1,0 +1,133 @@
+#include "shell/config.h"
+
+#include "shell/appstate.h"
+#include "shell/basesqlite.h"
+#include "shell/prompt.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QVariant>
+
+std::shared_ptr<ConfigIni> ConfigIni::ouvrir(const QString &chemin, QString *erreur)
+{
+    auto base = BaseSqlite::ouvrir(chemin, BaseSqlite::Mode::Existante, erreur);
+    if (!base)
+        return nullptr;
+    if (!base->tableExiste(QStringLiteral("Ini"))) {
+        if (erreur)
+            *erreur = QStringLiteral("La table Ini est absente de %1.").arg(chemin);
+        return nullptr;
+    }
+    return std::shared_ptr<ConfigIni>(new ConfigIni(std::move(base)));
+}
+
+ConfigIni::ConfigIni(std::unique_ptr<BaseSqlite> base)
+    : m_base(std::move(base))
+{
+}
+
+ConfigIni::~ConfigIni()
+{
+    // Prepared statements go before the connection that holds them.
+    m_requetes.clear();
+}
+
+QSqlQuery &ConfigIni::requete(const QString &sql)
+{
+    auto it = m_requetes.find(sql);
+    if (it == m_requetes.end()) {
+        auto q = std::make_unique<QSqlQuery>(m_base->db());
+        q->setForwardOnly(true);
+        q->prepare(sql);
+        it = m_requetes.emplace(sql, std::move(q)).first;
+    }
+    return *it->second;
+}
+
+bool ConfigIni::echec(const QSqlQuery &q)
+{
+    m_erreur = q.lastError().text();
+    return false;
+}
+
+QString ConfigIni::lire(const QString &section, const QString &item, const QString &defaut)
+{
+    QSqlQuery &q = requete(QStringLiteral("SELECT Valeur FROM Ini WHERE Section = ? AND Item = ?"));
+    q.bindValue(0, section);
+    q.bindValue(1, item);
+    if (!q.exec()) {
+        echec(q);
+        Prompt::informer(QStringLiteral("Erreur"),
+                         QStringLiteral("Lecture de la configuration impossible (%1 / %2) :\n%3").arg(section, item, m_erreur),
+                         Prompt::Icone::Critique);
+        return defaut;
+    }
+    if (!q.next()) {
+        q.finish();
+        return defaut;
+    }
+    const QString valeur = q.value(0).toString();
+    q.finish();
+    return valeur.isEmpty() ? defaut : valeur;
+}
+
+bool ConfigIni::ecrire(const QString &section, const QString &item, const QString &valeur)
+{
+    // One statement: the row is added or its value replaced, never both.
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("INSERT INTO Ini (Section, Item, Valeur) VALUES (?, ?, ?) "
+                             "ON CONFLICT (Section, Item) DO UPDATE SET Valeur = excluded.Valeur"));
+    q.addBindValue(section);
+    q.addBindValue(item);
+    q.addBindValue(valeur);
+    return q.exec() || echec(q);
+}
+
+bool ConfigIni::supprimerReservation(const QString &valeur)
+{
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("DELETE FROM Ini WHERE Valeur LIKE ?"));
+    q.addBindValue(valeur);
+    return q.exec() || echec(q);
+}
+
+bool OuvrirConfig(const QString &chemin)
+{
+    auto config = ConfigIni::ouvrir(chemin);
+    if (!config)
+        return false;
+    appState().ConfigDb = std::move(config);
+    return true;
+}
+
+void FermerConfig()
+{
+    appState().ConfigDb.reset();
+}
+
+QString LireConfig(const QString &section, const QString &item, const QString &defaut)
+{
+    auto &config = appState().ConfigDb;
+    if (!config)
+        return defaut;
+    return config->lire(section, item, defaut);
+}
+
+void EcrireConfig(const QString &section, const QString &item, const QString &valeur)
+{
+    auto &config = appState().ConfigDb;
+    if (!config)
+        return;
+    if (!config->ecrire(section, item, valeur))
+        Prompt::informer(QStringLiteral("Erreur"),
+                         QStringLiteral("Enregistrement de la configuration impossible (%1 / %2) :\n%3")
+                             .arg(section, item, config->derniereErreur()),
+                         Prompt::Icone::Critique);
+}
+
+void SupprimerReservation(const QString &valeur)
+{
+    auto &config = appState().ConfigDb;
+    if (config)
+        config->supprimerReservation(valeur);
+}

@@ -1,0 +1,32 @@
+#include "support/dossiertest.h"
+
+#include "shell/cp1252.h"
+
+#include <QFile>
+
+DossierProgrammeTest::DossierProgrammeTest()
+{
+    m_avaitAncien = qEnvironmentVariableIsSet("TAVONEL_PROGRAM_DIR");
+    m_ancien = qgetenv("TAVONEL_PROGRAM_DIR");
+    qputenv("TAVONEL_PROGRAM_DIR", m_dossier.path().toLocal8Bit());
+}
+
+DossierProgrammeTest::~DossierProgrammeTest()
+{
+    if (m_avaitAncien)
+        qputenv("TAVONEL_PROGRAM_DIR", m_ancien);
+    else
+        qunsetenv("TAVONEL_PROGRAM_DIR");
+}
+
+QString DossierProgrammeTest::chemin() const
+{
+    return m_dossier.path() + u'/';
+}
+
+void DossierProgrammeTest::ecrire(const QString &nom, const QString &texte) const
+{
+    QFile f(chemin() + nom);
+    if (f.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        f.write(VersCp1252(QString(texte).replace(QStringLiteral("\n"), QStringLiteral("\r\n"))));
+}
