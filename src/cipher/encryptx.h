@@ -34,6 +34,11 @@ public:
     // With entreeHexa the caller's text is replaced by its decoded form.
     [[nodiscard]] QString DecryptString(QString &texte, const QString &cle = QString(), bool entreeHexa = false);
     void setKey(const QString &cle); // the write-only property Key
+    // Schedules raw key bytes on top of the present state, as setKey does
+    // with the Windows-1252 bytes of its text (binary keys, such as the
+    // published test vectors, cannot all pass through a text). No bytes
+    // leave the state as it is.
+    void setKeyBytes(const QByteArray &octets);
     bool EncryptFile(const QString &source, const QString &cible, bool ecraser, const QString &cle = QString());
     // An existing longer target keeps its tail beyond the written bytes.
     bool DecryptFile(const QString &source, const QString &cible, bool ecraser, const QString &cle = QString());
@@ -49,6 +54,13 @@ Q_SIGNALS:
     void Progress(int pourcent);
 
 private:
+    void appliquerCle(const QString &cle);
+    bool chiffrer(QByteArray &donnees);
+    bool dechiffrer(QByteArray &donnees);
+    void avancer(qsizetype bloc, qsizetype blocs);
+    void terminerProgres();
+    [[nodiscard]] quint32 F(quint32 x) const;
+
     std::array<quint32, 18> m_p;
     std::array<std::array<quint32, 256>, 4> m_s;
     QString m_cleCourante;
