@@ -41,7 +41,9 @@ bool ParseDuree(const QString &texte, qint32 &minutes);
 // --- System errors -----------------------------------------------------
 
 // Shows "WinAPI (where): <system text>" for the error code (errno when code
-// is -1), or the "No description exists" text; returns what it showed.
+// is -1, read on entry: pass the code when anything may have run since the
+// failure), or "WinAPI (where): <code> - No description exists for this error
+// number." for a code the system does not know; returns what it showed.
 QString ShowWinApiError(const QString &ou, int code = -1);
 
 // --- Files and paths ---------------------------------------------------
@@ -51,13 +53,16 @@ QString ShowWinApiError(const QString &ou, int code = -1);
 [[nodiscard]] QString AjouterSlash(const QString &chemin);
 // True when the file's length can be read; an empty file exists.
 [[nodiscard]] bool FichierExiste(const QString &chemin);
-// Makes every level of a folder path up to its last separator; never fails
-// loudly.
+// Makes every level of a folder path up to its last separator ("\" and "/"
+// alike), so a folder path must end in one; a path without any separator is
+// made as one folder (relative to the working folder). Never fails loudly.
 void CreerDossiers(const QString &chemin);
 // Reads a whole Windows-1252 text file; when the file is absent waits 3
-// seconds once and looks again. No value: file not found (error 53).
+// seconds once (Attendre) and looks again. No value: file not found (error
+// 53), or a file that cannot be opened.
 [[nodiscard]] std::optional<QString> LireFichierTexte(const QString &chemin);
-// Deletes the file (ignoring failure), then writes the text in Windows-1252.
+// Deletes the file (ignoring failure), then writes the text in Windows-1252
+// as a whole, with nothing added. False when the file could not be written.
 bool EcrireFichierTexte(const QString &texte, const QString &chemin);
 // Deletes a file; 0 for success, otherwise the error number (53 file not
 // found, 70 permission denied, 75 path/file access error). Never raises.
@@ -71,23 +76,33 @@ void Attendre(double secondes);
 [[nodiscard]] QString NomUtilisateur();
 [[nodiscard]] QString NomOrdinateur();
 [[nodiscard]] QString ApostrophesSQL(const QString &texte);
-// Opens a document with the desktop's program for it.
+// Opens a document with the desktop's program for it. False without a
+// windowed application, or when the desktop refuses.
 bool OuvrirDocument(const QString &chemin);
 // Closes a top-level window of another program by its exact title. This
 // platform gives no program access to other programs' windows, so nothing is
 // found and false is returned.
 bool FermerFenetreExterne(const QString &titre);
-// Folder of a special-folder id (the platform's CSIDL numbers: 5 documents,
-// 26 application data, 28 local application data, 36 windows, ...). Empty for
-// an unknown id.
+// Folder of a special-folder id (the platform's CSIDL numbers: 0 desktop,
+// 5 documents, 7 start-up, 13 music, 14 video, 26 application data (the
+// user's settings folder), 28 local application data, 35 shared application
+// data, 39 pictures, 40 the user's home, ...), without a final separator.
+// Empty for an id without a folder here (36 windows, 37 system, 38 program
+// files, ...) and for an unknown id. The flag 0x8000 makes the folder.
 [[nodiscard]] QString DossierSpecial(int id);
 
 // --- Patients ------------------------------------------------------------
 
 // The patient number of a packed text: field 11 (the twelfth) of its "§"
-// fields, read by the leading-number rule.
+// fields, read by the leading-number rule; 0 when the text has fewer fields.
 [[nodiscard]] qint64 ChampNumeroPatient(const QString &texte);
+// A date as the user types it, day first: "15/03/1985", "5/3/1985",
+// "15/03/85" (two-digit years 00-29 are 2000-2029, 30-99 1930-1999); "-" or
+// "." may separate too. Invalid QDate when the text is no such date.
+[[nodiscard]] QDate LireDateTexte(const QString &texte);
 // The age shown beside a birth date: "12 jours", "13 semaines", "4 mois",
-// "1 an", "42 ans", or empty. The date text may be rewritten (a date with two
-// trailing blanks is reduced to its date part), hence the reference.
+// "1 an", "42 ans", or empty, counted to Horloge::aujourdhui(). The date text
+// may be rewritten (a short date with two trailing blanks is written out in
+// full), hence the reference; a birth on 29 February counts from the 28th,
+// but the caller's text keeps the 29th.
 [[nodiscard]] QString TexteAge(QString &dateTexte);

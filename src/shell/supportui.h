@@ -10,9 +10,12 @@ class QWidget;
 // Adds the reminder durations to a combo box (see ListeDurees).
 void RemplirCombosDuree(QComboBox *combo, bool sans1minute, bool joursSeuls);
 
-// Widens the horizontal scrolling of a list or combo box to its longest
-// entry plus 4 pixels. Any other widget shows
+// Widens the horizontal scrolling of a list (QListView, QListWidget) to its
+// longest entry, by number of characters, plus 4 pixels, for as long as the
+// list lives; for a combo box the drop-down list gets that width at least.
+// Any other widget, or none, shows
 // "mListBoxAdjustHScroll: Invalid argument value for ctlControl.".
 void mListBoxAdjustHScroll(QWidget *controle);
-// Width in pixels of a text in the control's font.
+// Width in pixels of a text in the control's font (the application's font
+// without a control).
 [[nodiscard]] int mlStringLenInControl(QWidget *controle, const QString &texte);
