@@ -12,10 +12,12 @@
 // is returned, and "Patients.mdb" otherwise.
 [[nodiscard]] QString CheminPatientsMdb(const QString &dossier);
 
-// Creates the base in the folder (with or without a trailing separator) when
-// the file does not exist yet; an existing file is never touched. On a
-// failure shows the critical box (number, two line breaks, description) and
-// returns false.
+// Creates the base "Patients.mdb" in the folder (with or without a trailing
+// separator; the folder is given back with one) when no file of either
+// spelling exists yet. An existing file is never touched: false, no box. On a
+// failure shows the critical box titled "Tavonel" (SQLite error number, two
+// line breaks, description), removes the half-made file and returns false.
+// True once the four tables and the Brenwick row are committed.
 bool CreerBasePatients(QString &dossier);
 
 // The 68 column names of Signaletiques, in their order.

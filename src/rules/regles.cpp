@@ -1,5 +1,184 @@
-// TEMP placeholder
 #include "rules/regles.h"
-RegleMatch GetRegleForDate(ConfigIni &, const QDateTime &) { return {}; }
-RegleMatch GetRegleForDate(const QDateTime &) { return {}; }
-CouleurCellule CouleurCelluleJour(const QDateTime &, bool, quint32 c, const RegleMatch &, const QString &, const QString &) { return {c, false}; }
+
+#include "shell/appstate.h"
+#include "shell/basesqlite.h"
+#include "shell/config.h"
+#include "shell/support.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QVariant>
+
+#include <array>
+
+namespace {
+
+// The same names as AppState::JoursSemaine; kept here so that a lookup made
+// before the tables are filled (or by the command line) still names the day.
+const std::array<QString, 8> &nomsJours()
+{
+    static const std::array<QString, 8> noms = {
+        QString(),           QStringLiteral("Dimanche"), QStringLiteral("Lundi"),    QStringLiteral("Mardi"),
+        QStringLiteral("Mercredi"), QStringLiteral("Jeudi"),    QStringLiteral("Vendredi"), QStringLiteral("Samedi"),
+    };
+    return noms;
+}
+
+// Both ends of the dates and of the hours are inclusive. Dates and hours are
+// compared as texts, which orders them because they are stored zero-padded
+// ("yyyy-MM-dd", "HH:mm:ss"). Compteur is the rowid, so the descending order
+// costs nothing and the scan stops at the first rule that holds. The weekday
+// comes first: it turns most rows away with one integer comparison, before
+// the text comparisons.
+const QString sqlRegle = QStringLiteral(
+    "SELECT PraticienNumero, Praticien, TypeRV, TypeText, TypeColor FROM Regles "
+    "WHERE JourNumero = ? AND (Semaine = ? OR Semaine = 3) "
+    "AND DateDebut <= ? AND DateFin >= ? AND HeureDebut <= ? AND HeureFin >= ? "
+    "ORDER BY Compteur DESC LIMIT 1");
+
+QString texteDate(const QDate &d)
+{
+    return d.toString(QStringLiteral("yyyy-MM-dd"));
+}
+
+QString texteHeure(const QTime &t)
+{
+    return t.toString(QStringLiteral("HH:mm:ss"));
+}
+
+QVariant valeurOuNull(const QString &texte)
+{
+    return texte.isEmpty() ? QVariant() : QVariant(texte);
+}
+
+// The moment's own fields of the answer: what holds with or without a rule.
+RegleMatch champsDuMoment(const QDateTime &when)
+{
+    RegleMatch r;
+    if (!when.isValid())
+        return r;
+    r.Date = when.date();
+    // The lookup works to the second: milliseconds are dropped, as the text
+    // of the hour drops them.
+    const QTime t = when.time();
+    r.Heure = QTime(t.hour(), t.minute(), t.second());
+    r.JourNumero = static_cast<qint16>(JourSemaineDimanche1(r.Date));
+    r.Jour = NomJourRegle(r.JourNumero);
+    r.NumeroSemaine = static_cast<qint16>(GetWeekNumber(r.Date));
+    r.Semaine = static_cast<qint16>(GetWeekParity(r.Date));
+    return r;
+}
+
+// "hh:nn:ss" as the settings write it; a shorter "hh:nn" is taken too.
+QTime lireHeure(const QString &texte)
+{
+    const QString t = texte.trimmed();
+    QTime h = QTime::fromString(t, QStringLiteral("H:mm:ss"));
+    if (!h.isValid())
+        h = QTime::fromString(t, QStringLiteral("H:mm"));
+    return h;
+}
+
+} // namespace
+
+QString NomJourRegle(int jourNumero)
+{
+    if (jourNumero < 1 || jourNumero > 7)
+        return {};
+    return nomsJours()[static_cast<std::size_t>(jourNumero)];
+}
+
+qint32 AjouterRegle(ConfigIni &config, const Regle &regle, QString *erreur)
+{
+    QSqlQuery q(config.base().db());
+    q.prepare(QStringLiteral("INSERT INTO Regles (DateDebut, DateFin, HeureDebut, HeureFin, JourNumero, Jour, Semaine, "
+                             "PraticienNumero, Praticien, TypeRV, TypeText, TypeColor) "
+                             "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+    // Dates and hours are bound as our own texts: Qt would write a QTime
+    // with milliseconds, and "12:00:00.000" sorts after "12:00:00".
+    q.addBindValue(valeurOuNull(texteDate(regle.DateDebut)));
+    q.addBindValue(valeurOuNull(texteDate(regle.DateFin)));
+    q.addBindValue(valeurOuNull(texteHeure(regle.HeureDebut)));
+    q.addBindValue(valeurOuNull(texteHeure(regle.HeureFin)));
+    q.addBindValue(static_cast<int>(regle.JourNumero));
+    q.addBindValue(regle.Jour);
+    q.addBindValue(static_cast<int>(regle.Semaine));
+    q.addBindValue(static_cast<int>(regle.PraticienNumero));
+    q.addBindValue(regle.Praticien);
+    q.addBindValue(static_cast<int>(regle.TypeRV));
+    q.addBindValue(regle.TypeText);
+    q.addBindValue(regle.TypeColor);
+    if (!q.exec()) {
+        if (erreur)
+            *erreur = QStringLiteral("Enregistrement de la règle impossible : %1").arg(q.lastError().text());
+        return 0;
+    }
+    return q.lastInsertId().toInt();
+}
+
+RegleMatch GetRegleForDate(ConfigIni &config, const QDateTime &when, QString *erreur)
+{
+    if (erreur)
+        erreur->clear();
+    RegleMatch r = champsDuMoment(when);
+    if (!when.isValid())
+        return r;
+
+    const QString d = texteDate(r.Date);
+    const QString t = texteHeure(r.Heure);
+    QSqlQuery &q = config.requete(sqlRegle);
+    q.bindValue(0, static_cast<int>(r.JourNumero));
+    q.bindValue(1, static_cast<int>(r.Semaine));
+    q.bindValue(2, d);
+    q.bindValue(3, d);
+    q.bindValue(4, t);
+    q.bindValue(5, t);
+    if (!q.exec()) {
+        if (erreur)
+            *erreur = q.lastError().text();
+        q.finish();
+        return r;
+    }
+    if (q.next()) {
+        // Nulls read as 0 or empty text.
+        r.PraticienNumero = static_cast<qint16>(q.value(0).toInt());
+        r.Praticien = q.value(1).toString();
+        r.TypeRV = static_cast<qint16>(q.value(2).toInt());
+        r.TypeText = q.value(3).toString();
+        r.TypeColor = q.value(4).toInt();
+    }
+    // The statement is kept for the next cell; resetting it now releases the
+    // file's read lock, which would otherwise hold off every other
+    // workstation's writes until the next lookup.
+    q.finish();
+    return r;
+}
+
+RegleMatch GetRegleForDate(const QDateTime &when)
+{
+    const auto &config = appState().ConfigDb;
+    if (!config)
+        return champsDuMoment(when);
+    return GetRegleForDate(*config, when);
+}
+
+CouleurCellule CouleurCelluleJour(const QDateTime &debutCellule, bool selectionnee, quint32 couleurActuelle,
+                                  const RegleMatch &regle, const QString &pauseDebut, const QString &pauseFin)
+{
+    CouleurCellule c{couleurActuelle, false};
+    if (selectionnee)
+        return c;
+    if (debutCellule.isValid()) {
+        const QTime t = debutCellule.time();
+        const QTime heure(t.hour(), t.minute(), t.second());
+        const QTime debut = lireHeure(pauseDebut);
+        const QTime fin = lireHeure(pauseFin);
+        if (debut.isValid() && fin.isValid() && heure >= debut && heure < fin
+            && JourSemaineDimanche1(debutCellule.date()) != 1) {
+            c = {0xC6C6C6, true}; // red, green and blue 198
+        }
+    }
+    if (regle.TypeColor != 0)
+        c = {static_cast<quint32>(regle.TypeColor), true};
+    return c;
+}

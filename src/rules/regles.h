@@ -24,6 +24,34 @@ struct RegleMatch
     qint32 TypeColor = 0; // 0xBBGGRR, 0 = no colour
 };
 
+// One row of table Regles. Dates and hours are stored as "yyyy-MM-dd" and
+// "HH:mm:ss" texts; an invalid QDate / QTime is stored as NULL (such a rule
+// never matches).
+struct Regle
+{
+    qint32 Compteur = 0; // given by the base; also the rule's precedence
+    QDate DateDebut;     // inclusive
+    QDate DateFin;       // inclusive
+    QTime HeureDebut;    // inclusive
+    QTime HeureFin;      // inclusive
+    qint16 JourNumero = 0; // 1 = Sunday ... 7 = Saturday
+    QString Jour;          // "Dimanche" ... "Samedi", for display
+    qint16 Semaine = 3;    // 1 odd weeks, 2 even weeks, 3 every week
+    qint16 PraticienNumero = 0;
+    QString Praticien;
+    qint16 TypeRV = 0;
+    QString TypeText;
+    qint32 TypeColor = 0; // 0xBBGGRR, 0 = no colour
+};
+
+// The weekday name of a number, 1 = "Dimanche" ... 7 = "Samedi" (the names of
+// table Regles and of AppState::JoursSemaine); empty out of range.
+[[nodiscard]] QString NomJourRegle(int jourNumero);
+
+// Adds the rule as the newest one (its Compteur is ignored) and returns the
+// Compteur given to it, or 0 on a failure (French description in *erreur).
+qint32 AjouterRegle(ConfigIni &config, const Regle &regle, QString *erreur = nullptr);
+
 // Creates Config.mdb in the data folder (path + "Config.mdb") with the tables
 // Ini and Regles. Returns false, with a French description in *erreur, when
 // the file cannot be made; an existing file is never touched (false).
@@ -32,7 +60,9 @@ bool CreerBaseConfig(const QString &dossier, QString *erreur = nullptr);
 // Which rule holds at a date and time: the one of highest Compteur whose
 // dates, hours (both ends inclusive), weekday and week parity match. Runs on
 // the open Config.mdb. An invalid moment gives an empty RegleMatch.
-[[nodiscard]] RegleMatch GetRegleForDate(ConfigIni &config, const QDateTime &when);
+// A failing query leaves the rule fields empty and, when erreur is given,
+// sets it to the database's text (empty on success).
+[[nodiscard]] RegleMatch GetRegleForDate(ConfigIni &config, const QDateTime &when, QString *erreur = nullptr);
 // The same on the configuration opened at start-up (AppState::ConfigDb).
 [[nodiscard]] RegleMatch GetRegleForDate(const QDateTime &when);
 
