@@ -1,0 +1,74 @@
+#pragma once
+
+#include "calendar/calendarevent.h"
+#include "calendar/calendarrecurrencepattern.h"
+#include "calendar/sqldatahelper.h"
+
+#include <QDate>
+#include <QDateTime>
+#include <QList>
+#include <QString>
+
+class CalendarDataProvider;
+
+// The store side of the calendar: the ten requests that the data provider
+// sends to whatever holds the rows. Records come back as fresh objects made
+// through the provider; a row read as an ordinary event carries its state and
+// pattern key in the two transfer entries of its bag, which the provider
+// takes over. A store never removes more than the one row it is asked for: a
+// series goes as separate requests for its exceptions, pattern and master.
+class CalendarStore
+{
+public:
+    virtual ~CalendarStore() = default;
+
+    void SetCalendar(CalendarDataProvider *provider) { m_helper.SetCalendar(provider); }
+
+    // Answers whether the store could be opened; false leaves it closed.
+    virtual bool Open() = 0;
+    // Makes a new empty store (and opens it).
+    virtual bool Create() = 0;
+    // Writes what is held in memory, if anything.
+    virtual bool Save() { return true; }
+    virtual void Close() = 0;
+    [[nodiscard]] virtual bool IsOpen() const = 0;
+
+    // Rows of state 0 and 1 that touch the day.
+    virtual void DoRetrieveDayEvents(const QDate &day, QList<CalendarEventPtr> &events) = 0;
+    // The same for the days first..last (inclusive) in one request; each row
+    // comes once.
+    virtual void DoRetrieveRangeEvents(const QDate &first, const QDate &last, QList<CalendarEventPtr> &events);
+    [[nodiscard]] virtual CalendarEventPtr DoReadEvent(int eventId) = 0;
+    // The pattern with its exceptions attached.
+    [[nodiscard]] virtual CalendarRecurrencePatternPtr DoReadRPattern(int patternId) = 0;
+    virtual bool DoCreateEvent(const CalendarEvent &event, int &newEventId) = 0;
+    virtual bool DoUpdateEvent(const CalendarEvent &event) = 0;
+    virtual bool DoDeleteEvent(const CalendarEvent &event) = 0;
+    virtual bool DoCreateRPattern(const CalendarRecurrencePattern &pattern, int &newPatternId) = 0;
+    virtual bool DoUpdateRPattern(const CalendarRecurrencePattern &pattern) = 0;
+    virtual bool DoDeleteRPattern(const CalendarRecurrencePattern &pattern) = 0;
+    // Rows of state 0 and 1 whose reminder moment (start less the reminder
+    // minutes) falls before start + minutes, and that are under reminder
+    // themselves or are masters with an exception under reminder falling
+    // there. A valid `since` lets a store leave out plain rows whose moment
+    // lies before it (a store that cannot do so answers them too; the caller
+    // filters).
+    virtual void DoGetUpcomingEvents(const QDateTime &start, int minutes, QList<CalendarEventPtr> &events,
+                                     const QDateTime &since = {}) = 0;
+
+    // The writes of one change of the book (a series with its pattern) go in
+    // one transaction, so that another workstation sees all of it or nothing.
+    virtual bool BeginChange() { return true; }
+    virtual bool CommitChange() { return true; }
+    virtual void RollbackChange() {}
+
+    [[nodiscard]] const SQLDataHelper &helper() const { return m_helper; }
+
+protected:
+    SQLDataHelper m_helper;
+};
+
+// The file named by a store's connection string: what stands between the
+// quotes after "Data Source=" ("Provider=XML;Data Source='C:\\x.xml';..."),
+// or up to the next ";" when there are no quotes. Empty when there is none.
+[[nodiscard]] QString SourceDeConnexion(const QString &connection);

@@ -1,0 +1,450 @@
+#include "calendar/sqlitecalendarstore.h"
+
+#include "shell/basesqlite.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+
+namespace {
+
+const QStringList kEventColumns = {
+    QStringLiteral("Subject"), QStringLiteral("Location"), QStringLiteral("Body"), QStringLiteral("IsMeeting"),
+    QStringLiteral("IsPrivate"), QStringLiteral("LabelID"), QStringLiteral("BusyStatus"), QStringLiteral("ImportanceLevel"),
+    QStringLiteral("StartDateTime"), QStringLiteral("EndDateTime"), QStringLiteral("IsAllDayEvent"), QStringLiteral("IsReminder"),
+    QStringLiteral("ReminderMinutesBeforeStart"), QStringLiteral("RemainderSoundFile"), QStringLiteral("RecurrenceState"),
+    QStringLiteral("RecurrencePatternID"), QStringLiteral("RExceptionStartTimeOrig"), QStringLiteral("RExceptionEndTimeOrig"),
+    QStringLiteral("ISRecurrenceExceptionDeleted"), QStringLiteral("CustomPropertiesXMLData"), QStringLiteral("CustomIconsIDs"),
+    QStringLiteral("ScheduleID"),
+    // Kept by this store only: the editor shows them and the mirror copies
+    // the creation time.
+    QStringLiteral("CreationTime"), QStringLiteral("LastModificationTime")};
+
+const QStringList kPatternColumns = {
+    QStringLiteral("MasterEventID"), QStringLiteral("EventStartTime"), QStringLiteral("EventDuration"),
+    QStringLiteral("PatternStartDate"), QStringLiteral("PatternEndMethod"), QStringLiteral("PatternEndDate"),
+    QStringLiteral("PatternEndAfterOccurrences"), QStringLiteral("OptionsData1"), QStringLiteral("OptionsData2"),
+    QStringLiteral("OptionsData3"), QStringLiteral("OptionsData4"), QStringLiteral("CustomPropertiesXMLData")};
+
+// Date-times are kept as "yyyy-MM-dd HH:mm:ss" text, which sorts as the
+// dates do and lets the indexes answer range questions.
+QVariant bindable(const QVariant &v)
+{
+    if (v.typeId() == QMetaType::QDateTime)
+        return RecordValue::isoText(v.toDateTime());
+    return v;
+}
+
+const char *const kSchema[] = {
+    "CREATE TABLE IF NOT EXISTS CalendarEvents ("
+    " EventID INTEGER PRIMARY KEY AUTOINCREMENT,"
+    " Subject TEXT NOT NULL DEFAULT '',"
+    " Location TEXT NOT NULL DEFAULT '',"
+    " Body TEXT NOT NULL DEFAULT '',"
+    " IsMeeting INTEGER NOT NULL DEFAULT 0,"
+    " IsPrivate INTEGER NOT NULL DEFAULT 0,"
+    " LabelID INTEGER NOT NULL DEFAULT 0,"
+    " BusyStatus INTEGER NOT NULL DEFAULT 0,"
+    " ImportanceLevel INTEGER NOT NULL DEFAULT 1,"
+    " StartDateTime TEXT NOT NULL,"
+    " EndDateTime TEXT NOT NULL,"
+    " IsAllDayEvent INTEGER NOT NULL DEFAULT 0,"
+    " IsReminder INTEGER NOT NULL DEFAULT 0,"
+    " ReminderMinutesBeforeStart INTEGER NOT NULL DEFAULT 0,"
+    " RemainderSoundFile TEXT NOT NULL DEFAULT '',"
+    " RecurrenceState INTEGER NOT NULL DEFAULT 0,"
+    " RecurrencePatternID INTEGER NOT NULL DEFAULT 0,"
+    " RExceptionStartTimeOrig TEXT NOT NULL DEFAULT '1899-12-30 00:00:00',"
+    " RExceptionEndTimeOrig TEXT NOT NULL DEFAULT '1899-12-30 00:00:00',"
+    " ISRecurrenceExceptionDeleted INTEGER NOT NULL DEFAULT 0,"
+    " CustomPropertiesXMLData TEXT NOT NULL DEFAULT '',"
+    " CustomIconsIDs TEXT NOT NULL DEFAULT '',"
+    " ScheduleID INTEGER NOT NULL DEFAULT 0,"
+    " CreationTime TEXT NOT NULL DEFAULT '1899-12-30 00:00:00',"
+    " LastModificationTime TEXT NOT NULL DEFAULT '1899-12-30 00:00:00')",
+    "CREATE TABLE IF NOT EXISTS CalendarRecurrencePatterns ("
+    " RecurrencePatternID INTEGER PRIMARY KEY AUTOINCREMENT,"
+    " MasterEventID INTEGER NOT NULL DEFAULT 0,"
+    " EventStartTime TEXT NOT NULL,"
+    " EventDuration INTEGER NOT NULL DEFAULT 0,"
+    " PatternStartDate TEXT NOT NULL,"
+    " PatternEndMethod INTEGER NOT NULL DEFAULT 2,"
+    " PatternEndDate TEXT NOT NULL DEFAULT '1899-12-30 00:00:00',"
+    " PatternEndAfterOccurrences INTEGER NOT NULL DEFAULT 0,"
+    " OptionsData1 INTEGER NOT NULL DEFAULT 0,"
+    " OptionsData2 INTEGER NOT NULL DEFAULT 0,"
+    " OptionsData3 INTEGER NOT NULL DEFAULT 0,"
+    " OptionsData4 INTEGER NOT NULL DEFAULT 0,"
+    " CustomPropertiesXMLData TEXT NOT NULL DEFAULT '')",
+    // Short rows (a day or less) touching a range start at most a day before
+    // it: found by their start.
+    "CREATE INDEX IF NOT EXISTS idx_events_debut ON CalendarEvents(RecurrenceState, StartDateTime)",
+    // Long rows (masters spanning their series, absences over weeks) are few:
+    // they have an index of their own, by end.
+    "CREATE INDEX IF NOT EXISTS idx_events_longs ON CalendarEvents(EndDateTime)"
+    " WHERE julianday(EndDateTime) - julianday(StartDateTime) > 1",
+    // Exceptions of a series.
+    "CREATE INDEX IF NOT EXISTS idx_events_serie ON CalendarEvents(RecurrencePatternID, RecurrenceState)",
+    // Plain rows under reminder, by their reminder moment.
+    "CREATE INDEX IF NOT EXISTS idx_events_rappel ON CalendarEvents("
+    "datetime(StartDateTime, (-ReminderMinutesBeforeStart) || ' minutes'))"
+    " WHERE IsReminder <> 0 AND RecurrenceState = 0",
+};
+
+const QString kMoment = QStringLiteral("datetime(StartDateTime, (-ReminderMinutesBeforeStart) || ' minutes')");
+
+} // namespace
+
+QString NomDeCoteStore(const QString &path, const QDateTime &moment)
+{
+    const QString base = path + QStringLiteral(".illisible-") + moment.toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    QString nom = base;
+    for (int n = 2; QFileInfo::exists(nom); ++n)
+        nom = base + QStringLiteral("-") + QString::number(n);
+    return nom;
+}
+
+SqliteCalendarStore::SqliteCalendarStore(QString path)
+    : m_path(std::move(path))
+{
+}
+
+SqliteCalendarStore::~SqliteCalendarStore()
+{
+    Close();
+}
+
+QStringList SqliteCalendarStore::eventColumns()
+{
+    return kEventColumns;
+}
+
+QStringList SqliteCalendarStore::patternColumns()
+{
+    return kPatternColumns;
+}
+
+bool SqliteCalendarStore::IsOpen() const
+{
+    return m_base != nullptr;
+}
+
+void SqliteCalendarStore::Close()
+{
+    if (m_base && m_changeDepth > 0)
+        m_base->executer(QStringLiteral("ROLLBACK"));
+    m_changeDepth = 0;
+    m_base.reset();
+}
+
+bool SqliteCalendarStore::ensureSchema()
+{
+    for (const char *sql : kSchema) {
+        if (!m_base->executer(QString::fromLatin1(sql), &m_lastError)) {
+            m_base.reset();
+            return false;
+        }
+    }
+    return true;
+}
+
+bool SqliteCalendarStore::Open()
+{
+    Close();
+    if (!QFileInfo(m_path).isFile() || !EstFichierSqlite(m_path))
+        return false;
+    m_base = BaseSqlite::ouvrir(m_path, BaseSqlite::Mode::Existante, &m_lastError);
+    return m_base && ensureSchema();
+}
+
+bool SqliteCalendarStore::Create()
+{
+    Close();
+    m_keptAside.clear();
+    if (QFileInfo::exists(m_path)) {
+        if (EstFichierSqlite(m_path)) {
+            m_base = BaseSqlite::ouvrir(m_path, BaseSqlite::Mode::Existante, &m_lastError);
+            if (m_base)
+                return ensureSchema();
+            // A database that another workstation holds is waited for, never
+            // replaced.
+            if (m_lastError.contains(QLatin1String("locked"), Qt::CaseInsensitive)
+                || m_lastError.contains(QLatin1String("busy"), Qt::CaseInsensitive))
+                return false;
+        }
+        // Not a database: kept aside under another name, nothing deleted.
+        const QString aside = NomDeCoteStore(m_path, QDateTime::currentDateTime());
+        if (!QFile::rename(m_path, aside)) {
+            m_lastError = QStringLiteral("Impossible de mettre de côté le fichier %1.").arg(m_path);
+            return false;
+        }
+        m_keptAside = aside;
+    }
+    m_base = BaseSqlite::ouvrir(m_path, BaseSqlite::Mode::Creer, &m_lastError);
+    return m_base && ensureSchema();
+}
+
+bool SqliteCalendarStore::execBound(QSqlQuery &q)
+{
+    if (q.exec())
+        return true;
+    m_lastError = q.lastError().text();
+    return false;
+}
+
+void SqliteCalendarStore::readEvents(QSqlQuery &q, QList<CalendarEventPtr> &events)
+{
+    QueryCursor rs(std::move(q));
+    while (!rs.atEnd()) {
+        if (CalendarEventPtr e = m_helper.CreateEventFromRS(rs)) {
+            try {
+                e->setCreationTime(RecordValue::dateTime(rs.field(QStringLiteral("CreationTime"))));
+                e->setLastModificationTime(RecordValue::dateTime(rs.field(QStringLiteral("LastModificationTime"))));
+            } catch (const FieldError &) {
+                // Times of a row written by another program: left unset.
+            }
+            events.append(e);
+        }
+        rs.next();
+    }
+}
+
+QString SqliteCalendarStore::rangeStatement()
+{
+    return QStringLiteral(
+        "SELECT * FROM CalendarEvents INDEXED BY idx_events_debut"
+        " WHERE RecurrenceState IN (0, 1) AND StartDateTime >= ? AND StartDateTime < ? AND EndDateTime >= ?"
+        " AND NOT (julianday(EndDateTime) - julianday(StartDateTime) > 1)"
+        " UNION ALL "
+        "SELECT * FROM CalendarEvents INDEXED BY idx_events_longs"
+        " WHERE julianday(EndDateTime) - julianday(StartDateTime) > 1"
+        " AND EndDateTime >= ? AND StartDateTime < ? AND RecurrenceState IN (0, 1)");
+}
+
+void SqliteCalendarStore::DoRetrieveDayEvents(const QDate &day, QList<CalendarEventPtr> &events)
+{
+    DoRetrieveRangeEvents(day, day, events);
+}
+
+void SqliteCalendarStore::DoRetrieveRangeEvents(const QDate &first, const QDate &last, QList<CalendarEventPtr> &events)
+{
+    if (!m_base)
+        return;
+    // A row touches the days when it begins before the end of the last one
+    // and does not end before the first one begins.
+    const QString debut = RecordValue::isoText(QDateTime(first, QTime(0, 0)));
+    const QString fin = RecordValue::isoText(QDateTime(last.addDays(1), QTime(0, 0)));
+    const QString avant = RecordValue::isoText(QDateTime(first.addDays(-1), QTime(0, 0)));
+    QSqlQuery q(m_base->db());
+    q.setForwardOnly(true);
+    q.prepare(rangeStatement());
+    for (const QString &v : {avant, fin, debut, debut, fin})
+        q.addBindValue(v);
+    if (execBound(q))
+        readEvents(q, events);
+}
+
+CalendarEventPtr SqliteCalendarStore::DoReadEvent(int eventId)
+{
+    if (!m_base)
+        return {};
+    QSqlQuery q(m_base->db());
+    q.setForwardOnly(true);
+    q.prepare(QStringLiteral("SELECT * FROM CalendarEvents WHERE EventID = ?"));
+    q.addBindValue(eventId);
+    QList<CalendarEventPtr> events;
+    if (execBound(q))
+        readEvents(q, events);
+    return events.isEmpty() ? CalendarEventPtr() : events.first();
+}
+
+CalendarRecurrencePatternPtr SqliteCalendarStore::DoReadRPattern(int patternId)
+{
+    if (!m_base)
+        return {};
+    QSqlQuery q(m_base->db());
+    q.setForwardOnly(true);
+    q.prepare(QStringLiteral("SELECT * FROM CalendarRecurrencePatterns WHERE RecurrencePatternID = ?"));
+    q.addBindValue(patternId);
+    if (!execBound(q))
+        return {};
+    QueryCursor rs(std::move(q));
+    DatabaseConnection connection(m_base->db());
+    try {
+        return m_helper.CreateRPatternFromRS(rs, connection);
+    } catch (const FieldError &e) {
+        m_lastError = QString::fromStdString(e.what());
+        return {};
+    }
+}
+
+bool SqliteCalendarStore::DoCreateEvent(const CalendarEvent &event, int &newEventId)
+{
+    if (!m_base)
+        return false;
+    MemoryRecord row(kEventColumns);
+    m_helper.PutEventToRS(event, row);
+    row.setField(QStringLiteral("CreationTime"), event.CreationTime());
+    row.setField(QStringLiteral("LastModificationTime"), event.LastModificationTime());
+    QStringList marques;
+    for (qsizetype i = 0; i < kEventColumns.size(); ++i)
+        marques << QStringLiteral("?");
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("INSERT INTO CalendarEvents (") + kEventColumns.join(QStringLiteral(", ")) + QStringLiteral(") VALUES (")
+              + marques.join(QStringLiteral(", ")) + QStringLiteral(")"));
+    for (const QVariant &v : row.values())
+        q.addBindValue(bindable(v));
+    if (!execBound(q))
+        return false;
+    newEventId = q.lastInsertId().toInt();
+    return newEventId != 0;
+}
+
+bool SqliteCalendarStore::DoUpdateEvent(const CalendarEvent &event)
+{
+    if (!m_base)
+        return false;
+    MemoryRecord row(kEventColumns);
+    m_helper.PutEventToRS(event, row);
+    row.setField(QStringLiteral("CreationTime"), event.CreationTime());
+    row.setField(QStringLiteral("LastModificationTime"), event.LastModificationTime());
+    QStringList affectations;
+    for (const QString &c : kEventColumns)
+        affectations << c + QStringLiteral(" = ?");
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("UPDATE CalendarEvents SET ") + affectations.join(QStringLiteral(", ")) + QStringLiteral(" WHERE EventID = ?"));
+    for (const QVariant &v : row.values())
+        q.addBindValue(bindable(v));
+    q.addBindValue(event.EventID());
+    return execBound(q) && q.numRowsAffected() == 1;
+}
+
+bool SqliteCalendarStore::DoDeleteEvent(const CalendarEvent &event)
+{
+    if (!m_base)
+        return false;
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("DELETE FROM CalendarEvents WHERE EventID = ?"));
+    q.addBindValue(event.EventID());
+    return execBound(q);
+}
+
+bool SqliteCalendarStore::DoCreateRPattern(const CalendarRecurrencePattern &pattern, int &newPatternId)
+{
+    if (!m_base)
+        return false;
+    MemoryRecord row(kPatternColumns);
+    m_helper.PutRPatternToRS(pattern, row);
+    QStringList marques;
+    for (qsizetype i = 0; i < kPatternColumns.size(); ++i)
+        marques << QStringLiteral("?");
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("INSERT INTO CalendarRecurrencePatterns (") + kPatternColumns.join(QStringLiteral(", "))
+              + QStringLiteral(") VALUES (") + marques.join(QStringLiteral(", ")) + QStringLiteral(")"));
+    for (const QVariant &v : row.values())
+        q.addBindValue(bindable(v));
+    if (!execBound(q))
+        return false;
+    newPatternId = q.lastInsertId().toInt();
+    return newPatternId != 0;
+}
+
+bool SqliteCalendarStore::DoUpdateRPattern(const CalendarRecurrencePattern &pattern)
+{
+    if (!m_base)
+        return false;
+    MemoryRecord row(kPatternColumns);
+    m_helper.PutRPatternToRS(pattern, row);
+    QStringList affectations;
+    for (const QString &c : kPatternColumns)
+        affectations << c + QStringLiteral(" = ?");
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("UPDATE CalendarRecurrencePatterns SET ") + affectations.join(QStringLiteral(", "))
+              + QStringLiteral(" WHERE RecurrencePatternID = ?"));
+    for (const QVariant &v : row.values())
+        q.addBindValue(bindable(v));
+    q.addBindValue(pattern.RecurrencePatternID());
+    return execBound(q) && q.numRowsAffected() == 1;
+}
+
+bool SqliteCalendarStore::DoDeleteRPattern(const CalendarRecurrencePattern &pattern)
+{
+    if (!m_base)
+        return false;
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("DELETE FROM CalendarRecurrencePatterns WHERE RecurrencePatternID = ?"));
+    q.addBindValue(pattern.RecurrencePatternID());
+    return execBound(q);
+}
+
+QString SqliteCalendarStore::upcomingStatement(bool withLowerBound)
+{
+    // Plain rows by their reminder moment (index idx_events_rappel); masters
+    // are few and are all looked at: their occurrences decide.
+    QString s = QStringLiteral("SELECT * FROM CalendarEvents INDEXED BY idx_events_rappel"
+                               " WHERE IsReminder <> 0 AND RecurrenceState = 0 AND ")
+                + kMoment + QStringLiteral(" <= ?");
+    if (withLowerBound)
+        s += QStringLiteral(" AND ") + kMoment + QStringLiteral(" >= ?");
+    s += QStringLiteral(" UNION ALL SELECT * FROM CalendarEvents WHERE RecurrenceState = 1 AND ") + kMoment
+         + QStringLiteral(" <= ? AND (IsReminder <> 0 OR RecurrencePatternID IN (SELECT RecurrencePatternID FROM CalendarEvents"
+                          " WHERE RecurrenceState = 3 AND IsReminder <> 0 AND ")
+         + kMoment + QStringLiteral(" <= ?))");
+    if (withLowerBound)
+        s += QStringLiteral(" AND EndDateTime >= ?");
+    return s;
+}
+
+void SqliteCalendarStore::DoGetUpcomingEvents(const QDateTime &start, int minutes, QList<CalendarEventPtr> &events,
+                                              const QDateTime &since)
+{
+    if (!m_base)
+        return;
+    const QString t = RecordValue::isoText(start.addSecs(qint64(minutes) * 60));
+    const bool borne = since.isValid();
+    QSqlQuery q(m_base->db());
+    q.setForwardOnly(true);
+    q.prepare(upcomingStatement(borne));
+    q.addBindValue(t);
+    if (borne)
+        q.addBindValue(RecordValue::isoText(since));
+    q.addBindValue(t);
+    q.addBindValue(t);
+    if (borne)
+        q.addBindValue(RecordValue::isoText(since));
+    if (execBound(q))
+        readEvents(q, events);
+}
+
+bool SqliteCalendarStore::BeginChange()
+{
+    if (!m_base)
+        return false;
+    if (m_changeDepth++ > 0)
+        return true;
+    // IMMEDIATE takes the write lock at once: a workstation that is writing
+    // is waited for here, not halfway through the change.
+    if (m_base->executer(QStringLiteral("BEGIN IMMEDIATE"), &m_lastError))
+        return true;
+    m_changeDepth = 0;
+    return false;
+}
+
+bool SqliteCalendarStore::CommitChange()
+{
+    if (!m_base || m_changeDepth == 0)
+        return false;
+    if (--m_changeDepth > 0)
+        return true;
+    return m_base->executer(QStringLiteral("COMMIT"), &m_lastError);
+}
+
+void SqliteCalendarStore::RollbackChange()
+{
+    if (!m_base || m_changeDepth == 0)
+        return;
+    m_changeDepth = 0;
+    m_base->executer(QStringLiteral("ROLLBACK"), &m_lastError);
+}

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "calendar/calendarstore.h"
+
+#include <QString>
+
+#include <memory>
+
+class BaseSqlite;
+class QSqlQuery;
+
+// The calendar store of the normal installation: the file Events.mdb (a
+// SQLite database) in the agenda's folder, shared by the workstations through
+// the file share. The connection stays open while the store is; nothing is
+// cached between two requests, so each read sees what other workstations
+// have committed meanwhile. A file locked by another workstation is waited
+// for (busy timeout) rather than refused.
+class SqliteCalendarStore final : public CalendarStore
+{
+public:
+    explicit SqliteCalendarStore(QString path);
+    ~SqliteCalendarStore() override;
+
+    [[nodiscard]] const QString &path() const { return m_path; }
+    // Where an unreadable file was put aside by the last Create (empty when
+    // none was).
+    [[nodiscard]] const QString &keptAsidePath() const { return m_keptAside; }
+    [[nodiscard]] const QString &lastError() const { return m_lastError; }
+
+    bool Open() override;
+    bool Create() override;
+    void Close() override;
+    [[nodiscard]] bool IsOpen() const override;
+
+    void DoRetrieveDayEvents(const QDate &day, QList<CalendarEventPtr> &events) override;
+    void DoRetrieveRangeEvents(const QDate &first, const QDate &last, QList<CalendarEventPtr> &events) override;
+    [[nodiscard]] CalendarEventPtr DoReadEvent(int eventId) override;
+    [[nodiscard]] CalendarRecurrencePatternPtr DoReadRPattern(int patternId) override;
+    bool DoCreateEvent(const CalendarEvent &event, int &newEventId) override;
+    bool DoUpdateEvent(const CalendarEvent &event) override;
+    bool DoDeleteEvent(const CalendarEvent &event) override;
+    bool DoCreateRPattern(const CalendarRecurrencePattern &pattern, int &newPatternId) override;
+    bool DoUpdateRPattern(const CalendarRecurrencePattern &pattern) override;
+    bool DoDeleteRPattern(const CalendarRecurrencePattern &pattern) override;
+    void DoGetUpcomingEvents(const QDateTime &start, int minutes, QList<CalendarEventPtr> &events,
+                             const QDateTime &since = {}) override;
+
+    bool BeginChange() override;
+    bool CommitChange() override;
+    void RollbackChange() override;
+
+    // The statements of the day reads and the reminder poll, for checking
+    // their query plans.
+    [[nodiscard]] static QString rangeStatement();
+    [[nodiscard]] static QString upcomingStatement(bool withLowerBound);
+    [[nodiscard]] static QStringList eventColumns();
+    [[nodiscard]] static QStringList patternColumns();
+
+    // The open connection (tests and the store check look at the plans).
+    [[nodiscard]] BaseSqlite *base() const { return m_base.get(); }
+
+private:
+    bool ensureSchema();
+    bool execBound(QSqlQuery &q);
+    void readEvents(QSqlQuery &q, QList<CalendarEventPtr> &events);
+
+    QString m_path;
+    QString m_keptAside;
+    QString m_lastError;
+    std::unique_ptr<BaseSqlite> m_base;
+    int m_changeDepth = 0;
+};
+
+// The file name an unreadable store is renamed to before a fresh one takes
+// its place: "Events.mdb.illisible-yyyyMMdd-HHmmss" (a number is added when
+// that name is taken).
+[[nodiscard]] QString NomDeCoteStore(const QString &path, const QDateTime &moment);
