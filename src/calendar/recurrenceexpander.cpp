@@ -1,0 +1,335 @@
+#include "calendar/recurrenceexpander.h"
+
+#include <libical/ical.h>
+
+#include <QStringList>
+
+#include <algorithm>
+
+// Written against libical 3: its iterator takes the rule by value; later
+// versions take a pointer. This file is the only place that calls it.
+static_assert(ICAL_MAJOR_VERSION == 3, "the recurrence iterator wrapper is written for libical 3");
+
+namespace {
+
+// Upper bound of iterator steps for one question, far beyond any real series
+// (a daily series over five centuries); guards against a rule that never ends.
+constexpr int pasMaximum = 200000;
+
+QString joursDuMasque(int masque)
+{
+    static const char *const codes[7] = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
+    QStringList jours;
+    for (int i = 0; i < 7; ++i) {
+        if (masque & (1 << i))
+            jours.append(QLatin1String(codes[i]));
+    }
+    return jours.join(u',');
+}
+
+int bitDuJour(QDate jour)
+{
+    return 1 << (jour.dayOfWeek() % 7); // Qt: Monday 1 .. Sunday 7; mask: Sunday 1
+}
+
+int intervalle(int n)
+{
+    return std::clamp(n, 1, 32767);
+}
+
+// Position within the month: 1st..4th, "dernier" (5 and beyond) is the last.
+int position(int quel)
+{
+    if (quel >= CalendarRecurrenceOptions::LastWhichDay)
+        return -1;
+    return std::max(quel, 1);
+}
+
+int masqueOuTous(int masque)
+{
+    masque &= CalendarRecurrenceOptions::AllDays;
+    return masque == 0 ? int(CalendarRecurrenceOptions::AllDays) : masque;
+}
+
+// Day D of the month, clamped to the month's last day when the month is
+// shorter: among 28..D the last one that exists.
+QString jourDuMois(int jour)
+{
+    jour = std::clamp(jour, 1, 31);
+    if (jour <= 28)
+        return QStringLiteral("BYMONTHDAY=%1").arg(jour);
+    QStringList jours;
+    for (int j = 28; j <= jour; ++j)
+        jours.append(QString::number(j));
+    return QStringLiteral("BYMONTHDAY=%1;BYSETPOS=-1").arg(jours.join(u','));
+}
+
+int moisValide(int mois)
+{
+    return std::clamp(mois, 1, 12);
+}
+
+QString regle(const CalendarRecurrencePattern &p)
+{
+    const CalendarRecurrenceOptions &o = p.Options();
+    switch (o.RecurrenceType()) {
+    case CalendarRecurrenceOptions::Daily:
+        if (o.EveryWeekDay())
+            return QStringLiteral("FREQ=DAILY;BYDAY=MO,TU,WE,TH,FR");
+        return QStringLiteral("FREQ=DAILY;INTERVAL=%1").arg(intervalle(o.IntervalDays()));
+    case CalendarRecurrenceOptions::Weekly: {
+        int masque = o.DayOfWeekMask() & CalendarRecurrenceOptions::AllDays;
+        if (masque == 0 && p.StartDate().isValid())
+            masque = bitDuJour(p.StartDate());
+        return QStringLiteral("FREQ=WEEKLY;INTERVAL=%1;WKST=MO;BYDAY=%2")
+            .arg(intervalle(o.IntervalWeeks()))
+            .arg(joursDuMasque(masque));
+    }
+    case CalendarRecurrenceOptions::Monthly:
+        return QStringLiteral("FREQ=MONTHLY;INTERVAL=%1;%2")
+            .arg(intervalle(o.IntervalMonths()))
+            .arg(jourDuMois(o.DayOfMonth()));
+    case CalendarRecurrenceOptions::MonthNth:
+        return QStringLiteral("FREQ=MONTHLY;INTERVAL=%1;BYDAY=%2;BYSETPOS=%3")
+            .arg(intervalle(o.IntervalMonthsNth()))
+            .arg(joursDuMasque(masqueOuTous(o.WhichDayMask())))
+            .arg(position(o.WhichDay()));
+    case CalendarRecurrenceOptions::Yearly: {
+        const int mois = moisValide(o.MonthOfYear());
+        // The longest this month ever is (February 29): a 31 April is the 30th.
+        const int jourMax = QDate(2000, mois, 1).daysInMonth();
+        return QStringLiteral("FREQ=YEARLY;BYMONTH=%1;%2")
+            .arg(mois)
+            .arg(jourDuMois(std::min(o.DayOfMonthYearly(), jourMax)));
+    }
+    case CalendarRecurrenceOptions::YearNth:
+        return QStringLiteral("FREQ=YEARLY;BYMONTH=%1;BYDAY=%2;BYSETPOS=%3")
+            .arg(moisValide(o.MonthOfYearNth()))
+            .arg(joursDuMasque(masqueOuTous(o.WhichDayMaskYearly())))
+            .arg(position(o.WhichDayYearly()));
+    default:
+        return {};
+    }
+}
+
+icaltimetype versIcal(QDate jour)
+{
+    icaltimetype t = icaltime_null_time();
+    t.year = jour.year();
+    t.month = jour.month();
+    t.day = jour.day();
+    t.is_date = 0;
+    return t;
+}
+
+// The one owner of a libical iterator. Dates only: the time of day of the
+// series is put on afterwards, as a wall-clock time.
+class IterateurIcal final
+{
+public:
+    IterateurIcal(const QString &texte, QDate debut)
+    {
+        if (texte.isEmpty() || !debut.isValid())
+            return;
+        const QByteArray octets = texte.toLatin1();
+        icalrecurrencetype r = icalrecurrencetype_from_string(octets.constData());
+        if (r.freq == ICAL_NO_RECURRENCE)
+            return;
+        m_it = icalrecur_iterator_new(r, versIcal(debut));
+    }
+    ~IterateurIcal()
+    {
+        if (m_it)
+            icalrecur_iterator_free(m_it);
+    }
+    IterateurIcal(const IterateurIcal &) = delete;
+    IterateurIcal &operator=(const IterateurIcal &) = delete;
+
+    [[nodiscard]] bool valide() const { return m_it != nullptr; }
+
+    // Jumps ahead to the first occurrence on or after the day. The rule never
+    // carries COUNT (we count ourselves), which libical requires for this.
+    bool allerA(QDate jour) { return m_it && icalrecur_iterator_set_start(m_it, versIcal(jour)) != 0; }
+
+    [[nodiscard]] QDate suivant()
+    {
+        if (!m_it || ++m_pas > pasMaximum)
+            return {};
+        const icaltimetype t = icalrecur_iterator_next(m_it);
+        if (icaltime_is_null_time(t))
+            return {};
+        return QDate(t.year, t.month, t.day);
+    }
+
+private:
+    icalrecur_iterator *m_it = nullptr;
+    int m_pas = 0;
+};
+
+// Calls visite(day) for every day of the series from `depuis` on, in order,
+// until it answers false or the series ends. The end of the series is ours:
+// the last day for EndByDate, the count for EndAfterOccurrences (counted from
+// the first day of the series, so that case always starts there).
+template<typename Visite>
+void parcourir(const CalendarRecurrencePattern &p, QDate depuis, Visite visite)
+{
+    const QDate premier = p.StartDate();
+    if (!premier.isValid())
+        return;
+    const int methode = p.EndMethod();
+    const int total = p.EndAfterOccurrences();
+    QDate dernier;
+    if (methode == CalendarRecurrencePattern::EndByDate) {
+        dernier = p.EndDate();
+        if (!dernier.isValid() || dernier < premier)
+            return;
+    } else if (methode == CalendarRecurrencePattern::EndAfterOccurrencesCount) {
+        if (total <= 0)
+            return;
+    }
+
+    IterateurIcal it(regle(p), premier);
+    if (!it.valide())
+        return;
+    const bool compte = methode == CalendarRecurrencePattern::EndAfterOccurrencesCount;
+    if (!compte && depuis.isValid() && depuis > premier)
+        it.allerA(depuis);
+
+    int n = 0;
+    for (QDate jour = it.suivant(); jour.isValid(); jour = it.suivant()) {
+        if (dernier.isValid() && jour > dernier)
+            return;
+        ++n;
+        if (!depuis.isValid() || jour >= depuis) {
+            if (!visite(jour))
+                return;
+        }
+        if (compte && n >= total)
+            return;
+    }
+}
+
+// Times of the series compared as wall-clock times, whatever their spec.
+QDateTime naif(const QDateTime &t)
+{
+    return QDateTime(t.date(), t.time(), Qt::UTC);
+}
+
+QDateTime local(const QDateTime &naive)
+{
+    return QDateTime(naive.date(), naive.time());
+}
+
+QDateTime finOccurrence(const QDateTime &debut, int minutes)
+{
+    return local(naif(debut).addSecs(qint64(std::max(minutes, 0)) * 60));
+}
+
+// An appointment touches the range when it begins before the range ends and
+// ends after it begins; one of no length touches the day on which it sits.
+bool touche(const QDateTime &debut, const QDateTime &fin, const QDateTime &bas, const QDateTime &haut)
+{
+    const QDateTime d = naif(debut);
+    const QDateTime f = naif(fin);
+    if (d >= haut)
+        return false;
+    return f > bas || (d >= bas && f <= d);
+}
+
+} // namespace
+
+QString RecurrenceRuleText(const CalendarRecurrencePattern &pattern)
+{
+    return regle(pattern);
+}
+
+QList<QDateTime> OccurrenceStarts(const CalendarRecurrencePatternPtr &pattern, QDate firstDay, QDate lastDay)
+{
+    QList<QDateTime> debuts;
+    if (!pattern || !firstDay.isValid() || !lastDay.isValid() || lastDay < firstDay)
+        return debuts;
+    const QTime heure = pattern->StartTime().isValid() ? pattern->StartTime() : QTime(0, 0);
+    parcourir(*pattern, firstDay, [&](QDate jour) {
+        if (jour > lastDay)
+            return false;
+        debuts.append(QDateTime(jour, heure));
+        return true;
+    });
+    return debuts;
+}
+
+QList<CalendarEventPtr> ExpandOccurrences(const CalendarEventPtr &master, QDate firstDay, QDate lastDay)
+{
+    QList<CalendarEventPtr> resultat;
+    if (!master || !firstDay.isValid() || !lastDay.isValid() || lastDay < firstDay)
+        return resultat;
+    const CalendarRecurrencePatternPtr pattern = master->RecurrencePattern();
+    if (!pattern)
+        return resultat;
+
+    const QDateTime bas(firstDay, QTime(0, 0), Qt::UTC);
+    const QDateTime haut(lastDay.addDays(1), QTime(0, 0), Qt::UTC);
+    const int duree = std::max(pattern->DurationMinutes(), 0);
+    // An occurrence that began on an earlier day may still run into the range.
+    const QDate depuis = firstDay.addDays(-(duree / 1440 + 1));
+
+    for (const QDateTime &debut : OccurrenceStarts(pattern, depuis, lastDay)) {
+        const QDateTime fin = finOccurrence(debut, duree);
+        if (!touche(debut, fin, bas, haut))
+            continue;
+        if (pattern->FindException(debut))
+            continue; // replaced or masked
+        resultat.append(CalendarEvent::CreateOccurrence(master, debut, fin));
+    }
+    for (const CalendarEventPtr &exception : pattern->Exceptions()) {
+        if (exception->RExceptionDeleted())
+            continue;
+        if (touche(exception->StartDateTime(), exception->EndDateTime(), bas, haut))
+            resultat.append(exception);
+    }
+    std::stable_sort(resultat.begin(), resultat.end(), [](const CalendarEventPtr &a, const CalendarEventPtr &b) {
+        return naif(a->StartDateTime()) < naif(b->StartDateTime());
+    });
+    return resultat;
+}
+
+std::optional<QDateTime> NextOccurrenceStart(const CalendarRecurrencePatternPtr &pattern, const QDateTime &from)
+{
+    if (!pattern || !from.isValid())
+        return std::nullopt;
+    const QTime heure = pattern->StartTime().isValid() ? pattern->StartTime() : QTime(0, 0);
+    const QDateTime seuil = naif(from);
+    std::optional<QDateTime> trouve;
+    parcourir(*pattern, from.date(), [&](QDate jour) {
+        const QDateTime debut(jour, heure);
+        if (naif(debut) < seuil)
+            return true;
+        trouve = debut;
+        return false;
+    });
+    return trouve;
+}
+
+SeriesSpan SeriesSpanOf(const CalendarRecurrencePatternPtr &pattern)
+{
+    SeriesSpan etendue;
+    if (!pattern)
+        return etendue;
+    const QTime heure = pattern->StartTime().isValid() ? pattern->StartTime() : QTime(0, 0);
+    const bool sansFin = pattern->EndMethod() != CalendarRecurrencePattern::EndByDate
+        && pattern->EndMethod() != CalendarRecurrencePattern::EndAfterOccurrencesCount;
+    QDate premier;
+    QDate dernier;
+    parcourir(*pattern, QDate(), [&](QDate jour) {
+        if (!premier.isValid())
+            premier = jour;
+        dernier = jour;
+        return !sansFin;
+    });
+    if (!premier.isValid())
+        return etendue;
+    etendue.firstStart = QDateTime(premier, heure);
+    if (!sansFin)
+        etendue.lastEnd = finOccurrence(QDateTime(dernier, heure), pattern->DurationMinutes());
+    return etendue;
+}
