@@ -6,7 +6,6 @@
 
 #include <QDate>
 #include <QDateTime>
-#include <QPointer>
 #include <QString>
 
 #include <optional>
@@ -58,5 +57,5 @@ public:
 
 private:
     [[nodiscard]] static QString PadTwoDigits(int number);
-    QPointer<CalendarDataProvider> m_provider;
+    CalendarDataProvider *m_provider = nullptr; // owns the store that owns this helper
 };

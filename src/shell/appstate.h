@@ -8,7 +8,9 @@
 #include <array>
 #include <memory>
 
+class CalendarDataProvider;
 class ConfigIni;
+class ReminderEngine;
 
 // The one application state record: written during start-up and by the
 // dialogs that change settings, read everywhere. Folder paths end in a
@@ -45,6 +47,12 @@ struct AppState
 
     PatientCourantRecord PatientCourant;
     RegleMatch RegleCourante;
+
+    // The calendar store attached by OpenProvider, the kind attached (0
+    // before the first), and the reminder watch over that store.
+    std::shared_ptr<CalendarDataProvider> Calendrier;
+    int TypeFournisseur = 0;
+    std::shared_ptr<ReminderEngine> MoteurRappels;
 };
 
 // The agenda name of a start without argument; also the section of that

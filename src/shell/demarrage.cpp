@@ -1,5 +1,8 @@
 #include "shell/demarrage.h"
 
+#include "calendar/calendardataprovider.h"
+#include "calendar/openprovider.h"
+#include "calendar/reminderengine.h"
 #include "cipher/encryptx.h"
 #include "patients/schemapatients.h"
 #include "rules/regles.h"
@@ -90,7 +93,14 @@ std::optional<QString> Demarrage::charger(ParametresFenetre &p)
         CreerBasePatients(dossier);
     }
 
+    // The calendar store: Events.mdb in PathDB, opened or created.
+    if (!m_etat.Calendrier)
+        m_etat.Calendrier = std::make_shared<CalendarDataProvider>();
+    if (OpenProvider(*m_etat.Calendrier, CalendarDataProvider::Access, connexionEvenements()))
+        m_etat.TypeFournisseur = CalendarDataProvider::Access;
+
     p.libelles = ConstruireLibelles(m_etat);
+    m_etat.Calendrier->setLabelList(p.libelles);
     m_etat.DureeDefaut = static_cast<qint16>(LireEntier(LireConfig(QStringLiteral("RDV"), QStringLiteral("Duree"), QStringLiteral("0"))));
 
     const QString agenda = m_etat.AgendaName;
@@ -98,6 +108,9 @@ std::optional<QString> Demarrage::charger(ParametresFenetre &p)
     p.rappelsActifs = LireIni(agenda, QStringLiteral("RemindersManEnabled"), QStringLiteral("Faux"), agendaIni) == TexteBooleen(true);
     m_etat.RappelsMails = LireIni(agenda, QStringLiteral("MAILS"), QStringLiteral("Non"), agendaIni) == QStringLiteral("Oui");
     m_etat.RappelsSMS = LireIni(agenda, QStringLiteral("SMS"), QStringLiteral("Non"), agendaIni) == QStringLiteral("Oui");
+    if (!m_etat.MoteurRappels)
+        m_etat.MoteurRappels = std::make_shared<ReminderEngine>(m_etat.Calendrier.get());
+    m_etat.MoteurRappels->setEnabled(p.rappelsActifs);
 
     const QString ouverture = QStringLiteral("Ouverture");
     p.debutJournee = heure(LireConfig(ouverture, QStringLiteral("Debut"), QStringLiteral("08:00:00")), QTime(8, 0));
@@ -127,6 +140,12 @@ QString Demarrage::connexionEvenements() const
 
 void Demarrage::arreter(bool rappelsActifs)
 {
+    if (m_etat.MoteurRappels)
+        m_etat.MoteurRappels->setEnabled(false);
+    if (m_etat.Calendrier) {
+        m_etat.Calendrier->Save();
+        m_etat.Calendrier->Close();
+    }
     const QString texte = TexteBooleen(rappelsActifs);
     EcrireParametreUtilisateur(QStringLiteral("AdvancedOptions"), QStringLiteral("RemindersEnabled"), texte);
     if (!m_etat.AgendaName.isEmpty())

@@ -1,0 +1,122 @@
+#pragma once
+
+#include "calendar/calendarevent.h"
+#include "calendar/calendarlabel.h"
+#include "calendar/calendarrecurrencepattern.h"
+#include "calendar/calendarstore.h"
+
+#include <QDate>
+#include <QDateTime>
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+// One schedule of the store: the appointment editor lists them, and an
+// appointment names its schedule by ScheduleID.
+struct CalendarSchedule
+{
+    int ScheduleID = 0;
+    QString Name;
+
+    friend bool operator==(const CalendarSchedule &, const CalendarSchedule &) = default;
+};
+
+// The store side of the calendar. Every change of the book goes through
+// AddEvent, ChangeEvent and DeleteEvent, which turn it into the store's
+// requests (a series as its master, pattern and exceptions) and then tell the
+// world with eventAdded, eventChanged or eventDeleted. The reads for the views
+// give plain events and the occurrences of the series, worked out from their
+// patterns; nothing is kept between two reads, so what another workstation
+// wrote shows on the next one.
+class CalendarDataProvider final : public QObject
+{
+    Q_OBJECT
+
+public:
+    // The kinds of store, numbered as everywhere in the program.
+    enum Kind { Memory = 1, Access = 2, MAPI = 3, SQLServer = 4, MySQL = 5 };
+
+    explicit CalendarDataProvider(QObject *parent = nullptr);
+    ~CalendarDataProvider() override;
+
+    // Chooses the store by its connection string: "Provider=XML;..." the XML
+    // data file, "Provider=Microsoft.Jet.OLEDB.4.0;..." the Events.mdb file.
+    // Answers false (and keeps no store) for a string naming neither; a
+    // "Provider=Custom;" store is handed over with setStore.
+    bool SetDataProvider(const QString &connection);
+    // Takes a store of another kind (the SQL servers).
+    void setStore(std::unique_ptr<CalendarStore> store, const QString &connection = {});
+    [[nodiscard]] CalendarStore *store() const { return m_store.get(); }
+    [[nodiscard]] const QString &ConnectionString() const { return m_connection; }
+
+    // Whether the store could be opened; Create makes a new empty one.
+    bool Open();
+    bool Create();
+    bool Save();
+    void Close();
+    [[nodiscard]] bool IsOpen() const;
+
+    // Kept for the callers that set it; every read goes to the store.
+    int CacheMode = 0;
+
+    // New empty records with the given key, for the record mapping.
+    [[nodiscard]] CalendarEventPtr CreateEventFromId(int eventId) const;
+    [[nodiscard]] CalendarRecurrencePatternPtr CreateRPatternFromId(int patternId) const;
+    // A new appointment of the given times, not yet in the store.
+    [[nodiscard]] CalendarEventPtr CreateNewEvent(const QDateTime &start = {}, const QDateTime &end = {}) const;
+
+    bool AddEvent(const CalendarEventPtr &event);
+    bool ChangeEvent(const CalendarEventPtr &event);
+    bool DeleteEvent(const CalendarEventPtr &event);
+
+    // What the views show for a day or for the days first..last: plain
+    // appointments and the occurrences (or their exceptions) of the series,
+    // ordered by start.
+    [[nodiscard]] QList<CalendarEventPtr> RetrieveDayEvents(const QDate &day);
+    [[nodiscard]] QList<CalendarEventPtr> RetrieveEvents(const QDate &first, const QDate &last);
+
+    // One record by key: a master comes with its pattern and exceptions, an
+    // exception as the one attached to its series.
+    [[nodiscard]] CalendarEventPtr GetEvent(int eventId);
+    [[nodiscard]] CalendarRecurrencePatternPtr GetRecurrencePattern(int patternId);
+    // The rows under reminder whose moment falls before start + minutes
+    // (masters with their pattern attached); see CalendarStore.
+    [[nodiscard]] QList<CalendarEventPtr> GetUpcomingEvents(const QDateTime &start, int minutes, const QDateTime &since = {});
+
+    // Labels (colour and appointment type) and schedules of the book.
+    [[nodiscard]] const CalendarLabelList &LabelList() const { return m_labels; }
+    void setLabelList(const CalendarLabelList &labels) { m_labels = labels; }
+    [[nodiscard]] const QList<CalendarSchedule> &Schedules() const { return m_schedules; }
+    int AddSchedule(const QString &name);
+    bool RenameSchedule(int scheduleId, const QString &name);
+    bool RemoveSchedule(int scheduleId);
+
+    // The last day of a series with no end, as the master's row keeps it.
+    [[nodiscard]] static QDateTime openSeriesEnd();
+
+signals:
+    void eventAdded(CalendarEventPtr event);
+    void eventChanged(CalendarEventPtr event);
+    void eventDeleted(CalendarEventPtr event);
+
+private:
+    // A row read as an ordinary event becomes a record of its state; a master
+    // gets its pattern (nothing when the pattern row is gone).
+    CalendarEventPtr takeOver(const CalendarEventPtr &row);
+    bool writeMaster(const CalendarEventPtr &master, bool isNew);
+    bool syncExceptions(const CalendarRecurrencePatternPtr &pattern);
+    bool deleteSeriesRows(int patternId, int keepEventId);
+    bool writeException(const CalendarEventPtr &exception);
+    template<typename F>
+    bool inOneChange(F &&work);
+
+    std::unique_ptr<CalendarStore> m_store;
+    QString m_connection;
+    CalendarLabelList m_labels;
+    QList<CalendarSchedule> m_schedules;
+    // Masters of the series read so far, by pattern key (see takeOver).
+    QHash<int, CalendarEventPtr> m_keepAlive;
+};

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "calendar/calendarevent.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QMetaType>
+#include <QObject>
+#include <QTimer>
+
+class CalendarDataProvider;
+
+// One due reminder: the appointment (for a series, the occurrence or its
+// exception) and when it fires.
+struct Reminder
+{
+    CalendarEventPtr Event;
+    int MinutesBeforeStart = 0;
+    // Start of the appointment, and the moment the reminder is due (its
+    // start less the minutes, or the end of a snooze).
+    QDateTime StartTime;
+    QDateTime NextReminderTime;
+    // What tells two reminders apart across polls: the row of the
+    // appointment (the master for a series) and the occurrence's own start.
+    int KeyEventID = 0;
+    QDateTime KeyOccurrence;
+
+    [[nodiscard]] bool isNull() const { return !Event; }
+    [[nodiscard]] bool sameAs(const Reminder &other) const
+    {
+        return KeyEventID == other.KeyEventID && KeyOccurrence == other.KeyOccurrence;
+    }
+};
+Q_DECLARE_METATYPE(Reminder)
+
+// The reminder watch. It polls the store for appointments under reminder
+// whose moment has come, keeps the active reminders ordered by that moment,
+// and reports with reminderAction: 2 the watch stopped, 3 a reminder fires,
+// 4 one was snoozed, 5 one was dismissed, 6 all were dismissed.
+//
+// Snooze and dismissal are written on the appointment through ChangeEvent,
+// so they hold across a restart and on every workstation: a dismissed
+// appointment loses its reminder flag, a snoozed one keeps the end of the
+// snooze in its property bag. For a series this is done on the occurrence,
+// which the data provider keeps as an exception of its own. A reminder that
+// fell due while the program was closed fires at the next start, unless it
+// fell due more than lookBackDays ago.
+class ReminderEngine final : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum Action { WatchStopped = 2, Fire = 3, Snoozed = 4, Dismissed = 5, AllDismissed = 6 };
+
+    // Name of the bag entry that holds the end of a snooze.
+    static inline const QString SnoozeProperty = QStringLiteral("RappelRepousseJusqua");
+
+    explicit ReminderEngine(CalendarDataProvider *provider, QObject *parent = nullptr);
+
+    // On: the first poll runs from the event loop, then one every interval.
+    // Off: the active list is emptied and action 2 reported.
+    void setEnabled(bool enabled);
+    [[nodiscard]] bool isEnabled() const { return m_enabled; }
+    void setInterval(int milliseconds);
+    [[nodiscard]] int interval() const { return m_timer.interval(); }
+    void setLookBackDays(int days) { m_lookBackDays = days; }
+    [[nodiscard]] int lookBackDays() const { return m_lookBackDays; }
+
+    // Asks the store now (the timer calls it).
+    void Poll();
+
+    [[nodiscard]] const QList<Reminder> &ActiveReminders() const { return m_active; }
+    [[nodiscard]] int Count() const { return int(m_active.size()); }
+
+    // Operations on the reminder at a position of the active list.
+    bool Snooze(int position, int minutes);
+    bool Dismiss(int position);
+    void DismissAll();
+
+signals:
+    void reminderAction(int action, const Reminder &reminder);
+
+private:
+    [[nodiscard]] QList<Reminder> dueReminders(const QDateTime &now);
+    bool writeDismissal(const Reminder &r);
+
+    CalendarDataProvider *m_provider;
+    QTimer m_timer;
+    bool m_enabled = false;
+    int m_lookBackDays = 7;
+    QList<Reminder> m_active;
+};
