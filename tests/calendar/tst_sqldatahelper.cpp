@@ -1,0 +1,523 @@
+#include "calendar/calendardataprovider.h"
+#include "calendar/sqldatahelper.h"
+
+#include <QtTest>
+
+// The statements are compared with texts written out by hand, line by line:
+// "\r\n" marks every line end the servers are sent.
+class tst_sqldatahelper : public QObject
+{
+    Q_OBJECT
+
+private:
+    static CalendarEventPtr rendezVous()
+    {
+        CalendarEventPtr e = CalendarEvent::create(42);
+        e->setSubject(QStringLiteral("A\\B\"C"));
+        e->setLocation(QStringLiteral("Cabinet l'Orée"));
+        e->setBody(QString::fromUtf8("x§y§"));
+        e->setIsMeeting(true);
+        e->setIsPrivate(false);
+        e->setLabelID(3);
+        e->setBusyStatus(1);
+        e->setImportanceLevel(1);
+        e->setStartDateTime(QDateTime(QDate(2014, 2, 3), QTime(9, 5)));
+        e->setEndDateTime(QDateTime(QDate(2014, 2, 3), QTime(9, 35)));
+        e->setIsAllDayEvent(false);
+        e->setIsReminder(true);
+        e->setReminderMinutesBeforeStart(1440);
+        e->setReminderSoundFile(QStringLiteral("C:\\son.wav"));
+        e->setScheduleID(2);
+        return e;
+    }
+
+    static CalendarRecurrencePatternPtr serie()
+    {
+        CalendarRecurrencePatternPtr p = CalendarRecurrencePattern::create(7);
+        p->setMasterEventID(42);
+        p->setStartTime(QTime(9, 5));
+        p->setDurationMinutes(30);
+        p->setStartDate(QDate(2014, 2, 3));
+        p->setEndMethod(1);
+        p->setEndAfterOccurrences(10);
+        return p;
+    }
+
+    static QStringList colonnesEvenement()
+    {
+        return {QStringLiteral("EventID"), QStringLiteral("Subject"), QStringLiteral("Location"), QStringLiteral("Body"),
+                QStringLiteral("IsMeeting"), QStringLiteral("IsPrivate"), QStringLiteral("LabelID"), QStringLiteral("BusyStatus"),
+                QStringLiteral("ImportanceLevel"), QStringLiteral("StartDateTime"), QStringLiteral("EndDateTime"),
+                QStringLiteral("IsAllDayEvent"), QStringLiteral("IsReminder"), QStringLiteral("ReminderMinutesBeforeStart"),
+                QStringLiteral("RemainderSoundFile"), QStringLiteral("RecurrenceState"), QStringLiteral("RecurrencePatternID"),
+                QStringLiteral("RExceptionStartTimeOrig"), QStringLiteral("RExceptionEndTimeOrig"),
+                QStringLiteral("ISRecurrenceExceptionDeleted"), QStringLiteral("CustomPropertiesXMLData"),
+                QStringLiteral("CustomIconsIDs"), QStringLiteral("ScheduleID")};
+    }
+
+    // A server row as the recordset gives it.
+    static MemoryRecord ligne(const QStringList &colonnes = colonnesEvenement())
+    {
+        MemoryRecord r(colonnes);
+        const QList<QPair<QString, QVariant>> valeurs = {
+            {QStringLiteral("EventID"), 17},
+            {QStringLiteral("Subject"), QStringLiteral("DUPONT Jean")},
+            {QStringLiteral("Location"), QStringLiteral("Contrôle")},
+            {QStringLiteral("Body"), QString::fromUtf8("a§b§")},
+            {QStringLiteral("IsMeeting"), 2},
+            {QStringLiteral("IsPrivate"), 0},
+            {QStringLiteral("LabelID"), 9},
+            {QStringLiteral("BusyStatus"), 1},
+            {QStringLiteral("ImportanceLevel"), 2},
+            {QStringLiteral("StartDateTime"), QDateTime(QDate(2015, 1, 2), QTime(10, 0))},
+            {QStringLiteral("EndDateTime"), QStringLiteral("2015-01-02 10:20:00")},
+            {QStringLiteral("IsAllDayEvent"), 0},
+            {QStringLiteral("IsReminder"), -1},
+            {QStringLiteral("ReminderMinutesBeforeStart"), 30},
+            {QStringLiteral("RemainderSoundFile"), QStringLiteral("bip.wav")},
+            {QStringLiteral("RecurrenceState"), 1},
+            {QStringLiteral("RecurrencePatternID"), 5},
+            {QStringLiteral("RExceptionStartTimeOrig"), QStringLiteral("2015-01-02 10:00:00")},
+            {QStringLiteral("RExceptionEndTimeOrig"), QStringLiteral("2015-01-02 10:20:00")},
+            {QStringLiteral("ISRecurrenceExceptionDeleted"), 1},
+            {QStringLiteral("CustomPropertiesXMLData"), QString()},
+            {QStringLiteral("CustomIconsIDs"), QStringLiteral("3,5")},
+            {QStringLiteral("ScheduleID"), 4},
+        };
+        for (const auto &[nom, valeur] : valeurs) {
+            if (colonnes.contains(nom))
+                r.setField(nom, valeur);
+        }
+        return r;
+    }
+
+private Q_SLOTS:
+    void literaux_data()
+    {
+        QTest::addColumn<QString>("obtenu");
+        QTest::addColumn<QString>("attendu");
+        QTest::newRow("backslash et guillemet") << SQLDataHelper::MakeSQLstr(QStringLiteral("a\\b\"c"))
+                                                << QStringLiteral("\"a\\\\b\\\"c\"");
+        QTest::newRow("apostrophe inchangée") << SQLDataHelper::MakeSQLstr(QStringLiteral("l'Orée")) << QStringLiteral("\"l'Orée\"");
+        QTest::newRow("vide") << SQLDataHelper::MakeSQLstr(QString()) << QStringLiteral("\"\"");
+        QTest::newRow("2 janvier 2015 minuit") << SQLDataHelper::MakeSQLDateTime(QDateTime(QDate(2015, 1, 2), QTime(0, 0)))
+                                               << QStringLiteral("{ts'2015-01-02 00:00:00'}");
+        QTest::newRow("3 février 2014 9h05") << SQLDataHelper::MakeSQLDateTime(QDateTime(QDate(2014, 2, 3), QTime(9, 5)))
+                                             << QStringLiteral("{ts'2014-02-03 09:05:00'}");
+        QTest::newRow("fin d'année") << SQLDataHelper::MakeSQLDateTime(QDateTime(QDate(2026, 12, 31), QTime(23, 59, 59)))
+                                     << QStringLiteral("{ts'2026-12-31 23:59:59'}");
+        QTest::newRow("année sans zéros") << SQLDataHelper::MakeSQLDateTime(QDateTime(QDate(950, 7, 14), QTime(10, 11, 12)))
+                                          << QStringLiteral("{ts'950-07-14 10:11:12'}");
+        QTest::newRow("date absente = jour 0") << SQLDataHelper::MakeSQLDateTime(QDateTime())
+                                               << QStringLiteral("{ts'1899-12-30 00:00:00'}");
+    }
+    void literaux()
+    {
+        QFETCH(QString, obtenu);
+        QFETCH(QString, attendu);
+        QCOMPARE(obtenu, attendu);
+    }
+
+    void getDsn_data()
+    {
+        QTest::addColumn<QString>("connexion");
+        QTest::addColumn<bool>("valide");
+        QTest::addColumn<QString>("dsn");
+        QTest::newRow("marque") << "Provider=Custom;DSN=Calendar_SQLServer" << true << "DSN=Calendar_SQLServer";
+        QTest::newRow("marque non comparée") << "XXXXXXXXXXXXXXXXDSN=Calendar_MySQL" << true << "DSN=Calendar_MySQL";
+        QTest::newRow("marque seule") << "Provider=Custom;" << true << "";
+        QTest::newRow("trop court") << "DSN=court" << false << "";
+    }
+    void getDsn()
+    {
+        QFETCH(QString, connexion);
+        QFETCH(bool, valide);
+        QFETCH(QString, dsn);
+        const std::optional<QString> r = SQLDataHelper::GetDSN(connexion);
+        QCOMPARE(r.has_value(), valide);
+        if (valide)
+            QCOMPARE(*r, dsn);
+    }
+
+    void miseAJourEvenement_data()
+    {
+        QTest::addColumn<int>("etat");
+        QTest::addColumn<QString>("ligneSerie");
+        QTest::newRow("simple") << 0 << "RecurrencePatternID = 0, \r\n";
+        QTest::newRow("maître") << 1 << "RecurrencePatternID = 7, \r\n";
+        QTest::newRow("occurrence") << 2 << "RecurrencePatternID = 0, \r\n";
+        QTest::newRow("exception") << 3 << "RecurrencePatternID = 7, \r\n";
+    }
+    void miseAJourEvenement()
+    {
+        QFETCH(int, etat);
+        QFETCH(QString, ligneSerie);
+        CalendarEventPtr e = rendezVous();
+        const CalendarRecurrencePatternPtr p = serie();
+        e->setRecurrencePattern(p);
+        e->setRecurrenceState(etat);
+        const QString attendu = QStringLiteral("UPDATE CalendarEvents SET \r\n"
+                                               "Subject = \"A\\\\B\\\"C\", \r\n"
+                                               "Location = \"Cabinet l'Orée\", \r\n")
+                                + QString::fromUtf8("Body = \"x§y§\", \r\n")
+                                + QStringLiteral("IsMeeting = 1, \r\n"
+                                                 "IsPrivate = 0, \r\n"
+                                                 "LabelID = 3, \r\n"
+                                                 "BusyStatus = 1, \r\n"
+                                                 "ImportanceLevel = 1, \r\n"
+                                                 "StartDateTime = {ts'2014-02-03 09:05:00'}, \r\n"
+                                                 "EndDateTime = {ts'2014-02-03 09:35:00'}, \r\n"
+                                                 "IsAllDayEvent = 0, \r\n"
+                                                 "IsReminder = 1, \r\n"
+                                                 "ReminderMinutesBeforeStart = 1440, \r\n"
+                                                 "RemainderSoundFile = \"C:\\\\son.wav\", \r\n"
+                                                 "RecurrenceState = ")
+                                + QString::number(etat)
+                                + QStringLiteral(", \r\n") + ligneSerie
+                                + QStringLiteral("RExceptionStartTimeOrig = {ts'1899-12-30 00:00:00'}, \r\n"
+                                                 "RExceptionEndTimeOrig = {ts'1899-12-30 00:00:00'}, \r\n"
+                                                 "ISRecurrenceExceptionDeleted = 0, \r\n"
+                                                 "CustomPropertiesXMLData = \"\" \r\n"
+                                                 "CustomIconsIDs = \"\", \r\n"
+                                                 "ScheduleID = 2 \r\n"
+                                                 "WHERE EventID = 42;");
+        QCOMPARE(SQLDataHelper::MakeUpdateEventSQL(*e), attendu);
+    }
+
+    void creationEvenement()
+    {
+        CalendarEventPtr e = rendezVous();
+        e->setLabelID(-5);
+        e->setIsMeeting(false);
+        e->setIsPrivate(true);
+        e->setIsAllDayEvent(true);
+        e->setRExceptionStartTimeOrig(QDateTime(QDate(2014, 2, 1), QTime(8, 0)));
+        e->setRExceptionDeleted(true);
+        e->CustomIcons().Add(3);
+        const QString attendu =
+            QStringLiteral("INSERT INTO CalendarEvents (Subject, Location, Body, IsMeeting, IsPrivate, LabelID, BusyStatus, "
+                           "ImportanceLevel, StartDateTime, EndDateTime, IsAllDayEvent, IsReminder, ReminderMinutesBeforeStart, "
+                           "RemainderSoundFile, RecurrenceState, RecurrencePatternID, RExceptionStartTimeOrig, "
+                           "RExceptionEndTimeOrig, ISRecurrenceExceptionDeleted, CustomPropertiesXMLData, CustomIconsIDs, "
+                           "ScheduleID) \r\n"
+                           "VALUES(\"A\\\\B\\\"C\", \r\n"
+                           "\"Cabinet l'Orée\", \r\n")
+            + QString::fromUtf8("\"x§y§\", \r\n")
+            + QStringLiteral("0, \r\n"
+                             "1, \r\n"
+                             "-5, \r\n"
+                             "1, \r\n"
+                             "1, \r\n"
+                             "{ts'2014-02-03 09:05:00'}, \r\n"
+                             "{ts'2014-02-03 09:35:00'}, \r\n"
+                             "1, \r\n"
+                             "1, \r\n"
+                             "1440, \r\n"
+                             "\"C:\\\\son.wav\", \r\n"
+                             "0, \r\n"
+                             "0, \r\n"
+                             "{ts'2014-02-01 08:00:00'}, \r\n"
+                             "{ts'1899-12-30 00:00:00'}, \r\n"
+                             "1, \r\n"
+                             "\"\", \r\n"
+                             "\"3\", \r\n"
+                             "2);\r\n");
+        QCOMPARE(SQLDataHelper::MakeCreateEventSQL(*e), attendu);
+    }
+
+    void statementsSerie()
+    {
+        const CalendarRecurrencePatternPtr p = serie();
+        const auto &o = p->Options();
+        const QString d1 = QString::number(o.Data1()), d2 = QString::number(o.Data2()), d3 = QString::number(o.Data3()),
+                      d4 = QString::number(o.Data4());
+        const QString maj = QStringLiteral("UPDATE CalendarRecurrencePatterns SET \r\n"
+                                           "MasterEventID = 42, \r\n"
+                                           "EventStartTime = {ts'1899-12-30 09:05:00'}, \r\n"
+                                           "EventDuration = 30, \r\n"
+                                           "PatternStartDate = {ts'2014-02-03 00:00:00'}, \r\n"
+                                           "PatternEndMethod = 1, \r\n"
+                                           "PatternEndDate = {ts'1899-12-30 00:00:00'}, \r\n"
+                                           "PatternEndAfterOccurrences = 10, \r\n")
+                            + QStringLiteral("OptionsData1 = ") + d1 + QStringLiteral(", \r\n") + QStringLiteral("OptionsData2 = ") + d2
+                            + QStringLiteral(", \r\n") + QStringLiteral("OptionsData3 = ") + d3 + QStringLiteral(", \r\n")
+                            + QStringLiteral("OptionsData4 = ") + d4 + QStringLiteral(", \r\n")
+                            + QStringLiteral("CustomPropertiesXMLData = \"\" \r\n"
+                                             " WHERE RecurrencePatternID = 7");
+        QCOMPARE(SQLDataHelper::MakeUpdatePatternSQL(*p), maj);
+
+        const QString creation = QStringLiteral("INSERT INTO CalendarRecurrencePatterns (MasterEventID, \r\n"
+                                                "EventStartTime, \r\n"
+                                                "EventDuration, \r\n"
+                                                "PatternStartDate, \r\n"
+                                                "PatternEndMethod, \r\n"
+                                                "PatternEndDate, \r\n"
+                                                "PatternEndAfterOccurrences, \r\n"
+                                                "OptionsData1, \r\n"
+                                                "OptionsData2, \r\n"
+                                                "OptionsData3, \r\n"
+                                                "OptionsData4, \r\n"
+                                                "CustomPropertiesXMLData) \r\n"
+                                                "VALUES(42, \r\n"
+                                                "{ts'1899-12-30 09:05:00'}, \r\n"
+                                                "30, \r\n"
+                                                "{ts'2014-02-03 00:00:00'}, \r\n"
+                                                "1, \r\n"
+                                                "{ts'1899-12-30 00:00:00'}, \r\n"
+                                                "10, \r\n")
+                                 + d1 + QStringLiteral(", \r\n") + d2 + QStringLiteral(", \r\n") + d3 + QStringLiteral(", \r\n") + d4
+                                 + QStringLiteral(", \r\n") + QStringLiteral("\"\"); ");
+        QCOMPARE(SQLDataHelper::MakeCreatePatternSQL(*p), creation);
+    }
+
+    void lectureJour()
+    {
+        const QString attendu = QStringLiteral("SELECT * FROM CalendarEvents WHERE \r\n"
+                                               " ( RecurrenceState = 0 OR \r\n"
+                                               "   RecurrenceState = 1) AND \r\n"
+                                               "( YEAR(StartDateTime) < 2015\r\n"
+                                               "  OR ( YEAR(StartDateTime) = 2015 AND \r\n"
+                                               "       ( MONTH(StartDateTime) < 1 OR          MONTH(StartDateTime) = 1 AND \r\n"
+                                               "         DAY(StartDateTime) <= 2\r\n"
+                                               "     ) ) )AND \r\n"
+                                               "( YEAR(EndDateTime) > 2015\r\n"
+                                               "  OR ( YEAR(EndDateTime) = 2015 AND \r\n"
+                                               "       (MONTH(EndDateTime) > 1 OR         MONTH(EndDateTime) = 1 AND \r\n"
+                                               "        DAY(EndDateTime) >= 2\r\n"
+                                               "     ) ) ) \r\n");
+        QCOMPARE(SQLDataHelper::MakeRetrieveDayEventsSQL(QDate(2015, 1, 2)), attendu);
+    }
+
+    void rappelsAVenir_data()
+    {
+        QTest::addColumn<int>("genre");
+        QTest::addColumn<bool>("filtre");
+        QTest::addColumn<QString>("attendu");
+        const QString court = QStringLiteral("SELECT * FROM CalendarEvents WHERE \r\n"
+                                             "(RecurrenceState = 0 OR \r\n"
+                                             " RecurrenceState = 1) \r\n");
+        auto complet = [&](const QString &e) {
+            return court
+                   + QStringLiteral(" AND \r\n"
+                                    " ( IsReminder <> 0 OR \r\n"
+                                    "     ( RecurrenceState = 1 AND \r\n"
+                                    "       RecurrencePatternID IN \r\n"
+                                    "         ( SELECT RecurrencePatternID  FROM CalendarEvents \r\n"
+                                    "           WHERE \r\n"
+                                    "             RecurrenceState = 3 AND \r\n"
+                                    "             IsReminder <> 0 AND \r\n"
+                                    "         ")
+                   + e + QStringLiteral(" <= {ts'2014-02-03 10:30:00'}\r\n"
+                                        "         ) \r\n"
+                                        "     ) \r\n"
+                                        " ) AND \r\n")
+                   + e + QStringLiteral(" <= {ts'2014-02-03 10:30:00'}");
+        };
+        QTest::newRow("SQL Server") << 4 << true << complet(QStringLiteral(" DATEADD(\"n\", -1 * ReminderMinutesBeforeStart, StartDateTime) "));
+        QTest::newRow("MySQL") << 5 << true << complet(QStringLiteral(" ADDDATE(StartDateTime, INTERVAL -1*ReminderMinutesBeforeStart MINUTE) "));
+        QTest::newRow("autre genre filtré") << 2 << true << "err";
+        QTest::newRow("autre genre sans filtre") << 2 << false << court;
+        QTest::newRow("SQL Server sans filtre") << 4 << false << court;
+    }
+    void rappelsAVenir()
+    {
+        QFETCH(int, genre);
+        QFETCH(bool, filtre);
+        QFETCH(QString, attendu);
+        QCOMPARE(SQLDataHelper::MakeGetUpcomingEventsSQL(genre, QDateTime(QDate(2014, 2, 3), QTime(9, 0)), 90, filtre), attendu);
+    }
+
+    void lectureLigne_data()
+    {
+        QTest::addColumn<bool>("exception");
+        QTest::newRow("événement") << false;
+        QTest::newRow("exception") << true;
+    }
+    void lectureLigne()
+    {
+        QFETCH(bool, exception);
+        CalendarDataProvider fournisseur;
+        SQLDataHelper h;
+        h.SetCalendar(&fournisseur);
+        const CalendarEventPtr e = h.CreateEventFromRS(ligne(), exception);
+        QVERIFY(e);
+        QCOMPARE(e->EventID(), 17);
+        QCOMPARE(e->Subject(), QStringLiteral("DUPONT Jean"));
+        QCOMPARE(e->Location(), QStringLiteral("Contrôle"));
+        QVERIFY(e->IsMeeting()); // 2 reads as true
+        QVERIFY(!e->IsPrivate());
+        QVERIFY(e->IsReminder()); // -1 too
+        QCOMPARE(e->LabelID(), 9);
+        QCOMPARE(e->ImportanceLevel(), 2);
+        QCOMPARE(e->EndDateTime(), QDateTime(QDate(2015, 1, 2), QTime(10, 20)));
+        QCOMPARE(e->ReminderSoundFile(), QStringLiteral("bip.wav"));
+        QCOMPARE(e->CustomIcons().SaveToString(), QStringLiteral("3,5"));
+        QCOMPARE(e->ScheduleID(), 4);
+        const CustomProperties &bag = e->CustomProperties();
+        if (exception) {
+            QCOMPARE(e->RecurrenceState(), 3);
+            QCOMPARE(e->RExceptionStartTimeOrig(), QDateTime(QDate(2015, 1, 2), QTime(10, 0)));
+            QVERIFY(e->RExceptionDeleted());
+            QVERIFY(!bag.HasProperty(QStringLiteral("process_RecurrenceState")));
+            QVERIFY(!bag.HasProperty(QStringLiteral("process_RecurrencePatternID")));
+        } else {
+            QCOMPARE(bag.GetProperty(QStringLiteral("process_RecurrenceState")).toInt(), 1);
+            QCOMPARE(bag.GetProperty(QStringLiteral("process_RecurrencePatternID")).toInt(), 5);
+            QVERIFY(!e->RExceptionDeleted());
+        }
+
+        // Written back, the flag that read as true goes in as 1.
+        MemoryRecord sortie(colonnesEvenement());
+        h.PutEventToRS(*e, sortie);
+        QCOMPARE(sortie.field(QStringLiteral("IsMeeting")).toInt(), 1);
+        QCOMPARE(sortie.field(QStringLiteral("IsReminder")).toInt(), 1);
+    }
+
+    void lignesIllisibles_data()
+    {
+        QTest::addColumn<QString>("colonneManquante");
+        QTest::addColumn<QString>("colonneNulle");
+        QTest::addColumn<QVariant>("valeur");
+        QTest::newRow("ScheduleID absente") << "ScheduleID" << "" << QVariant();
+        QTest::newRow("Subject absente") << "Subject" << "" << QVariant();
+        QTest::newRow("Subject nul") << "" << "Subject" << QVariant();
+        QTest::newRow("date nulle") << "" << "StartDateTime" << QVariant();
+        QTest::newRow("date illisible") << "" << "EndDateTime" << QVariant(QStringLiteral("demain"));
+        QTest::newRow("nombre illisible") << "" << "LabelID" << QVariant(QStringLiteral("bleu"));
+        QTest::newRow("dépassement") << "" << "BusyStatus" << QVariant(qint64(5000000000));
+    }
+    void lignesIllisibles()
+    {
+        QFETCH(QString, colonneManquante);
+        QFETCH(QString, colonneNulle);
+        QFETCH(QVariant, valeur);
+        CalendarDataProvider fournisseur;
+        SQLDataHelper h;
+        h.SetCalendar(&fournisseur);
+        QStringList colonnes = colonnesEvenement();
+        colonnes.removeAll(colonneManquante);
+        MemoryRecord r = ligne(colonnes);
+        if (!colonneNulle.isEmpty())
+            r.setField(colonneNulle, valeur);
+        QVERIFY(!h.CreateEventFromRS(r));
+        QVERIFY(!h.CreateEventFromRS(r, true));
+    }
+
+    void sansFournisseurNiLigne()
+    {
+        SQLDataHelper h;
+        QVERIFY(!h.CreateEventFromRS(ligne())); // no provider to make the record
+        CalendarDataProvider fournisseur;
+        h.SetCalendar(&fournisseur);
+        MemoryRecord fin = ligne();
+        fin.setAtEnd(true);
+        QVERIFY(!h.CreateEventFromRS(fin));
+    }
+
+    void ecritureLigne()
+    {
+        SQLDataHelper h;
+        CalendarEventPtr e = rendezVous();
+        MemoryRecord r(colonnesEvenement());
+        h.PutEventToRS(*e, r);
+        const QStringList ordre = {QStringLiteral("Subject"), QStringLiteral("Location"), QStringLiteral("Body"),
+                                   QStringLiteral("IsMeeting"), QStringLiteral("IsPrivate"), QStringLiteral("LabelID"),
+                                   QStringLiteral("BusyStatus"), QStringLiteral("ImportanceLevel"), QStringLiteral("StartDateTime"),
+                                   QStringLiteral("EndDateTime"), QStringLiteral("IsAllDayEvent"), QStringLiteral("IsReminder"),
+                                   QStringLiteral("ReminderMinutesBeforeStart"), QStringLiteral("RemainderSoundFile"),
+                                   QStringLiteral("RecurrenceState"), QStringLiteral("RecurrencePatternID"),
+                                   QStringLiteral("RExceptionStartTimeOrig"), QStringLiteral("RExceptionEndTimeOrig"),
+                                   QStringLiteral("ISRecurrenceExceptionDeleted"), QStringLiteral("CustomPropertiesXMLData"),
+                                   QStringLiteral("CustomIconsIDs"), QStringLiteral("ScheduleID")};
+        QCOMPARE(r.writeOrder(), ordre);
+        QCOMPARE(r.field(QStringLiteral("RemainderSoundFile")).toString(), QStringLiteral("C:\\son.wav"));
+
+        // A row without one of the columns is left half filled.
+        QStringList colonnes = colonnesEvenement();
+        colonnes.removeAll(QStringLiteral("RExceptionEndTimeOrig"));
+        MemoryRecord partielle(colonnes);
+        h.PutEventToRS(*e, partielle);
+        QCOMPARE(partielle.writeOrder(), ordre.mid(0, ordre.indexOf(QStringLiteral("RExceptionEndTimeOrig"))));
+    }
+
+    void lectureSerie_data()
+    {
+        QTest::addColumn<int>("methode");
+        QTest::addColumn<QDate>("finAttendue");
+        QTest::addColumn<int>("nombreAttendu");
+        const auto neuf = CalendarRecurrencePattern::create();
+        QTest::newRow("par date") << 0 << QDate(2015, 6, 30) << neuf->EndAfterOccurrences();
+        QTest::newRow("par nombre") << 1 << neuf->EndDate() << 12;
+        QTest::newRow("sans fin") << 2 << neuf->EndDate() << neuf->EndAfterOccurrences();
+        QTest::newRow("méthode inconnue") << 7 << neuf->EndDate() << neuf->EndAfterOccurrences();
+    }
+    void lectureSerie()
+    {
+        QFETCH(int, methode);
+        QFETCH(QDate, finAttendue);
+        QFETCH(int, nombreAttendu);
+
+        // The exceptions come through the connection, with their statement.
+        class Connexion final : public RecordConnection
+        {
+        public:
+            QStringList envoyes;
+            QList<MemoryRecord> lignes;
+            std::unique_ptr<RecordCursor> execute(const QString &sql) override
+            {
+                envoyes << sql;
+                return std::make_unique<MemoryCursor>(lignes);
+            }
+        } connexion;
+        MemoryRecord exc = ligne();
+        exc.setField(QStringLiteral("RecurrenceState"), 3);
+        MemoryRecord illisible = ligne();
+        illisible.setField(QStringLiteral("Subject"), QVariant());
+        connexion.lignes = {exc, illisible};
+
+        MemoryRecord r(QStringList{QStringLiteral("RecurrencePatternID"), QStringLiteral("MasterEventID"), QStringLiteral("EventStartTime"),
+                                   QStringLiteral("EventDuration"), QStringLiteral("PatternStartDate"), QStringLiteral("PatternEndMethod"),
+                                   QStringLiteral("PatternEndDate"), QStringLiteral("PatternEndAfterOccurrences"),
+                                   QStringLiteral("OptionsData1"), QStringLiteral("OptionsData2"), QStringLiteral("OptionsData3"),
+                                   QStringLiteral("OptionsData4"), QStringLiteral("CustomPropertiesXMLData")});
+        r.setField(QStringLiteral("RecurrencePatternID"), 5);
+        r.setField(QStringLiteral("MasterEventID"), 17);
+        r.setField(QStringLiteral("EventStartTime"), QStringLiteral("1899-12-30 10:00:00"));
+        r.setField(QStringLiteral("EventDuration"), 20);
+        r.setField(QStringLiteral("PatternStartDate"), QStringLiteral("2015-01-02 00:00:00"));
+        r.setField(QStringLiteral("PatternEndMethod"), methode);
+        r.setField(QStringLiteral("PatternEndDate"), QStringLiteral("2015-06-30 00:00:00"));
+        r.setField(QStringLiteral("PatternEndAfterOccurrences"), 12);
+        r.setField(QStringLiteral("OptionsData1"), 1);
+        r.setField(QStringLiteral("OptionsData2"), 1);
+        r.setField(QStringLiteral("OptionsData3"), 0);
+        r.setField(QStringLiteral("OptionsData4"), 0);
+        r.setField(QStringLiteral("CustomPropertiesXMLData"), QString());
+
+        CalendarDataProvider fournisseur;
+        SQLDataHelper h;
+        h.SetCalendar(&fournisseur);
+        const CalendarRecurrencePatternPtr p = h.CreateRPatternFromRS(r, connexion);
+        QVERIFY(p);
+        QCOMPARE(p->RecurrencePatternID(), 5);
+        QCOMPARE(p->MasterEventID(), 17);
+        QCOMPARE(p->StartTime(), QTime(10, 0));
+        QCOMPARE(p->StartDate(), QDate(2015, 1, 2));
+        QCOMPARE(p->DurationMinutes(), 20);
+        QCOMPARE(p->EndMethod(), methode);
+        QCOMPARE(p->EndDate(), finAttendue);
+        QCOMPARE(p->EndAfterOccurrences(), nombreAttendu);
+        QCOMPARE(connexion.envoyes,
+                 QStringList{QStringLiteral("SELECT * FROM CalendarEvents WHERE \r\n RecurrenceState = 3 AND \r\n RecurrencePatternID = 5")});
+        // The unreadable exception row is skipped, the other one attached.
+        QCOMPARE(p->ExceptionsCount(), 1);
+        QCOMPARE(p->Exceptions().first()->RecurrenceState(), 3);
+
+        MemoryRecord sortie(r.columns());
+        h.PutRPatternToRS(*p, sortie);
+        QCOMPARE(sortie.writeOrder(), r.columns().mid(1));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_sqldatahelper)
+#include "tst_sqldatahelper.moc"
