@@ -34,6 +34,9 @@ QVariant bindable(const QVariant &v)
 {
     if (v.typeId() == QMetaType::QDateTime)
         return RecordValue::isoText(v.toDateTime());
+    // An empty text is a text, not a missing value.
+    if (v.typeId() == QMetaType::QString && v.toString().isNull())
+        return QStringLiteral("");
     return v;
 }
 

@@ -1,0 +1,512 @@
+#include "calendar/calendardataprovider.h"
+#include "calendar/openprovider.h"
+#include "calendar/sqlitecalendarstore.h"
+#include "shell/basesqlite.h"
+#include "shell/horloge.h"
+#include "support/repondeurscripte.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <sqlite3.h>
+
+#include <chrono>
+#include <functional>
+#include <thread>
+
+using Options = std::function<void(CalendarRecurrenceOptions &)>;
+Q_DECLARE_METATYPE(Options)
+
+namespace {
+
+QString connexionMdb(const QString &dossier)
+{
+    return QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source='") + dossier + QStringLiteral("/Events.mdb';");
+}
+
+// Counts rows with a connection of its own, as another program would.
+int compter(const QString &fichier, const QString &sql)
+{
+    const auto base = BaseSqlite::ouvrir(fichier, BaseSqlite::Mode::Existante);
+    if (!base)
+        return -1;
+    QSqlQuery q(base->db());
+    if (!q.exec(sql) || !q.next())
+        return -1;
+    return q.value(0).toInt();
+}
+
+QStringList debuts(const QList<CalendarEventPtr> &evenements)
+{
+    QStringList s;
+    for (const CalendarEventPtr &e : evenements)
+        s << e->StartDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm"));
+    return s;
+}
+
+} // namespace
+
+class tst_calendarstore : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dossier;
+    Horloge::Fixee m_horloge{QDateTime(QDate(2026, 2, 20), QTime(11, 0))};
+
+    // A fresh folder per test, with a provider open on its Events.mdb.
+    QString nouveauDossier()
+    {
+        static int n = 0;
+        const QString d = m_dossier.path() + QStringLiteral("/t%1").arg(++n);
+        QDir().mkpath(d);
+        return d;
+    }
+
+    static std::unique_ptr<CalendarDataProvider> ouvrir(const QString &dossier)
+    {
+        auto p = std::make_unique<CalendarDataProvider>();
+        if (!OpenProvider(*p, CalendarDataProvider::Access, connexionMdb(dossier)))
+            return nullptr;
+        return p;
+    }
+
+    static CalendarEventPtr rendezVous(CalendarDataProvider &p, const QDateTime &debut, int minutes, const QString &sujet)
+    {
+        CalendarEventPtr e = p.CreateNewEvent(debut, debut.addSecs(minutes * 60));
+        e->setSubject(sujet);
+        return e;
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY2(m_dossier.isValid(), "dossier temporaire");
+        BaseSqlite::fixerDelaiOccupe(5000);
+    }
+
+    void evenementAllerRetour()
+    {
+        const QString d = nouveauDossier();
+        auto p = ouvrir(d);
+        QVERIFY2(p, "Events.mdb ne s'ouvre pas");
+        CalendarEventPtr e = rendezVous(*p, QDateTime(QDate(2026, 3, 2), QTime(9, 15)), 20, QStringLiteral("DUPONT Jean"));
+        e->setLocation(QString::fromUtf8("Contrôle « annuel »"));
+        e->setBody(QString::fromUtf8("ligne 1\r\nligne 2§<&>§"));
+        e->setIsMeeting(true);
+        e->setIsPrivate(true);
+        e->setLabelID(9);
+        e->setBusyStatus(1);
+        e->setImportanceLevel(2);
+        e->setIsReminder(true);
+        e->setReminderMinutesBeforeStart(1440);
+        e->setReminderSoundFile(QStringLiteral("C:\\Sons\\bip.wav"));
+        e->CustomProperties().SetProperty(QStringLiteral("xtpMarkupText"), QStringLiteral("<b>x</b>"));
+        e->CustomIcons().Add(4);
+        e->setScheduleID(3);
+        QSignalSpy ajoute(p.get(), &CalendarDataProvider::eventAdded);
+        QVERIFY(p->AddEvent(e));
+        QCOMPARE(ajoute.count(), 1);
+        QVERIFY(e->EventID() > 0);
+
+        auto autre = ouvrir(d);
+        const CalendarEventPtr lu = autre->GetEvent(e->EventID());
+        QVERIFY(lu);
+        QCOMPARE(lu->Subject(), e->Subject());
+        QCOMPARE(lu->Location(), e->Location());
+        QCOMPARE(lu->Body(), e->Body());
+        QCOMPARE(lu->IsMeeting(), true);
+        QCOMPARE(lu->IsPrivate(), true);
+        QCOMPARE(lu->LabelID(), 9);
+        QCOMPARE(lu->BusyStatus(), 1);
+        QCOMPARE(lu->ImportanceLevel(), 2);
+        QCOMPARE(lu->StartDateTime(), e->StartDateTime());
+        QCOMPARE(lu->EndDateTime(), e->EndDateTime());
+        QCOMPARE(lu->IsReminder(), true);
+        QCOMPARE(lu->ReminderMinutesBeforeStart(), 1440);
+        QCOMPARE(lu->ReminderSoundFile(), e->ReminderSoundFile());
+        QCOMPARE(lu->CustomProperties().GetProperty(QStringLiteral("xtpMarkupText")).toString(), QStringLiteral("<b>x</b>"));
+        QCOMPARE(lu->CustomIcons().Ids(), QList<int>{4});
+        QCOMPARE(lu->ScheduleID(), 3);
+        QCOMPARE(lu->RecurrenceState(), 0);
+        QCOMPARE(lu->CreationTime(), Horloge::maintenant());
+        // The transfer entries are taken over, never left in the bag.
+        QVERIFY(!lu->CustomProperties().HasProperty(QStringLiteral("process_RecurrenceState")));
+        QCOMPARE(compter(d + QStringLiteral("/Events.mdb"), QStringLiteral("SELECT count(*) FROM CalendarEvents WHERE CustomPropertiesXMLData LIKE '*process_*'")), 0);
+    }
+
+    void joursTouches_data()
+    {
+        QTest::addColumn<QDate>("jour");
+        QTest::addColumn<QStringList>("sujets");
+        QTest::newRow("veille") << QDate(2026, 3, 1) << QStringList{QStringLiteral("absence")};
+        QTest::newRow("jour même") << QDate(2026, 3, 2) << QStringList{QStringLiteral("absence"), QStringLiteral("matin"), QStringLiteral("nuit")};
+        QTest::newRow("lendemain") << QDate(2026, 3, 3) << QStringList{QStringLiteral("absence"), QStringLiteral("nuit")};
+        QTest::newRow("après") << QDate(2026, 3, 20) << QStringList{};
+    }
+    void joursTouches()
+    {
+        QFETCH(QDate, jour);
+        QFETCH(QStringList, sujets);
+        const QString d = nouveauDossier();
+        auto p = ouvrir(d);
+        QVERIFY(p);
+        // Short rows, one across midnight, and a long one over two weeks.
+        QVERIFY(p->AddEvent(rendezVous(*p, QDateTime(QDate(2026, 3, 2), QTime(9, 0)), 30, QStringLiteral("matin"))));
+        QVERIFY(p->AddEvent(rendezVous(*p, QDateTime(QDate(2026, 3, 2), QTime(23, 0)), 120, QStringLiteral("nuit"))));
+        CalendarEventPtr absence = rendezVous(*p, QDateTime(QDate(2026, 2, 23), QTime(0, 0)), 14 * 1440, QStringLiteral("absence"));
+        absence->setIsAllDayEvent(true);
+        QVERIFY(p->AddEvent(absence));
+        QStringList lus;
+        for (const CalendarEventPtr &e : p->RetrieveDayEvents(jour))
+            lus << e->Subject();
+        QCOMPARE(lus, sujets);
+    }
+
+    void series_data()
+    {
+        QTest::addColumn<QDate>("premierJour");
+        QTest::addColumn<int>("methode");
+        QTest::addColumn<QDate>("finPar");
+        QTest::addColumn<int>("nombre");
+        QTest::addColumn<Options>("options");
+        QTest::addColumn<QStringList>("jours");
+
+        QTest::newRow("tous les 2 jours, 4 fois")
+            << QDate(2026, 3, 2) << 1 << QDate() << 4 << Options([](CalendarRecurrenceOptions &o) {
+                   o.setRecurrenceType(1);
+                   o.setIntervalDays(2);
+               })
+            << QStringList{"2026-03-02", "2026-03-04", "2026-03-06", "2026-03-08"};
+        QTest::newRow("jours ouvrés jusqu'au 10")
+            << QDate(2026, 3, 5) << 0 << QDate(2026, 3, 10) << 0 << Options([](CalendarRecurrenceOptions &o) {
+                   o.setRecurrenceType(1);
+                   o.setEveryWeekDay(true);
+               })
+            << QStringList{"2026-03-05", "2026-03-06", "2026-03-09", "2026-03-10"};
+        QTest::newRow("lundi et jeudi, 5 fois")
+            << QDate(2026, 3, 2) << 1 << QDate() << 5 << Options([](CalendarRecurrenceOptions &o) {
+                   o.setRecurrenceType(2);
+                   o.setIntervalWeeks(1);
+                   o.setDayOfWeekMask(CalendarRecurrenceOptions::Monday | CalendarRecurrenceOptions::Thursday);
+               })
+            << QStringList{"2026-03-02", "2026-03-05", "2026-03-09", "2026-03-12", "2026-03-16"};
+        QTest::newRow("le 15 du mois, 3 fois")
+            << QDate(2026, 1, 15) << 1 << QDate() << 3 << Options([](CalendarRecurrenceOptions &o) {
+                   o.setRecurrenceType(3);
+                   o.setIntervalMonths(1);
+                   o.setDayOfMonth(15);
+               })
+            << QStringList{"2026-01-15", "2026-02-15", "2026-03-15"};
+        QTest::newRow("2e mardi jusqu'au 30 avril")
+            << QDate(2026, 1, 1) << 0 << QDate(2026, 4, 30) << 0 << Options([](CalendarRecurrenceOptions &o) {
+                   o.setRecurrenceType(4);
+                   o.setIntervalMonthsNth(1);
+                   o.setWhichDay(2);
+                   o.setWhichDayMask(CalendarRecurrenceOptions::Tuesday);
+               })
+            << QStringList{"2026-01-13", "2026-02-10", "2026-03-10", "2026-04-14"};
+        QTest::newRow("20 mars, 3 ans")
+            << QDate(2026, 3, 20) << 1 << QDate() << 3 << Options([](CalendarRecurrenceOptions &o) {
+                   o.setRecurrenceType(5);
+                   o.setMonthOfYear(3);
+                   o.setDayOfMonthYearly(20);
+               })
+            << QStringList{"2026-03-20", "2027-03-20", "2028-03-20"};
+        QTest::newRow("dernier vendredi de mai, sans fin")
+            << QDate(2026, 1, 1) << 2 << QDate() << 0 << Options([](CalendarRecurrenceOptions &o) {
+                   o.setRecurrenceType(6);
+                   o.setWhichDayYearly(CalendarRecurrenceOptions::LastWhichDay);
+                   o.setWhichDayMaskYearly(CalendarRecurrenceOptions::Friday);
+                   o.setMonthOfYearNth(5);
+               })
+            << QStringList{"2026-05-29", "2027-05-28", "2028-05-26"};
+    }
+    void series()
+    {
+        QFETCH(QDate, premierJour);
+        QFETCH(int, methode);
+        QFETCH(QDate, finPar);
+        QFETCH(int, nombre);
+        QFETCH(Options, options);
+        QFETCH(QStringList, jours);
+
+        const QString d = nouveauDossier();
+        const QString fichier = d + QStringLiteral("/Events.mdb");
+        auto p = ouvrir(d);
+        QVERIFY(p);
+        CalendarEventPtr maitre = rendezVous(*p, QDateTime(premierJour, QTime(10, 30)), 45, QStringLiteral("série"));
+        maitre->setIsReminder(true);
+        CalendarRecurrencePatternPtr motif = maitre->CreateRecurrence();
+        QVERIFY(motif);
+        options(motif->Options());
+        motif->setEndMethod(methode);
+        if (finPar.isValid())
+            motif->setEndDate(finPar);
+        if (nombre > 0)
+            motif->setEndAfterOccurrences(nombre);
+        QVERIFY(p->AddEvent(maitre));
+        QVERIFY(maitre->EventID() > 0);
+        QVERIFY(motif->RecurrencePatternID() > 0);
+
+        // The rows hold each other: master -> pattern, pattern -> master.
+        QCOMPARE(compter(fichier, QStringLiteral("SELECT RecurrencePatternID FROM CalendarEvents WHERE RecurrenceState = 1")),
+                 motif->RecurrencePatternID());
+        QCOMPARE(compter(fichier, QStringLiteral("SELECT MasterEventID FROM CalendarRecurrencePatterns")), maitre->EventID());
+
+        // Another workstation reads the series back on the right days.
+        auto autre = ouvrir(d);
+        QStringList attendus;
+        for (const QString &j : jours)
+            attendus << j + QStringLiteral(" 10:30");
+        const QList<CalendarEventPtr> lus = autre->RetrieveEvents(QDate(2026, 1, 1), QDate(2028, 12, 31));
+        QCOMPARE(debuts(lus), attendus);
+        for (const CalendarEventPtr &o : lus) {
+            QCOMPARE(o->RecurrenceState(), 2);
+            QCOMPARE(o->EndDateTime(), o->StartDateTime().addSecs(45 * 60));
+        }
+        // The master row spans the series: found on its last day too.
+        QCOMPARE(debuts(autre->RetrieveDayEvents(QDate::fromString(jours.last(), Qt::ISODate))), QStringList{attendus.last()});
+
+        // One occurrence moved, one deleted: two exception rows, and the
+        // series reads with them.
+        CalendarEventPtr deplacee = lus.at(1);
+        deplacee->setStartDateTime(deplacee->StartDateTime().addSecs(3600));
+        deplacee->setEndDateTime(deplacee->EndDateTime().addSecs(3600));
+        QVERIFY(autre->ChangeEvent(deplacee));
+        QVERIFY(autre->DeleteEvent(lus.at(2)));
+        QCOMPARE(compter(fichier, QStringLiteral("SELECT count(*) FROM CalendarEvents WHERE RecurrenceState = 3")), 2);
+        QStringList apres = attendus;
+        apres[1] = jours.at(1) + QStringLiteral(" 11:30");
+        apres.removeAt(2);
+        const QList<CalendarEventPtr> relus = p->RetrieveEvents(QDate(2026, 1, 1), QDate(2028, 12, 31));
+        QCOMPARE(debuts(relus), apres);
+        QCOMPARE(relus.at(1)->RecurrenceState(), 3);
+
+        // The whole series goes: no row left.
+        const CalendarEventPtr m = p->GetEvent(maitre->EventID());
+        QVERIFY(m);
+        QCOMPARE(m->RecurrencePattern()->ExceptionsCount(), 2);
+        QVERIFY(p->DeleteEvent(m));
+        QCOMPARE(compter(fichier, QStringLiteral("SELECT count(*) FROM CalendarEvents")), 0);
+        QCOMPARE(compter(fichier, QStringLiteral("SELECT count(*) FROM CalendarRecurrencePatterns")), 0);
+    }
+
+    void uneSeuleExceptionParOccurrence()
+    {
+        const QString d = nouveauDossier();
+        const QString fichier = d + QStringLiteral("/Events.mdb");
+        auto p = ouvrir(d);
+        CalendarEventPtr maitre = rendezVous(*p, QDateTime(QDate(2026, 3, 2), QTime(8, 0)), 30, QStringLiteral("kiné"));
+        maitre->CreateRecurrence()->Options().setRecurrenceType(1);
+        QVERIFY(p->AddEvent(maitre));
+        QSignalSpy change(p.get(), &CalendarDataProvider::eventChanged);
+        for (int fois = 0; fois < 3; ++fois) {
+            // Each station reads the day again and changes the same occurrence.
+            const QList<CalendarEventPtr> jour = p->RetrieveDayEvents(QDate(2026, 3, 4));
+            QCOMPARE(jour.size(), 1);
+            jour.first()->setSubject(QStringLiteral("kiné %1").arg(fois));
+            QVERIFY(p->ChangeEvent(jour.first()));
+        }
+        QCOMPARE(change.count(), 3);
+        QCOMPARE(compter(fichier, QStringLiteral("SELECT count(*) FROM CalendarEvents WHERE RecurrenceState = 3")), 1);
+        QCOMPARE(p->RetrieveDayEvents(QDate(2026, 3, 4)).first()->Subject(), QStringLiteral("kiné 2"));
+        QCOMPARE(p->RetrieveDayEvents(QDate(2026, 3, 5)).first()->Subject(), QStringLiteral("kiné"));
+    }
+
+    void serieRedevenueSimple()
+    {
+        const QString d = nouveauDossier();
+        const QString fichier = d + QStringLiteral("/Events.mdb");
+        auto p = ouvrir(d);
+        CalendarEventPtr maitre = rendezVous(*p, QDateTime(QDate(2026, 3, 2), QTime(8, 0)), 30, QStringLiteral("x"));
+        maitre->CreateRecurrence();
+        QVERIFY(p->AddEvent(maitre));
+        const QList<CalendarEventPtr> jour = p->RetrieveDayEvents(QDate(2026, 3, 3));
+        QVERIFY(p->DeleteEvent(jour.first()));
+        const CalendarEventPtr m = p->GetEvent(maitre->EventID());
+        m->RemoveRecurrence();
+        QVERIFY(p->ChangeEvent(m));
+        QCOMPARE(compter(fichier, QStringLiteral("SELECT count(*) FROM CalendarRecurrencePatterns")), 0);
+        QCOMPARE(compter(fichier, QStringLiteral("SELECT count(*) FROM CalendarEvents")), 1);
+        QCOMPARE(compter(fichier, QStringLiteral("SELECT count(*) FROM CalendarEvents WHERE RecurrenceState = 0 AND RecurrencePatternID = 0 AND EndDateTime = '2026-03-02 08:30:00'")), 1);
+        QCOMPARE(debuts(p->RetrieveEvents(QDate(2026, 3, 1), QDate(2026, 3, 31))), QStringList{QStringLiteral("2026-03-02 08:00")});
+    }
+
+    void deuxPostesSurLeMemeFichier()
+    {
+        const QString d = nouveauDossier();
+        auto a = ouvrir(d);
+        auto b = ouvrir(d);
+        QVERIFY(a && b);
+        const QDate jour(2026, 3, 9);
+        QCOMPARE(b->RetrieveDayEvents(jour).size(), 0);
+        CalendarEventPtr e = rendezVous(*a, QDateTime(jour, QTime(14, 0)), 15, QStringLiteral("MARTIN Paul"));
+        QVERIFY(a->AddEvent(e));
+        const QList<CalendarEventPtr> vus = b->RetrieveDayEvents(jour);
+        QCOMPARE(vus.size(), 1);
+        vus.first()->setBusyStatus(0);
+        vus.first()->setSubject(QStringLiteral("MARTIN Paul (arrivé)"));
+        QVERIFY(b->ChangeEvent(vus.first()));
+        QCOMPARE(a->RetrieveDayEvents(jour).first()->Subject(), QStringLiteral("MARTIN Paul (arrivé)"));
+        QSignalSpy supprime(a.get(), &CalendarDataProvider::eventDeleted);
+        QVERIFY(a->DeleteEvent(e));
+        QCOMPARE(supprime.count(), 1);
+        QCOMPARE(supprime.first().first().value<CalendarEventPtr>(), e);
+        QCOMPARE(b->RetrieveDayEvents(jour).size(), 0);
+    }
+
+    void fichierVerrouilleAttendu()
+    {
+        const QString d = nouveauDossier();
+        const QString fichier = d + QStringLiteral("/Events.mdb");
+        auto p = ouvrir(d);
+        QVERIFY(p);
+        // Another workstation holds the file for a moment.
+        sqlite3 *autre = nullptr;
+        QCOMPARE(sqlite3_open(fichier.toUtf8().constData(), &autre), SQLITE_OK);
+        QCOMPARE(sqlite3_exec(autre, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+        std::thread liberer([autre] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(600));
+            sqlite3_exec(autre, "COMMIT", nullptr, nullptr, nullptr);
+        });
+        QElapsedTimer t;
+        t.start();
+        const bool ok = p->AddEvent(rendezVous(*p, QDateTime(QDate(2026, 3, 9), QTime(9, 0)), 15, QStringLiteral("attente")));
+        const qint64 attente = t.elapsed();
+        liberer.join();
+        sqlite3_close(autre);
+        QVERIFY2(ok, "l'écriture a échoué au lieu d'attendre");
+        QVERIFY2(attente >= 400, qPrintable(QStringLiteral("attendu %1 ms").arg(attente)));
+        QCOMPARE(p->RetrieveDayEvents(QDate(2026, 3, 9)).size(), 1);
+    }
+
+    void fichierIllisibleMisDeCote()
+    {
+        const QString d = nouveauDossier();
+        const QString fichier = d + QStringLiteral("/Events.mdb");
+        {
+            QFile f(fichier);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.write("Standard Jet DB\0 pas une base SQLite", 36);
+        }
+        auto p = ouvrir(d);
+        QVERIFY2(p, "la base n'a pas été recréée");
+        auto *store = static_cast<SqliteCalendarStore *>(p->store());
+        QVERIFY(!store->keptAsidePath().isEmpty());
+        QVERIFY(store->keptAsidePath().startsWith(fichier + QStringLiteral(".illisible-")));
+        QFile garde(store->keptAsidePath());
+        QVERIFY(garde.open(QIODevice::ReadOnly));
+        QCOMPARE(garde.readAll(), QByteArray("Standard Jet DB\0 pas une base SQLite", 36));
+        QVERIFY(EstFichierSqlite(fichier));
+        QVERIFY(p->AddEvent(rendezVous(*p, QDateTime(QDate(2026, 3, 9), QTime(9, 0)), 15, QStringLiteral("neuf"))));
+        QCOMPARE(compter(fichier, QStringLiteral("SELECT count(*) FROM CalendarEvents")), 1);
+
+        // A good file is never put aside.
+        auto q = ouvrir(d);
+        QVERIFY(static_cast<SqliteCalendarStore *>(q->store())->keptAsidePath().isEmpty());
+        QCOMPARE(QDir(d).entryList({QStringLiteral("Events.mdb*")}, QDir::Files).size(), 2);
+    }
+
+    void plansSansBalayage_data()
+    {
+        QTest::addColumn<QString>("sql");
+        QTest::addColumn<int>("parametres");
+        QTest::newRow("jours") << SqliteCalendarStore::rangeStatement() << 5;
+        QTest::newRow("rappels bornés") << SqliteCalendarStore::upcomingStatement(true) << 5;
+        QTest::newRow("rappels") << SqliteCalendarStore::upcomingStatement(false) << 3;
+    }
+    void plansSansBalayage()
+    {
+        QFETCH(QString, sql);
+        QFETCH(int, parametres);
+        const QString d = nouveauDossier();
+        auto p = ouvrir(d);
+        QVERIFY(p);
+        auto *store = static_cast<SqliteCalendarStore *>(p->store());
+        QSqlQuery q(store->base()->db());
+        QVERIFY(q.prepare(QStringLiteral("EXPLAIN QUERY PLAN ") + sql));
+        for (int i = 0; i < parametres; ++i)
+            q.addBindValue(QStringLiteral("2026-03-02 00:00:00"));
+        QVERIFY2(q.exec(), qPrintable(q.lastError().text()));
+        QStringList plan;
+        while (q.next())
+            plan << q.value(3).toString();
+        QVERIFY(!plan.isEmpty());
+        for (const QString &etape : plan)
+            QVERIFY2(!etape.startsWith(QLatin1String("SCAN CalendarEvents")), qPrintable(plan.join(QStringLiteral(" | "))));
+    }
+
+    void magasinXml()
+    {
+        const QString d = nouveauDossier();
+        const QString connexion = QStringLiteral("Provider=XML;Data Source='") + d + QStringLiteral("/events.xml';Encoding=iso-8859-1;");
+        const QString texte = QString::fromUtf8("a<b>&c\r\nd\te « é » \x01 fin");
+        int id = 0;
+        {
+            CalendarDataProvider p;
+            QVERIFY(OpenProvider(p, CalendarDataProvider::Memory, connexion));
+            CalendarEventPtr e = rendezVous(p, QDateTime(QDate(2026, 3, 2), QTime(9, 0)), 30, texte);
+            e->setBody(texte);
+            QVERIFY(p.AddEvent(e));
+            id = e->EventID();
+            CalendarEventPtr maitre = rendezVous(p, QDateTime(QDate(2026, 3, 2), QTime(14, 0)), 60, QStringLiteral("série"));
+            CalendarRecurrencePatternPtr motif = maitre->CreateRecurrence();
+            motif->Options().setRecurrenceType(2);
+            motif->Options().setDayOfWeekMask(CalendarRecurrenceOptions::Monday | CalendarRecurrenceOptions::Wednesday);
+            motif->setEndMethod(1);
+            motif->setEndAfterOccurrences(4);
+            QVERIFY(p.AddEvent(maitre));
+            QVERIFY(p.DeleteEvent(p.RetrieveDayEvents(QDate(2026, 3, 4)).last()));
+            // Saved when the store closes.
+        }
+        QVERIFY(QFile::exists(d + QStringLiteral("/events.xml")));
+        CalendarDataProvider relu;
+        QVERIFY(OpenProvider(relu, CalendarDataProvider::Memory, connexion));
+        const CalendarEventPtr e = relu.GetEvent(id);
+        QVERIFY(e);
+        QCOMPARE(e->Subject(), texte);
+        QCOMPARE(e->Body(), texte);
+        QCOMPARE(debuts(relu.RetrieveEvents(QDate(2026, 3, 1), QDate(2026, 3, 31))),
+                 (QStringList{"2026-03-02 09:00", "2026-03-02 14:00", "2026-03-09 14:00", "2026-03-11 14:00"}));
+    }
+
+    void genresIndisponibles_data()
+    {
+        QTest::addColumn<int>("genre");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("Outlook") << 3 << TexteMapiIndisponible();
+        QTest::newRow("SQL Server") << 4 << TexteServeurSqlIndisponible();
+        QTest::newRow("MySQL") << 5 << TexteServeurSqlIndisponible();
+    }
+    void genresIndisponibles()
+    {
+        QFETCH(int, genre);
+        QFETCH(QString, message);
+        const QString d = nouveauDossier();
+        auto p = ouvrir(d);
+        QVERIFY(p->AddEvent(rendezVous(*p, QDateTime(QDate(2026, 3, 9), QTime(9, 0)), 15, QStringLiteral("reste"))));
+        RepondeurScripte repondeur;
+        QVERIFY(!OpenProvider(*p, genre, QStringLiteral("Provider=Custom;DSN=Calendar_SQLServer")));
+        QCOMPARE(repondeur.textes(), QStringList{message});
+        // The book in place stays attached.
+        QCOMPARE(p->RetrieveDayEvents(QDate(2026, 3, 9)).size(), 1);
+    }
+
+    void cheminInexistantCreeUneBase()
+    {
+        const QString d = nouveauDossier();
+        auto p = ouvrir(d);
+        QVERIFY(p);
+        QVERIFY(EstFichierSqlite(d + QStringLiteral("/Events.mdb")));
+        QCOMPARE(p->RetrieveDayEvents(QDate(2026, 3, 9)).size(), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_calendarstore)
+#include "tst_calendarstore.moc"
