@@ -109,7 +109,18 @@ bool CalendarDataProvider::inOneChange(F &&work)
     return m_store->CommitChange();
 }
 
-CalendarEventPtr CalendarDataProvider::takeOver(const CalendarEventPtr &row)
+QHash<int, CalendarRecurrencePatternPtr> CalendarDataProvider::patternsOf(const QList<CalendarEventPtr> &rows)
+{
+    QList<int> cles;
+    for (const CalendarEventPtr &row : rows) {
+        const CustomProperties &bag = row->CustomProperties();
+        if (bag.GetProperty(CustomProperties::RecurrenceStateEntry).toInt() == CalendarEvent::Master)
+            cles << bag.GetProperty(CustomProperties::RecurrencePatternIDEntry).toInt();
+    }
+    return m_store->DoReadRPatterns(cles);
+}
+
+CalendarEventPtr CalendarDataProvider::takeOver(const CalendarEventPtr &row, const QHash<int, CalendarRecurrencePatternPtr> *read)
 {
     if (!row)
         return {};
@@ -119,7 +130,8 @@ CalendarEventPtr CalendarDataProvider::takeOver(const CalendarEventPtr &row)
         row->setRecurrenceState(CalendarEvent::NotRecurring);
         return row;
     }
-    const CalendarRecurrencePatternPtr pattern = m_store->DoReadRPattern(patternId);
+    const CalendarRecurrencePatternPtr pattern = read && state == CalendarEvent::Master ? read->value(patternId)
+                                                                                       : m_store->DoReadRPattern(patternId);
     if (!pattern)
         return {};
     if (state == CalendarEvent::Master) {
@@ -159,8 +171,9 @@ QList<CalendarEventPtr> CalendarDataProvider::RetrieveEvents(const QDate &first,
         return resultat;
     QList<CalendarEventPtr> rows;
     m_store->DoRetrieveRangeEvents(first, last, rows);
+    const QHash<int, CalendarRecurrencePatternPtr> series = patternsOf(rows);
     for (const CalendarEventPtr &row : std::as_const(rows)) {
-        const CalendarEventPtr e = takeOver(row);
+        const CalendarEventPtr e = takeOver(row, &series);
         if (!e)
             continue;
         if (e->RecurrenceState() == CalendarEvent::Master)
@@ -199,8 +212,9 @@ QList<CalendarEventPtr> CalendarDataProvider::GetUpcomingEvents(const QDateTime 
         return resultat;
     QList<CalendarEventPtr> rows;
     m_store->DoGetUpcomingEvents(start, minutes, rows, since);
+    const QHash<int, CalendarRecurrencePatternPtr> series = patternsOf(rows);
     for (const CalendarEventPtr &row : std::as_const(rows)) {
-        if (const CalendarEventPtr e = takeOver(row))
+        if (const CalendarEventPtr e = takeOver(row, &series))
             resultat.append(e);
     }
     return resultat;

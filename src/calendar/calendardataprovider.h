@@ -105,7 +105,9 @@ signals:
 private:
     // A row read as an ordinary event becomes a record of its state; a master
     // gets its pattern (nothing when the pattern row is gone).
-    CalendarEventPtr takeOver(const CalendarEventPtr &row);
+    CalendarEventPtr takeOver(const CalendarEventPtr &row, const QHash<int, CalendarRecurrencePatternPtr> *read = nullptr);
+    // The patterns of the masters among rows read as ordinary events.
+    [[nodiscard]] QHash<int, CalendarRecurrencePatternPtr> patternsOf(const QList<CalendarEventPtr> &rows);
     bool writeMaster(const CalendarEventPtr &master, bool isNew);
     bool syncExceptions(const CalendarRecurrencePatternPtr &pattern);
     bool deleteSeriesRows(int patternId, int keepEventId);

@@ -18,6 +18,16 @@ void CalendarStore::DoRetrieveRangeEvents(const QDate &first, const QDate &last,
     }
 }
 
+QHash<int, CalendarRecurrencePatternPtr> CalendarStore::DoReadRPatterns(const QList<int> &patternIds)
+{
+    QHash<int, CalendarRecurrencePatternPtr> lus;
+    for (const int id : patternIds) {
+        if (CalendarRecurrencePatternPtr p = DoReadRPattern(id))
+            lus.insert(id, p);
+    }
+    return lus;
+}
+
 QString SourceDeConnexion(const QString &connection)
 {
     static const QRegularExpression avecQuotes(QStringLiteral("Data Source\\s*=\\s*'([^']*)'"),

@@ -6,6 +6,7 @@
 
 #include <QDate>
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QString>
 
@@ -41,6 +42,9 @@ public:
     [[nodiscard]] virtual CalendarEventPtr DoReadEvent(int eventId) = 0;
     // The pattern with its exceptions attached.
     [[nodiscard]] virtual CalendarRecurrencePatternPtr DoReadRPattern(int patternId) = 0;
+    // Several patterns at once (the day reads meet many series); the default
+    // asks for them one by one.
+    [[nodiscard]] virtual QHash<int, CalendarRecurrencePatternPtr> DoReadRPatterns(const QList<int> &patternIds);
     virtual bool DoCreateEvent(const CalendarEvent &event, int &newEventId) = 0;
     virtual bool DoUpdateEvent(const CalendarEvent &event) = 0;
     virtual bool DoDeleteEvent(const CalendarEvent &event) = 0;

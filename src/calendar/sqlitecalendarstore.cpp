@@ -139,7 +139,21 @@ void SqliteCalendarStore::Close()
     if (m_base && m_changeDepth > 0)
         m_base->executer(QStringLiteral("ROLLBACK"));
     m_changeDepth = 0;
+    m_range.reset();
+    m_pattern.reset();
+    m_exceptions.reset();
     m_base.reset();
+}
+
+QSqlQuery &SqliteCalendarStore::prepared(std::unique_ptr<QSqlQuery> &slot, const QString &sql)
+{
+    if (!slot) {
+        slot = std::make_unique<QSqlQuery>(m_base->db());
+        slot->setForwardOnly(true);
+        slot->prepare(sql);
+    }
+    slot->finish();
+    return *slot;
 }
 
 bool SqliteCalendarStore::ensureSchema()
@@ -199,7 +213,7 @@ bool SqliteCalendarStore::execBound(QSqlQuery &q)
 
 void SqliteCalendarStore::readEvents(QSqlQuery &q, QList<CalendarEventPtr> &events)
 {
-    QueryCursor rs(std::move(q));
+    QueryCursor rs(&q);
     while (!rs.atEnd()) {
         if (CalendarEventPtr e = m_helper.CreateEventFromRS(rs)) {
             try {
@@ -240,11 +254,10 @@ void SqliteCalendarStore::DoRetrieveRangeEvents(const QDate &first, const QDate 
     const QString debut = RecordValue::isoText(QDateTime(first, QTime(0, 0)));
     const QString fin = RecordValue::isoText(QDateTime(last.addDays(1), QTime(0, 0)));
     const QString avant = RecordValue::isoText(QDateTime(first.addDays(-1), QTime(0, 0)));
-    QSqlQuery q(m_base->db());
-    q.setForwardOnly(true);
-    q.prepare(rangeStatement());
+    QSqlQuery &q = prepared(m_range, rangeStatement());
+    int i = 0;
     for (const QString &v : {avant, fin, debut, debut, fin})
-        q.addBindValue(v);
+        q.bindValue(i++, v);
     if (execBound(q))
         readEvents(q, events);
 }
@@ -267,20 +280,95 @@ CalendarRecurrencePatternPtr SqliteCalendarStore::DoReadRPattern(int patternId)
 {
     if (!m_base)
         return {};
-    QSqlQuery q(m_base->db());
-    q.setForwardOnly(true);
-    q.prepare(QStringLiteral("SELECT * FROM CalendarRecurrencePatterns WHERE RecurrencePatternID = ?"));
-    q.addBindValue(patternId);
+    QSqlQuery &q = prepared(m_pattern, QStringLiteral("SELECT * FROM CalendarRecurrencePatterns WHERE RecurrencePatternID = ?"));
+    q.bindValue(0, patternId);
     if (!execBound(q))
         return {};
-    QueryCursor rs(std::move(q));
-    DatabaseConnection connection(m_base->db());
+    QueryCursor rs(&q);
+
+    // The exceptions question of the record mapping, asked through the
+    // prepared statement of this store.
+    class Exceptions final : public RecordConnection
+    {
+    public:
+        Exceptions(SqliteCalendarStore &store, int id)
+            : m_store(store)
+            , m_id(id)
+        {
+        }
+        std::unique_ptr<RecordCursor> execute(const QString &) override
+        {
+            QSqlQuery &e = m_store.prepared(m_store.m_exceptions,
+                                            QStringLiteral("SELECT * FROM CalendarEvents WHERE RecurrenceState = 3 AND RecurrencePatternID = ?"));
+            e.bindValue(0, m_id);
+            if (!e.exec())
+                throw FieldError(e.lastError().text());
+            return std::make_unique<QueryCursor>(&e);
+        }
+
+    private:
+        SqliteCalendarStore &m_store;
+        int m_id;
+    } connection(*this, patternId);
     try {
         return m_helper.CreateRPatternFromRS(rs, connection);
     } catch (const FieldError &e) {
         m_lastError = QString::fromStdString(e.what());
         return {};
     }
+}
+
+QHash<int, CalendarRecurrencePatternPtr> SqliteCalendarStore::DoReadRPatterns(const QList<int> &patternIds)
+{
+    QHash<int, CalendarRecurrencePatternPtr> lus;
+    if (!m_base || patternIds.isEmpty())
+        return lus;
+    // Keys are numbers: they go into the statement as text.
+    QStringList cles;
+    for (const int id : patternIds)
+        cles << QString::number(id);
+    const QString liste = QStringLiteral("(") + cles.join(QLatin1Char(',')) + QStringLiteral(")");
+
+    // All the exceptions of these series in one read, kept by series.
+    QHash<int, QList<MemoryRecord>> exceptions;
+    {
+        QSqlQuery q(m_base->db());
+        q.setForwardOnly(true);
+        if (!q.exec(QStringLiteral("SELECT * FROM CalendarEvents WHERE RecurrenceState = 3 AND RecurrencePatternID IN ") + liste)) {
+            m_lastError = q.lastError().text();
+            return lus;
+        }
+        const QSqlRecord r = q.record();
+        QStringList colonnes;
+        for (int i = 0; i < r.count(); ++i)
+            colonnes << r.fieldName(i);
+        const int cle = r.indexOf(QStringLiteral("RecurrencePatternID"));
+        while (q.next()) {
+            MemoryRecord ligne(colonnes);
+            for (int i = 0; i < colonnes.size(); ++i)
+                ligne.setField(colonnes.at(i), q.value(i));
+            exceptions[q.value(cle).toInt()].append(ligne);
+        }
+    }
+    QSqlQuery q(m_base->db());
+    q.setForwardOnly(true);
+    if (!q.exec(QStringLiteral("SELECT * FROM CalendarRecurrencePatterns WHERE RecurrencePatternID IN ") + liste)) {
+        m_lastError = q.lastError().text();
+        return lus;
+    }
+    QueryCursor rs(std::move(q));
+    while (!rs.atEnd()) {
+        int id = 0;
+        try {
+            id = RecordValue::integer(rs.field(QStringLiteral("RecurrencePatternID")));
+        } catch (const FieldError &) {
+        }
+        FixedRowsConnection connexion(exceptions.value(id));
+        if (CalendarRecurrencePatternPtr p = m_helper.CreateRPatternFromRS(rs, connexion))
+            lus.insert(p->RecurrencePatternID(), p);
+        rs.next();
+    }
+    return lus;
 }
 
 bool SqliteCalendarStore::DoCreateEvent(const CalendarEvent &event, int &newEventId)

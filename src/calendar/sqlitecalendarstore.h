@@ -36,6 +36,7 @@ public:
     void DoRetrieveRangeEvents(const QDate &first, const QDate &last, QList<CalendarEventPtr> &events) override;
     [[nodiscard]] CalendarEventPtr DoReadEvent(int eventId) override;
     [[nodiscard]] CalendarRecurrencePatternPtr DoReadRPattern(int patternId) override;
+    [[nodiscard]] QHash<int, CalendarRecurrencePatternPtr> DoReadRPatterns(const QList<int> &patternIds) override;
     bool DoCreateEvent(const CalendarEvent &event, int &newEventId) override;
     bool DoUpdateEvent(const CalendarEvent &event) override;
     bool DoDeleteEvent(const CalendarEvent &event) override;
@@ -62,6 +63,7 @@ public:
 private:
     bool ensureSchema();
     bool execBound(QSqlQuery &q);
+    QSqlQuery &prepared(std::unique_ptr<QSqlQuery> &slot, const QString &sql);
     void readEvents(QSqlQuery &q, QList<CalendarEventPtr> &events);
 
     QString m_path;
@@ -69,6 +71,10 @@ private:
     QString m_lastError;
     std::unique_ptr<BaseSqlite> m_base;
     int m_changeDepth = 0;
+    // Statements asked again and again by the day reads, kept prepared.
+    std::unique_ptr<QSqlQuery> m_range;
+    std::unique_ptr<QSqlQuery> m_pattern;
+    std::unique_ptr<QSqlQuery> m_exceptions;
 };
 
 // The file name an unreadable store is renamed to before a fresh one takes

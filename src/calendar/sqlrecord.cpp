@@ -50,6 +50,29 @@ QDateTime dateTime(const QVariant &v)
     if (v.isNull())
         throw FieldError(QStringLiteral("valeur nulle"));
     QDateTime d;
+    if (v.typeId() == QMetaType::QString) {
+        // The stores' own form, read without the general parser: a week of
+        // the calendar holds hundreds of these.
+        const QString s = v.toString();
+        if (s.size() == 19 && s.at(4) == u'-' && s.at(7) == u'-' && s.at(10) == u' ' && s.at(13) == u':' && s.at(16) == u':') {
+            if (s == QLatin1String("1899-12-30 00:00:00"))
+                return {};
+            auto n = [&](int from, int len) {
+                int r = 0;
+                for (int i = from; i < from + len; ++i) {
+                    const char16_t c = s.at(i).unicode();
+                    if (c < u'0' || c > u'9')
+                        return -1;
+                    r = r * 10 + (c - u'0');
+                }
+                return r;
+            };
+            const QDate j(n(0, 4), n(5, 2), n(8, 2));
+            const QTime h(n(11, 2), n(14, 2), n(17, 2));
+            if (j.isValid() && h.isValid())
+                return QDateTime(j, h);
+        }
+    }
     if (v.typeId() == QMetaType::QDateTime) {
         d = v.toDateTime();
     } else if (v.typeId() == QMetaType::QDate) {
@@ -111,25 +134,46 @@ void MemoryRecord::setField(const QString &name, const QVariant &value)
     m_writeOrder.append(name);
 }
 
-QueryCursor::QueryCursor(QSqlQuery query)
-    : m_query(std::move(query))
+QueryCursor::QueryCursor(QSqlQuery &&query)
+    : m_owned(std::move(query))
+    , m_query(&*m_owned)
 {
-    m_record = m_query.record();
-    m_valid = m_query.next();
+    start();
+}
+
+QueryCursor::QueryCursor(QSqlQuery *borrowed)
+    : m_query(borrowed)
+{
+    start();
+}
+
+void QueryCursor::start()
+{
+    const QSqlRecord r = m_query->record();
+    for (int i = 0; i < r.count(); ++i)
+        m_columns.insert(r.fieldName(i), i);
+    m_valid = m_query->next();
 }
 
 QVariant QueryCursor::field(const QString &name) const
 {
-    const int i = m_record.indexOf(name);
+    int i = m_columns.value(name, -1);
+    if (i < 0) {
+        // Servers may spell a column in another case.
+        for (auto it = m_columns.cbegin(); it != m_columns.cend() && i < 0; ++it) {
+            if (it.key().compare(name, Qt::CaseInsensitive) == 0)
+                i = it.value();
+        }
+    }
     if (i < 0 || !m_valid)
         throw FieldError(QStringLiteral("colonne inconnue : ") + name);
-    return m_query.value(i);
+    return m_query->value(i);
 }
 
 void QueryCursor::next()
 {
     if (m_valid)
-        m_valid = m_query.next();
+        m_valid = m_query->next();
 }
 
 std::unique_ptr<RecordCursor> DatabaseConnection::execute(const QString &sql)

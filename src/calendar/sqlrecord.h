@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QPair>
 #include <QSqlDatabase>
@@ -11,6 +12,7 @@
 #include <QVariant>
 
 #include <memory>
+#include <optional>
 #include <stdexcept>
 
 // Rows reached by column name, as the calendar's record mapping reads and
@@ -121,18 +123,38 @@ private:
     qsizetype m_position = 0;
 };
 
-// A forward-only query result seen as a cursor.
+// A connection that answers every statement with the same rows: a question
+// already answered by an earlier, wider read.
+class FixedRowsConnection final : public RecordConnection
+{
+public:
+    explicit FixedRowsConnection(QList<MemoryRecord> rows)
+        : m_rows(std::move(rows))
+    {
+    }
+    [[nodiscard]] std::unique_ptr<RecordCursor> execute(const QString &) override { return std::make_unique<MemoryCursor>(m_rows); }
+
+private:
+    QList<MemoryRecord> m_rows;
+};
+
+// A forward-only query result seen as a cursor: it owns the query, or walks
+// one that its owner keeps prepared.
 class QueryCursor final : public RecordCursor
 {
 public:
-    explicit QueryCursor(QSqlQuery query);
+    explicit QueryCursor(QSqlQuery &&query);
+    explicit QueryCursor(QSqlQuery *borrowed);
     [[nodiscard]] bool atEnd() const override { return !m_valid; }
     [[nodiscard]] QVariant field(const QString &name) const override;
     void next() override;
 
 private:
-    QSqlQuery m_query;
-    QSqlRecord m_record;
+    void start();
+    std::optional<QSqlQuery> m_owned;
+    QSqlQuery *m_query = nullptr;
+    // Column positions by name, as the result names them.
+    QHash<QString, int> m_columns;
     bool m_valid = false;
 };
 

@@ -41,21 +41,6 @@ bool aEncoder(const QString &s)
     return false;
 }
 
-// The exceptions of one series, answered as the result of the exceptions
-// statement that the record mapping sends.
-class ConnexionExceptions final : public RecordConnection
-{
-public:
-    explicit ConnexionExceptions(QList<MemoryRecord> rows)
-        : m_rows(std::move(rows))
-    {
-    }
-    std::unique_ptr<RecordCursor> execute(const QString &) override { return std::make_unique<MemoryCursor>(m_rows); }
-
-private:
-    QList<MemoryRecord> m_rows;
-};
-
 QDateTime dateDe(const MemoryRecord &r, const QString &colonne)
 {
     try {
@@ -287,7 +272,7 @@ CalendarRecurrencePatternPtr XmlCalendarStore::DoReadRPattern(int patternId)
         if (entierDe(row, QStringLiteral("RecurrenceState")) == 3 && entierDe(row, QStringLiteral("RecurrencePatternID")) == patternId)
             exceptions.append(row);
     }
-    ConnexionExceptions connexion(exceptions);
+    FixedRowsConnection connexion(exceptions);
     return m_helper.CreateRPatternFromRS(m_patterns.value(patternId), connexion);
 }
 

@@ -1,0 +1,246 @@
+// Times the embedded calendar store on a book of ten years: 100,000
+// appointments and 500 series. Prints the figures; not a test.
+//
+//   bench_calendar [runs]
+#include "calendar/calendardataprovider.h"
+#include "calendar/openprovider.h"
+#include "calendar/recurrenceexpander.h"
+#include "calendar/reminderengine.h"
+#include "calendar/sqlitecalendarstore.h"
+#include "shell/basesqlite.h"
+#include "shell/horloge.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+
+#include <sqlite3.h>
+
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+const QDate kDebut(2020, 1, 1);
+const QDate kFin(2029, 12, 31);
+// "Now" of the book: appointments before it had their reminders sent and
+// dismissed, a third of those after it are under reminder.
+const QDateTime kMaintenant(QDate(2025, 6, 16), QTime(10, 0));
+
+QString connexion(const QString &dossier)
+{
+    return QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source='") + dossier + QStringLiteral("/Events.mdb';");
+}
+
+std::unique_ptr<CalendarDataProvider> ouvrir(const QString &dossier)
+{
+    auto p = std::make_unique<CalendarDataProvider>();
+    if (!OpenProvider(*p, CalendarDataProvider::Access, connexion(dossier)))
+        return nullptr;
+    return p;
+}
+
+double ms(qint64 ns)
+{
+    return double(ns) / 1e6;
+}
+
+void remplir(CalendarDataProvider &p, int rendezVous, int series)
+{
+    QRandomGenerator alea(20260301);
+    CalendarStore *store = p.store();
+    store->BeginChange();
+    const qint64 jours = kDebut.daysTo(kFin) + 1;
+    int faits = 0;
+    while (faits < rendezVous) {
+        const QDate jour = kDebut.addDays(alea.bounded(jours));
+        if (jour.dayOfWeek() > 5)
+            continue;
+        const QDateTime debut(jour, QTime(8, 0).addSecs(60 * 15 * alea.bounded(44)));
+        const int duree = 15 * (1 + alea.bounded(3));
+        CalendarEventPtr e = p.CreateNewEvent(debut, debut.addSecs(60 * duree));
+        e->setSubject(QStringLiteral("PATIENT %1 Prénom").arg(faits));
+        e->setLocation(QStringLiteral("Consultation"));
+        e->setBody(QStringLiteral("DUPONT§Jean§01/02/1960§0601020304§§§§§§§§§§§"));
+        e->setLabelID(alea.bounded(18));
+        e->setIsReminder(debut > kMaintenant && alea.bounded(3) == 0);
+        e->setReminderMinutesBeforeStart(1440);
+        p.AddEvent(e);
+        ++faits;
+    }
+    for (int s = 0; s < series; ++s) {
+        const QDate jour = kDebut.addDays(alea.bounded(jours - 400));
+        const QDateTime debut(jour, QTime(7, 0).addSecs(60 * 30 * alea.bounded(24)));
+        CalendarEventPtr m = p.CreateNewEvent(debut, debut.addSecs(60 * 30));
+        m->setSubject(QStringLiteral("SÉRIE %1").arg(s));
+        m->setIsReminder(true);
+        m->setReminderMinutesBeforeStart(60);
+        CalendarRecurrencePatternPtr motif = m->CreateRecurrence();
+        CalendarRecurrenceOptions &o = motif->Options();
+        switch (s % 6) {
+        case 0: o.setRecurrenceType(1); o.setIntervalDays(1 + alea.bounded(3)); break;
+        case 1: o.setRecurrenceType(1); o.setEveryWeekDay(true); break;
+        case 2: o.setRecurrenceType(2); o.setIntervalWeeks(1); o.setDayOfWeekMask(2 | 16); break;
+        case 3: o.setRecurrenceType(3); o.setIntervalMonths(1); o.setDayOfMonth(jour.day()); break;
+        case 4: o.setRecurrenceType(4); o.setIntervalMonthsNth(1); o.setWhichDay(1 + alea.bounded(5)); o.setWhichDayMask(4); break;
+        default: o.setRecurrenceType(5); o.setMonthOfYear(jour.month()); o.setDayOfMonthYearly(jour.day()); break;
+        }
+        const int fin = alea.bounded(10);
+        if (fin < 7) {
+            motif->setEndMethod(1);
+            motif->setEndAfterOccurrences(5 + alea.bounded(26));
+        } else if (fin < 9) {
+            motif->setEndMethod(0);
+            motif->setEndDate(jour.addDays(30 + alea.bounded(335)));
+        } else {
+            motif->setEndMethod(2);
+        }
+        p.AddEvent(m);
+        // One series in five has one occurrence moved.
+        if (s % 5 == 0) {
+            const QList<CalendarEventPtr> occ = ExpandOccurrences(m, jour, jour.addDays(60));
+            if (occ.size() > 1) {
+                occ.at(1)->setStartDateTime(occ.at(1)->StartDateTime().addSecs(3600));
+                occ.at(1)->setEndDateTime(occ.at(1)->EndDateTime().addSecs(3600));
+                p.ChangeEvent(occ.at(1));
+            }
+        }
+    }
+    store->CommitChange();
+}
+
+// The bare query: the stored rows the week read starts from, read with
+// sqlite's own interface (every column fetched, nothing mapped).
+int requeteNue(sqlite3 *db, const QDate &premier, const QDate &dernier)
+{
+    static const QByteArray sql = SqliteCalendarStore::rangeStatement().toUtf8();
+    sqlite3_stmt *st = nullptr;
+    sqlite3_prepare_v2(db, sql.constData(), -1, &st, nullptr);
+    const QByteArray debut = QDateTime(premier, QTime(0, 0)).toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")).toUtf8();
+    const QByteArray fin = QDateTime(dernier.addDays(1), QTime(0, 0)).toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")).toUtf8();
+    const QByteArray avant = QDateTime(premier.addDays(-1), QTime(0, 0)).toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")).toUtf8();
+    const QByteArray valeurs[5] = {avant, fin, debut, debut, fin};
+    for (int i = 0; i < 5; ++i)
+        sqlite3_bind_text(st, i + 1, valeurs[i].constData(), -1, SQLITE_STATIC);
+    int n = 0;
+    const int colonnes = sqlite3_column_count(st);
+    while (sqlite3_step(st) == SQLITE_ROW) {
+        for (int c = 0; c < colonnes; ++c)
+            (void)sqlite3_column_text(st, c);
+        ++n;
+    }
+    sqlite3_finalize(st);
+    return n;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    const int essais = argc > 1 ? std::max(1, atoi(argv[1])) : 20;
+    Horloge::fixer(kMaintenant);
+    // BENCH_DOSSIER keeps the book in a folder of one's choice (filled once,
+    // reused by the next runs).
+    QTemporaryDir temporaire;
+    const QString fixe = qEnvironmentVariable("BENCH_DOSSIER");
+    const QString chemin = fixe.isEmpty() ? temporaire.path() : fixe;
+    const bool dejaRempli = !fixe.isEmpty() && QFile::exists(fixe + QStringLiteral("/Events.mdb"));
+
+    QElapsedTimer t;
+    t.start();
+    if (!dejaRempli) {
+        auto p = ouvrir(chemin);
+        if (!p) {
+            std::fprintf(stderr, "Events.mdb ne s'ouvre pas\n");
+            return 1;
+        }
+        remplir(*p, 100000, 500);
+    }
+    const double remplissage = ms(t.nsecsElapsed());
+    {
+        const auto base = BaseSqlite::ouvrir(chemin + QStringLiteral("/Events.mdb"), BaseSqlite::Mode::Existante);
+        QSqlQuery q(base->db());
+        q.exec(QStringLiteral("SELECT (SELECT count(*) FROM CalendarEvents), (SELECT count(*) FROM CalendarRecurrencePatterns),"
+                              " (SELECT count(*) FROM CalendarEvents WHERE RecurrenceState = 3)"));
+        q.next();
+        std::printf("store: %d rows in CalendarEvents (%d exceptions), %d series; filled in %.0f ms\n", q.value(0).toInt(),
+                    q.value(2).toInt(), q.value(1).toInt(), remplissage);
+    }
+
+    // Work weeks spread over the ten years, Monday to Friday.
+    QList<QDate> lundis;
+    for (int i = 0; i < essais; ++i)
+        lundis << QDate(2020, 1, 6).addDays(7 * ((i * 37) % 515));
+
+    // Cold: a new connection (empty page cache) for each week.
+    qint64 froid = 0;
+    qsizetype affiches = 0;
+    for (const QDate &lundi : lundis) {
+        auto p = ouvrir(chemin);
+        t.restart();
+        affiches += p->RetrieveEvents(lundi, lundi.addDays(4)).size();
+        froid += t.nsecsElapsed();
+    }
+    // Warm: one connection, each week read several times.
+    auto p = ouvrir(chemin);
+    qint64 chaud = 0;
+    int lectures = 0;
+    for (int tour = 0; tour < 5; ++tour) {
+        for (const QDate &lundi : lundis) {
+            t.restart();
+            (void)p->RetrieveEvents(lundi, lundi.addDays(4));
+            chaud += t.nsecsElapsed();
+            ++lectures;
+        }
+    }
+    // The bare query over the same weeks, cold and warm likewise.
+    const QByteArray fichier = (chemin + QStringLiteral("/Events.mdb")).toUtf8();
+    qint64 nuFroid = 0;
+    qint64 lignes = 0;
+    for (const QDate &lundi : lundis) {
+        sqlite3 *db = nullptr;
+        sqlite3_open_v2(fichier.constData(), &db, SQLITE_OPEN_READONLY, nullptr);
+        t.restart();
+        lignes += requeteNue(db, lundi, lundi.addDays(4));
+        nuFroid += t.nsecsElapsed();
+        sqlite3_close(db);
+    }
+    sqlite3 *db = nullptr;
+    sqlite3_open_v2(fichier.constData(), &db, SQLITE_OPEN_READONLY, nullptr);
+    qint64 nuChaud = 0;
+    for (int tour = 0; tour < 5; ++tour) {
+        for (const QDate &lundi : lundis) {
+            t.restart();
+            requeteNue(db, lundi, lundi.addDays(4));
+            nuChaud += t.nsecsElapsed();
+        }
+    }
+    sqlite3_close(db);
+
+    const double n = double(lundis.size());
+    std::printf("work week (5 days), %d weeks: %.1f appointments shown per week from %.1f stored rows\n", int(lundis.size()),
+                double(affiches) / n, double(lignes) / n);
+    std::printf("  provider RetrieveEvents  cold %.3f ms   warm %.3f ms\n", ms(froid) / n, ms(chaud) / lectures);
+    std::printf("  bare indexed query       cold %.3f ms   warm %.3f ms\n", ms(nuFroid) / n, ms(nuChaud) / lectures);
+    std::printf("  ratio provider / bare    cold %.2fx     warm %.2fx\n", double(froid) / double(nuFroid), double(chaud) / double(nuChaud));
+
+    // One reminder poll at "now", on a watch that has already fired what was
+    // due (the steady state), and the first poll of a start.
+    ReminderEngine moteur(p.get());
+    moteur.setEnabled(true);
+    t.restart();
+    moteur.Poll();
+    const double premier = ms(t.nsecsElapsed());
+    qint64 poll = 0;
+    for (int i = 0; i < essais; ++i) {
+        t.restart();
+        moteur.Poll();
+        poll += t.nsecsElapsed();
+    }
+    std::printf("reminder poll: first %.3f ms, then %.3f ms per poll (%d active reminders)\n", premier, ms(poll) / essais, moteur.Count());
+    return 0;
+}
