@@ -215,9 +215,21 @@ QDateTime naif(const QDateTime &t)
     return QDateTime(t.date(), t.time(), Qt::UTC);
 }
 
+// The local time of a day and hour. An hour that the clocks skip when summer
+// time begins (02:30 on the last Sunday of March in Paris) does not exist; the
+// appointment is where the clock then stands, one gap later (03:30).
+QDateTime heureLocale(QDate jour, QTime heure)
+{
+    QDateTime t(jour, heure);
+    if (t.isValid())
+        return t;
+    const int decalageAvant = QDateTime(jour.addDays(-1), QTime(12, 0)).offsetFromUtc();
+    return QDateTime(jour, heure, Qt::UTC).addSecs(-decalageAvant).toLocalTime();
+}
+
 QDateTime local(const QDateTime &naive)
 {
-    return QDateTime(naive.date(), naive.time());
+    return heureLocale(naive.date(), naive.time());
 }
 
 QDateTime finOccurrence(const QDateTime &debut, int minutes)
@@ -252,7 +264,7 @@ QList<QDateTime> OccurrenceStarts(const CalendarRecurrencePatternPtr &pattern, Q
     parcourir(*pattern, firstDay, [&](QDate jour) {
         if (jour > lastDay)
             return false;
-        debuts.append(QDateTime(jour, heure));
+        debuts.append(heureLocale(jour, heure));
         return true;
     });
     return debuts;
@@ -301,7 +313,7 @@ std::optional<QDateTime> NextOccurrenceStart(const CalendarRecurrencePatternPtr 
     const QDateTime seuil = naif(from);
     std::optional<QDateTime> trouve;
     parcourir(*pattern, from.date(), [&](QDate jour) {
-        const QDateTime debut(jour, heure);
+        const QDateTime debut = heureLocale(jour, heure);
         if (naif(debut) < seuil)
             return true;
         trouve = debut;
@@ -328,8 +340,8 @@ SeriesSpan SeriesSpanOf(const CalendarRecurrencePatternPtr &pattern)
     });
     if (!premier.isValid())
         return etendue;
-    etendue.firstStart = QDateTime(premier, heure);
+    etendue.firstStart = heureLocale(premier, heure);
     if (!sansFin)
-        etendue.lastEnd = finOccurrence(QDateTime(dernier, heure), pattern->DurationMinutes());
+        etendue.lastEnd = finOccurrence(heureLocale(dernier, heure), pattern->DurationMinutes());
     return etendue;
 }

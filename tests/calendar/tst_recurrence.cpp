@@ -57,6 +57,7 @@ private slots:
     void jours();
     void heuresLocalesAuChangementDHeure_data();
     void heuresLocalesAuChangementDHeure();
+    void heureSauteeAuPrintemps();
     void occurrenceAPasMinuit();
     void journeeEntiere();
     void occurrenceReprendLeMaitre();
@@ -176,6 +177,24 @@ void tst_recurrence::jours_data()
     QTest::newRow("first Monday of September, ended by date")
         << QList<int>{6, 1, 2, 9} << "2026-01-01" << parDate << "2027-12-31" << "2026-01-01" << "2030-12-31"
         << QStringList{"2026-09-07", "2027-09-06"};
+
+    // Years ahead, with no end: the walk starts near the range and must keep
+    // the series' own rhythm (weeks, months counted from the first day).
+    QTest::newRow("far: every 3 weeks Monday and Friday")
+        << QList<int>{2, 3, 2 | 32} << "2026-01-07" << sansFin << "" << "2031-06-01" << "2031-06-30"
+        << QStringList{"2031-06-02", "2031-06-06", "2031-06-23", "2031-06-27"};
+    QTest::newRow("far: 30th every 5 months")
+        << QList<int>{3, 5, 30} << "2026-01-30" << sansFin << "" << "2029-01-01" << "2029-12-31"
+        << QStringList{"2029-05-30", "2029-10-30"};
+    QTest::newRow("far: second weekend day every 4 months")
+        << QList<int>{4, 4, 2, 65} << "2026-02-01" << sansFin << "" << "2032-01-01" << "2032-12-31"
+        << QStringList{"2032-02-07", "2032-06-06", "2032-10-03"};
+    QTest::newRow("far: 29 February")
+        << QList<int>{5, 2, 29} << "2024-02-29" << sansFin << "" << "2031-01-01" << "2033-12-31"
+        << QStringList{"2031-02-28", "2032-02-29", "2033-02-28"};
+    QTest::newRow("far: last Thursday of May, ended by date")
+        << QList<int>{6, 5, 16, 5} << "2026-01-01" << parDate << "2036-05-29" << "2035-01-01" << "2040-12-31"
+        << QStringList{"2035-05-31", "2036-05-29"};
 }
 
 void tst_recurrence::jours()
@@ -236,6 +255,24 @@ void tst_recurrence::heuresLocalesAuChangementDHeure()
                      qint64(heuresDuChangement) * 3600);
         }
     }
+}
+
+void tst_recurrence::heureSauteeAuPrintemps()
+{
+    // 02:30 does not exist on 2026-03-29 in Paris: that day's occurrence is
+    // where the clock stands then, and the days around keep their hour.
+    const CalendarEventPtr master = serie({1, 1, 0}, QStringLiteral("2026-03-01"), QTime(2, 30), 30);
+    const QList<CalendarEventPtr> occurrences = ExpandOccurrences(master, jour("2026-03-28"), jour("2026-03-30"));
+    QCOMPARE(debuts(occurrences), (QStringList{"2026-03-28 02:30", "2026-03-29 03:30", "2026-03-30 02:30"}));
+    for (const CalendarEventPtr &o : occurrences) {
+        QVERIFY(o->StartDateTime().isValid());
+        QVERIFY(o->EndDateTime().isValid());
+        QVERIFY(o->StartDateTime() < o->EndDateTime());
+    }
+    const auto prochaine = NextOccurrenceStart(master->RecurrencePattern(),
+                                               QDateTime(jour("2026-03-29"), QTime(0, 0)));
+    QVERIFY(prochaine && prochaine->isValid());
+    QCOMPARE(prochaine->time(), QTime(3, 30));
 }
 
 void tst_recurrence::occurrenceAPasMinuit()
