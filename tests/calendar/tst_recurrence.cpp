@@ -68,6 +68,8 @@ private slots:
     void etendueDeLaSerie_data();
     void etendueDeLaSerie();
     void serieLointaineSansParcoursComplet();
+    void sautIdentiqueAuParcours_data();
+    void sautIdentiqueAuParcours();
 };
 
 void tst_recurrence::jours_data()
@@ -504,6 +506,41 @@ void tst_recurrence::serieLointaineSansParcoursComplet()
         total += int(ExpandOccurrences(master, jour("2026-03-02"), jour("2026-03-06")).size());
     QCOMPARE(total, 200 * 5);
     QVERIFY2(chrono.elapsed() < 2000, qPrintable(QStringLiteral("%1 ms").arg(chrono.elapsed())));
+}
+
+// A series with no end is looked at from near the range; a counted one is
+// always walked from its first day. With a count too large to matter, both
+// must give the same days, wherever the range begins.
+void tst_recurrence::sautIdentiqueAuParcours_data()
+{
+    QTest::addColumn<QList<int>>("options");
+    QTest::newRow("every 4 days") << QList<int>{1, 4, 0};
+    QTest::newRow("weekdays") << QList<int>{1, 1, 1};
+    QTest::newRow("every 2 weeks Sunday, Wednesday") << QList<int>{2, 2, 1 | 8};
+    QTest::newRow("every 5 weeks Saturday") << QList<int>{2, 5, 64};
+    QTest::newRow("31st every 3 months") << QList<int>{3, 3, 31};
+    QTest::newRow("last weekend day every 2 months") << QList<int>{4, 2, 5, 65};
+    QTest::newRow("first Tuesday every 7 months") << QList<int>{4, 7, 1, 4};
+    QTest::newRow("29 February") << QList<int>{5, 2, 29};
+    QTest::newRow("third weekday of November") << QList<int>{6, 3, 62, 11};
+}
+
+void tst_recurrence::sautIdentiqueAuParcours()
+{
+    QFETCH(QList<int>, options);
+    const CalendarEventPtr sansFin = serie(options, QStringLiteral("2026-01-07"), QTime(9, 0), 30);
+    const CalendarEventPtr compte = serie(options, QStringLiteral("2026-01-07"), QTime(9, 0), 30,
+                                          CalendarRecurrencePattern::EndAfterOccurrencesCount,
+                                          QStringLiteral("100000"));
+    int vus = 0;
+    for (int decalage = 0; decalage < 400; decalage += 3) {
+        const QDate de = jour("2029-12-20").addDays(decalage);
+        const QDate a = de.addDays(decalage % 2 ? 9 : 40);
+        const QList<QDateTime> attendus = OccurrenceStarts(compte->RecurrencePattern(), de, a);
+        QCOMPARE(OccurrenceStarts(sansFin->RecurrencePattern(), de, a), attendus);
+        vus += int(attendus.size());
+    }
+    QVERIFY(vus > 0);
 }
 
 QTEST_GUILESS_MAIN(tst_recurrence)
