@@ -2,9 +2,12 @@
 
 #include <libical/ical.h>
 
+#include <QHash>
+#include <QSharedPointer>
 #include <QStringList>
 
 #include <algorithm>
+#include <memory>
 
 // Written against libical 3: its iterator takes the rule by value; later
 // versions take a pointer. This file is the only place that calls it.
@@ -166,48 +169,180 @@ private:
     int m_pas = 0;
 };
 
+// Days of a series, kept. Asking libical costs a calendar set-up for every
+// iterator and, for the sparse rules (yearly, nth day), up to a millisecond a
+// step (it computes through ICU); and the calendar asks again for the same days
+// every ten seconds. So each series keeps the days worked out so far over one
+// unbroken span, and the iterator that continues it: a later question inside
+// the span is a look-up, one beyond it goes on from where the iterator stands,
+// and one before it works out only the missing part. The days depend on the
+// rule text and the first day only; the end of the series is applied apart.
+// One cache per thread: the calendar layer runs on the one window thread, and
+// nothing is shared should another thread ask.
+struct JoursDUneSerie
+{
+    QString texte;
+    QDate premier;
+    QList<QDate> jours;  // every day of the series from `de` to `a`, in order
+    QDate de;            // invalid while nothing is known
+    QDate a;             // last day handed by the iterator (or de - 1)
+    bool fini = false;   // the iterator has no more days
+    std::unique_ptr<IterateurIcal> suite; // continues after `a`
+};
+
+class CacheDesJours final
+{
+public:
+    QSharedPointer<JoursDUneSerie> serie(const QString &texte, QDate premier)
+    {
+        const QString cle = texte + u'@' + QString::number(premier.toJulianDay());
+        QSharedPointer<JoursDUneSerie> &s = m_series[cle];
+        if (!s) {
+            s = QSharedPointer<JoursDUneSerie>::create();
+            s->texte = texte;
+            s->premier = premier;
+        }
+        return s;
+    }
+
+    // Makes sure the span of the series holds `debut`; answers the index of
+    // the first known day on or after it (possibly the end of the list).
+    qsizetype couvrir(JoursDUneSerie &s, QDate debut)
+    {
+        debut = std::max(debut, s.premier);
+        if (!s.de.isValid()) {
+            s.suite = std::make_unique<IterateurIcal>(s.texte, s.premier);
+            if (debut > s.premier)
+                s.suite->allerA(debut);
+            s.de = debut;
+            s.a = debut.addDays(-1);
+        } else if (debut < s.de) {
+            IterateurIcal it(s.texte, s.premier);
+            if (debut > s.premier)
+                it.allerA(debut);
+            QList<QDate> avant;
+            for (QDate jour = it.suivant(); jour.isValid() && jour < s.de; jour = it.suivant())
+                avant.append(jour);
+            compter(avant.size());
+            s.jours = avant + s.jours;
+            s.de = debut;
+        }
+        return std::lower_bound(s.jours.cbegin(), s.jours.cend(), debut) - s.jours.cbegin();
+    }
+
+    // One more day at the end of the span; false when the series has no more.
+    bool avancer(JoursDUneSerie &s)
+    {
+        if (s.fini || !s.suite)
+            return false;
+        const QDate jour = s.suite->suivant();
+        if (!jour.isValid()) {
+            s.fini = true;
+            return false;
+        }
+        s.jours.append(jour);
+        s.a = jour;
+        compter(1);
+        return true;
+    }
+
+    bool actif = true;
+
+private:
+    // A bound on memory: past it, everything is forgotten and worked out
+    // again (a series being walked keeps its own part alive meanwhile).
+    void compter(qsizetype ajout)
+    {
+        m_taille += ajout;
+        if (m_taille > 500000) {
+            m_series.clear();
+            m_taille = 0;
+        }
+    }
+
+    QHash<QString, QSharedPointer<JoursDUneSerie>> m_series;
+    qsizetype m_taille = 0;
+};
+
+CacheDesJours &cache()
+{
+    thread_local CacheDesJours instance;
+    return instance;
+}
+
+// Days later than this are not looked for, whatever the series says.
+constexpr int anneeLimite = 2999;
+
 // Calls visite(day) for every day of the series from `depuis` on, in order,
 // until it answers false or the series ends. The end of the series is ours:
 // the last day for EndByDate, the count for EndAfterOccurrences (counted from
-// the first day of the series, so that case always starts there).
+// the first day of the series).
 template<typename Visite>
 void parcourir(const CalendarRecurrencePattern &p, QDate depuis, Visite visite)
 {
     const QDate premier = p.StartDate();
     if (!premier.isValid())
         return;
+    const QString texte = regle(p);
+    if (texte.isEmpty())
+        return;
     const int methode = p.EndMethod();
     const int total = p.EndAfterOccurrences();
+    const bool compte = methode == CalendarRecurrencePattern::EndAfterOccurrencesCount;
     QDate dernier;
     if (methode == CalendarRecurrencePattern::EndByDate) {
         dernier = p.EndDate();
         if (!dernier.isValid() || dernier < premier)
             return;
-    } else if (methode == CalendarRecurrencePattern::EndAfterOccurrencesCount) {
-        if (total <= 0)
-            return;
-    }
-
-    IterateurIcal it(regle(p), premier);
-    if (!it.valide())
+    } else if (compte && total <= 0) {
         return;
-    const bool compte = methode == CalendarRecurrencePattern::EndAfterOccurrencesCount;
-    if (!compte && depuis.isValid() && depuis > premier)
-        it.allerA(depuis);
+    }
+    const QDate debut = depuis.isValid() && depuis > premier ? depuis : premier;
 
-    int n = 0;
-    for (QDate jour = it.suivant(); jour.isValid(); jour = it.suivant()) {
-        if (dernier.isValid() && jour > dernier)
-            return;
-        ++n;
-        if (!depuis.isValid() || jour >= depuis) {
-            if (!visite(jour))
+    if (!cache().actif) {
+        // Straight walk from the first day: the reference the kept days are
+        // checked against.
+        IterateurIcal it(texte, premier);
+        int n = 0;
+        for (QDate jour = it.suivant(); jour.isValid(); jour = it.suivant()) {
+            if (dernier.isValid() && jour > dernier)
+                return;
+            ++n;
+            if (jour >= debut && !visite(jour))
+                return;
+            if (compte && n >= total)
                 return;
         }
-        if (compte && n >= total)
+        return;
+    }
+
+    // A counted series is known from its first day, so that a day's place in
+    // the list is its number in the series.
+    const QSharedPointer<JoursDUneSerie> s = cache().serie(texte, premier);
+    qsizetype i = cache().couvrir(*s, compte ? premier : debut);
+    for (;; ++i) {
+        while (i >= s->jours.size()) {
+            if (!cache().avancer(*s))
+                return;
+        }
+        const QDate jour = s->jours.at(i);
+        if (jour.year() > anneeLimite || (dernier.isValid() && jour > dernier))
+            return;
+        if (jour >= debut && !visite(jour))
+            return;
+        if (compte && i + 1 >= total)
             return;
     }
 }
+
+} // namespace
+
+void SetOccurrenceCacheEnabled(bool enabled)
+{
+    cache().actif = enabled;
+}
+
+namespace {
 
 // Times of the series compared as wall-clock times, whatever their spec.
 QDateTime naif(const QDateTime &t)
