@@ -15,8 +15,8 @@ static_assert(ICAL_MAJOR_VERSION == 3, "the recurrence iterator wrapper is writt
 
 namespace {
 
-// Upper bound of iterator steps for one question, far beyond any real series
-// (a daily series over five centuries); guards against a rule that never ends.
+// Upper bound of the steps of one iterator, far beyond any real series (a
+// daily series over five centuries); guards against a rule that never ends.
 constexpr int pasMaximum = 200000;
 
 QString joursDuMasque(int masque)
@@ -147,8 +147,6 @@ public:
     }
     IterateurIcal(const IterateurIcal &) = delete;
     IterateurIcal &operator=(const IterateurIcal &) = delete;
-
-    [[nodiscard]] bool valide() const { return m_it != nullptr; }
 
     // Jumps ahead to the first occurrence on or after the day. The rule never
     // carries COUNT (we count ourselves), which libical requires for this.
