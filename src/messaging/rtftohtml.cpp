@@ -500,19 +500,20 @@ private:
 
         m_pendingClose += closeTags();
         shiftCodes();
+        // The arrays run from the innermost code to the outermost, and the
+        // opening tags are written outermost first, so that they nest as
+        // the closing tags will be written.
         QString ouverture;
         if (m_newParagraph) {
-            // Outermost first, so that the paragraph's table and list
-            // enclose the character tags.
             for (qsizetype i = m_codes.size() - 1; i >= 0; --i)
-                ouvrirSiNouveau(m_codes[i], ouverture);
+                ouverture += ouvrirSiNouveau(m_codes[i]);
             m_newParagraph = false;
         } else {
-            // Within a line no table is opened.
+            // Within a line no table is opened: the walk stops at one.
             for (Code &code : m_codes) {
                 if (code.fermeture == kTable)
                     break;
-                ouvrirSiNouveau(code, ouverture);
+                ouverture.prepend(ouvrirSiNouveau(code));
             }
         }
         m_pendingOpen = ouverture;
@@ -524,15 +525,18 @@ private:
         m_blankLine = false;
     }
 
-    static void ouvrirSiNouveau(Code &code, QString &ouverture)
+    // The opening tag of a code not yet opened, which is open from now on.
+    static QString ouvrirSiNouveau(Code &code)
     {
         if (code.etat == kNouveau) {
-            ouverture += code.ouverture;
             code.etat = kActif;
-        } else if (code.etat == kNouveauPara) {
-            ouverture += code.ouverture;
-            code.etat = kActifPara;
+            return code.ouverture;
         }
+        if (code.etat == kNouveauPara) {
+            code.etat = kActifPara;
+            return code.ouverture;
+        }
+        return {};
     }
 
     // --- The code arrays and the next lists --------------------------------
