@@ -1,6 +1,7 @@
 #include "messaging/rtftohtml.h"
 
 #include <QFile>
+#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QStack>
 #include <QTest>
@@ -59,6 +60,7 @@ private slots:
     void tableDesOctets();
     void traitementDeTexte_data();
     void traitementDeTexte();
+    void imbricationToujoursJuste();
 };
 
 void TestRtfToHtml::conversion_data()
@@ -191,6 +193,16 @@ void TestRtfToHtml::conversion_data()
     QTest::newRow("pntext with line ends")
         << QStringLiteral("{\\pntext\\f1\\'b7\\tab}un\\par\r\n{\\pntext\\f1\\'b7\\tab}deux\\par\r\n\\pard fin")
         << QStringLiteral("+CR") << QStringLiteral("<li>un</li>\r\n<li>deux</li>\r\nfin");
+    QTest::newRow("bullet word") << QStringLiteral("\\bullet x") << h << QStringLiteral("<li>x</li>");
+    QTest::newRow("bullet level, par ends the item")
+        << QStringLiteral("\\pnlvlblt un\\par deux") << h << QStringLiteral("<li>un</li>deux");
+    QTest::newRow("list table: pard keeps a requested item")
+        << QStringLiteral("{\\*\\listtable{\\list\\listid1}}\\bullet\\pard x") << h << QStringLiteral("<li>x</li>");
+    QTest::newRow("no list table: pard cancels a requested item")
+        << QStringLiteral("\\bullet\\pard x") << h << QStringLiteral("x");
+    QTest::newRow("pard ends an open item")
+        << QStringLiteral("{\\*\\listtable{\\list\\listid1}}\\bullet un\\pard  deux") << h
+        << QStringLiteral("<li>un</li> deux");
 }
 
 void TestRtfToHtml::conversion()
@@ -316,6 +328,47 @@ void TestRtfToHtml::traitementDeTexte()
     QVERIFY2(!html.endsWith(QLatin1String("<br>")), "trailing line breaks must be dropped");
     QString detail;
     QVERIFY2(bienImbrique(html, &detail), qPrintable(detail + u' ' + html));
+}
+
+void TestRtfToHtml::imbricationToujoursJuste()
+{
+    // Documents made of random character formatting switched on and off in
+    // any order, over several paragraphs (the first one centred or not):
+    // the output always nests and holds every piece of text.
+    static const QStringList mots = {
+        QStringLiteral("b"),      QStringLiteral("b0"),     QStringLiteral("i"),          QStringLiteral("i0"),
+        QStringLiteral("ul"),     QStringLiteral("ulnone"), QStringLiteral("strike"),     QStringLiteral("strike0"),
+        QStringLiteral("super"),  QStringLiteral("sub"),    QStringLiteral("nosupersub"), QStringLiteral("cf1"),
+        QStringLiteral("cf2"),    QStringLiteral("cf0"),    QStringLiteral("f0"),         QStringLiteral("f1"),
+        QStringLiteral("fs18"),   QStringLiteral("fs22"),   QStringLiteral("fs28"),       QStringLiteral("plain"),
+        QStringLiteral("par"),    QStringLiteral("tab")};
+    QRandomGenerator hasard(20260803);
+    for (int document = 0; document < 3000; ++document) {
+        QString rtf = QStringLiteral("{\\rtf1{\\fonttbl{\\f0\\fswiss Arial;}{\\f1\\froman Times;}}"
+                                     "{\\colortbl ;\\red255\\green0\\blue0;\\red0\\green0\\blue255;}\r\n");
+        int textes = 0;
+        const int paragraphes = 1 + hasard.bounded(3);
+        for (int p = 0; p < paragraphes; ++p) {
+            rtf += QLatin1String("\\pard");
+            const int alignement = p == 0 ? hasard.bounded(3) : 0;
+            rtf += alignement == 1 ? QLatin1String("\\qc ") : alignement == 2 ? QLatin1String("\\qr ") : QLatin1String(" ");
+            const int jetons = 2 + hasard.bounded(10);
+            for (int j = 0; j < jetons; ++j) {
+                if (hasard.bounded(2)) {
+                    rtf += u'\\' + mots.at(hasard.bounded(mots.size())) + u' ';
+                } else {
+                    rtf += QStringLiteral("w%1 ").arg(textes++);
+                }
+            }
+            rtf += QLatin1String("\\par\r\n");
+        }
+        rtf += u'}';
+        const QString html = RtfToHtml(rtf, QStringLiteral("+H"));
+        QString detail;
+        QVERIFY2(bienImbrique(html, &detail), qPrintable(detail + u'\n' + rtf + u'\n' + html));
+        for (int t = 0; t < textes; ++t)
+            QVERIFY2(html.contains(QStringLiteral("w%1 ").arg(t)), qPrintable(rtf + u'\n' + html));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestRtfToHtml)
