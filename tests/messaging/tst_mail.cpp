@@ -6,6 +6,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLocale>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTcpServer>
@@ -216,7 +217,10 @@ void TestMail::composition()
     m.sujet = QStringLiteral("Rappel de votre Rendez-Vous");
     m.html = QStringLiteral("<b>Le secr&eacute;tariat</b> ") + QString(200, u'x');
     const QDateTime date(QDate(2026, 8, 3), QTime(9, 5, 7));
+    // The date header is in English whatever the program's language.
+    QLocale::setDefault(QLocale(QLocale::French, QLocale::France));
     const QByteArray texte = ComposerMessageMail(m, date, QStringLiteral("abc@cabinet.example.org"));
+    QLocale::setDefault(QLocale::c());
 
     const MailRecu recu = analyser(texte);
     QCOMPARE(recu.entetes.value("from"), QByteArray("\"Rappel de Rendez-Vous\" <secretariat@cabinet.example.org>"));
@@ -228,6 +232,7 @@ void TestMail::composition()
     QCOMPARE(recu.entetes.value("mime-version"), QByteArray("1.0"));
     QCOMPARE(recu.entetes.value("content-type"), QByteArray("text/html; charset=UTF-8"));
     QCOMPARE(recu.entetes.value("content-transfer-encoding"), QByteArray("quoted-printable"));
+    QCOMPARE(recu.entetes.value("date"), QByteArray("03 Aug 2026 09:05:07 +0200"));
     QCOMPARE(QDateTime::fromString(QString::fromLatin1(recu.entetes.value("date")), Qt::RFC2822Date), date);
     QCOMPARE(QString::fromUtf8(decoderQuotedPrintable(recu.corps)).trimmed(), m.html);
 

@@ -309,6 +309,23 @@ void TestRtfToHtml::traitementDeTexte_data()
                QStringLiteral("<table width=100%><tr><td align=\"right\">&Agrave; droite</td></tr></table>"),
            }
         << QStringList{QStringLiteral("listtemplateid"), QStringLiteral("Symbol;"), QStringLiteral("\\tab")};
+
+    // Written by hand in the form of WordPad's editor (RichEdit): centred
+    // Arial title with a red bold word, Calibri body, bullets as paragraph
+    // numbering text, the letter a with diaeresis, super/subscript, strike.
+    QTest::newRow("wordpad-style")
+        << QStringLiteral("wordpad-style.rtf")
+        << QStringList{
+               QStringLiteral("<table width=100%><tr><td align=\"center\"><font face=\"Arial\" size=4>Cabinet </font>"
+                              "<font face=\"Arial\" color=\"#FF0000\" size=4><b>M&eacute;dical</b></font>"
+                              "</td></tr></table><br>"),
+               QStringLiteral("<font face=\"Calibri\" size=3>Rendez-vous le <u>lundi </u>&agrave; 9 h.</font><br>"),
+               QStringLiteral("<li><font face=\"Calibri\" size=3>Apporter la carte Vitale</font></li>"
+                              "<li><font face=\"Calibri\" size=3>Arriver 10 minutes avant</font></li>"),
+               QStringLiteral("th&eacute;, <sup>TM</sup>, x<sup>2</sup>, H<sub>2</sub>O, <s>ray&eacute;</s>."),
+           }
+        << QStringList{QStringLiteral("Riched20"), QStringLiteral("Symbol"), QStringLiteral("&middot;"),
+                       QStringLiteral("\t")};
 }
 
 void TestRtfToHtml::traitementDeTexte()
