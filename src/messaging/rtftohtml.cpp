@@ -160,14 +160,15 @@ public:
         }
 
         m_skipDepth = 0;
-        while (!texte.isEmpty()) {
-            const qsizetype fin = texte.indexOf(QLatin1String("\r\n"));
+        qsizetype debut = 0;
+        while (debut < texte.size()) {
+            const qsizetype fin = texte.indexOf(QLatin1String("\r\n"), debut);
             if (fin < 0) {
-                m_line = tidy(texte);
-                texte.clear();
+                m_line = tidy(texte.mid(debut));
+                debut = texte.size();
             } else {
-                m_line = tidy(texte.left(fin));
-                texte = tidy(texte.mid(fin + 2));
+                m_line = tidy(texte.mid(debut, fin - debut));
+                debut = debutDuReste(texte, fin + 2);
             }
             while (!m_line.isEmpty()) {
                 const QString jeton = prochainJeton();
@@ -199,6 +200,17 @@ public:
 
 private:
     // --- Reading the input ------------------------------------------------
+
+    // Where the rest of the text starts once tidied: past its leading blanks,
+    // then past any line ends. (Its end is the document's, already tidied.)
+    static qsizetype debutDuReste(const QString &texte, qsizetype position)
+    {
+        while (position < texte.size() && texte.at(position) == u' ')
+            ++position;
+        while (position < texte.size() && (texte.at(position) == u'\r' || texte.at(position) == u'\n'))
+            ++position;
+        return position;
+    }
 
     // Takes the group around the keyword out of the text, braces included,
     // and returns it.
