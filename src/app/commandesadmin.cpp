@@ -1,6 +1,7 @@
 #include "app/commandesadmin.h"
 
 #include "cipher/encryptx.h"
+#include "messaging/diagnosticmodem.h"
 
 namespace {
 
@@ -8,7 +9,8 @@ void usage(QTextStream &err)
 {
     err << "Usage : tavonel-admin COMMANDE [ARGUMENTS]\n"
            "  launch-arg N [TEXTE]   argument de lancement qui ouvre l'agenda N\n"
-           "  decipher HEX           texte en clair d'un argument de lancement\n";
+           "  decipher HEX           texte en clair d'un argument de lancement\n"
+           "  modem-check PORT       interroge le modem GSM du port PORT (numéro COM)\n";
 }
 
 } // namespace
@@ -36,6 +38,15 @@ int ExecuterCommandeAdmin(const QStringList &arguments, QTextStream &out, QTextS
         }
         out << DecoderArgument(arguments.at(1)) << '\n';
         return 0;
+    }
+    if (commande == QLatin1String("modem-check")) {
+        bool ok = false;
+        const int port = arguments.value(1).toInt(&ok);
+        if (arguments.size() != 2 || !ok || port < 1) {
+            err << "modem-check : numéro de port attendu (1, 2, ...).\n";
+            return 2;
+        }
+        return VerifierModem(port, out, err);
     }
     usage(err);
     return commande.isEmpty() || commande == QLatin1String("--help") ? 0 : 2;
