@@ -1,7 +1,10 @@
 #include "messaging/gsmmodem.h"
 
 #include "messaging/operateurs.h"
+#include "shell/appstate.h"
 #include "shell/cp1252.h"
+#include "shell/nombres.h"
+#include "shell/profilini.h"
 #include "shell/prompt.h"
 #include "shell/support.h"
 
@@ -10,6 +13,8 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QGuiApplication>
+
+#include <climits>
 
 using namespace std::chrono;
 
@@ -293,6 +298,12 @@ bool GsmModem::getMobileInfo(InfosModem &infos)
     }
     commande(QStringLiteral("AT+CSCS=\"GSM\""));
     return true;
+}
+
+int PortModem()
+{
+    const qint64 port = LireEntier(LireAgendaIni(appState().AgendaName, QStringLiteral("COM"), QStringLiteral("0")));
+    return port > 0 && port <= INT_MAX ? static_cast<int>(port) : 0;
 }
 
 QString getManufacturer(const QString &reponse)

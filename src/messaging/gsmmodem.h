@@ -117,6 +117,10 @@ private:
     QEventLoop *m_attente = nullptr;
 };
 
+// The modem's port number: key COM of the agenda's section of Agenda.ini,
+// "0" by default, read by the leading-number rule. 0 means no modem.
+[[nodiscard]] int PortModem();
+
 // Parsers of the diagnostic copy; each ends by removing control characters
 // (code under 14) from both ends.
 [[nodiscard]] QString getManufacturer(const QString &reponse);

@@ -1,6 +1,8 @@
 #include "messaging/gsmmodem.h"
 #include "messaging/operateurs.h"
+#include "shell/appstate.h"
 #include "shell/cp1252.h"
+#include "support/dossiertest.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -25,6 +27,8 @@ private slots:
     void bauds();
     void protocoles_data();
     void protocoles();
+    void portConfigure_data();
+    void portConfigure();
 };
 
 void TstModemReponses::operateur_data()
@@ -169,6 +173,34 @@ void TstModemReponses::protocoles()
     bool trouve = !gsm;
     QCOMPARE(GetProtocles(reponse, &trouve), texte);
     QCOMPARE(trouve, gsm);
+}
+
+void TstModemReponses::portConfigure_data()
+{
+    QTest::addColumn<QString>("agendaIni");
+    QTest::addColumn<int>("port");
+    QTest::newRow("sans fichier") << QString() << 0;
+    QTest::newRow("sans cle") << QStringLiteral("[Cabinet Martin]\nAutre=1\n") << 0;
+    QTest::newRow("port 3") << QStringLiteral("[Cabinet Martin]\nCOM=3\n") << 3;
+    QTest::newRow("casse de la section") << QStringLiteral("[cabinet martin]\ncom=12\n") << 12;
+    QTest::newRow("chiffres en tete") << QStringLiteral("[Cabinet Martin]\nCOM=4 (USB)\n") << 4;
+    QTest::newRow("texte") << QStringLiteral("[Cabinet Martin]\nCOM=COM4\n") << 0;
+    QTest::newRow("autre agenda") << QStringLiteral("[Agenda]\nCOM=5\n") << 0;
+}
+
+void TstModemReponses::portConfigure()
+{
+    QFETCH(QString, agendaIni);
+    QFETCH(int, port);
+    DossierProgrammeTest dossier;
+    QVERIFY(dossier.estValide());
+    if (!agendaIni.isNull())
+        dossier.ecrire(QStringLiteral("Agenda.ini"), agendaIni);
+    const QString avant = appState().AgendaName;
+    appState().AgendaName = QStringLiteral("Cabinet Martin");
+    const int lu = PortModem();
+    appState().AgendaName = avant;
+    QCOMPARE(lu, port);
 }
 
 QTEST_GUILESS_MAIN(TstModemReponses)
