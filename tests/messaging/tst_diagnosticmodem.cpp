@@ -45,7 +45,7 @@ private slots:
     void commandeAdminSansPort();
 
 private:
-    bool demarrer();
+    bool demarrer(QString *erreur);
     // Runs tavonel-admin while the simulated modem answers on this thread.
     Sortie lancerAdmin(const QStringList &arguments);
 
@@ -73,18 +73,20 @@ void TstDiagnosticModem::cleanup()
     m_dossier.reset();
 }
 
-bool TstDiagnosticModem::demarrer()
+bool TstDiagnosticModem::demarrer(QString *erreur)
 {
-    QString erreur;
-    if (!m_modem->demarrer(&erreur)) {
-        qWarning("Le modem simulé ne démarre pas : %s", qPrintable(erreur));
+    if (!m_modem->demarrer(erreur))
         return false;
-    }
     qputenv("TAVONEL_MODEM_DEVICE_2", QFile::encodeName(m_modem->peripherique()));
     return true;
 }
 
-#define DEMARRER_MODEM() QVERIFY2(demarrer(), "le modem simulé (socat sur un pseudo-terminal) ne démarre pas")
+// Fails the test, with the reason, when the simulated modem cannot start.
+#define DEMARRER_MODEM()                                                                                       \
+    do {                                                                                                       \
+        QString raison;                                                                                        \
+        QVERIFY2(demarrer(&raison), qPrintable(QStringLiteral("le modem simulé ne démarre pas : ") + raison)); \
+    } while (false)
 
 Sortie TstDiagnosticModem::lancerAdmin(const QStringList &arguments)
 {

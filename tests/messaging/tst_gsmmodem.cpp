@@ -37,6 +37,7 @@ private slots:
 
     void portZeroNeSOuvrePas();
     void portAbsent();
+    void portTenu();
     void parametresDeLaLigne();
     void peripheriqueParAgendaIni();
     void rechercheDesPorts();
@@ -47,11 +48,10 @@ private slots:
     void pointeurApresAttente();
 
     void initialisation();
-    void initialisationSansReponse();
+    void initialisationEchecs_data();
+    void initialisationEchecs();
     void initialisationOperateurTardif();
     void initialisationSansOperateur();
-    void initialisationSansJeuGsm();
-    void initialisationEchecParametres();
 
     void envoiMessageAccentue();
     void envoiEchecs_data();
@@ -65,7 +65,7 @@ private slots:
 private:
     // Starts a simulator and points port PortTest at it; fails the test when
     // socat cannot start.
-    bool demarrer();
+    bool demarrer(QString *erreur);
 
     std::unique_ptr<DossierProgrammeTest> m_dossier;
     std::unique_ptr<ModemSimule> m_modem;
@@ -93,19 +93,21 @@ void TstGsmModem::cleanup()
     m_dossier.reset();
 }
 
-bool TstGsmModem::demarrer()
+bool TstGsmModem::demarrer(QString *erreur)
 {
-    QString erreur;
-    if (!m_modem->demarrer(&erreur)) {
-        qWarning("Le modem simulé ne démarre pas : %s", qPrintable(erreur));
+    if (!m_modem->demarrer(erreur))
         return false;
-    }
     qputenv(QStringLiteral("TAVONEL_MODEM_DEVICE_%1").arg(PortTest).toLatin1().constData(),
             QFile::encodeName(m_modem->peripherique()));
     return true;
 }
 
-#define DEMARRER_MODEM() QVERIFY2(demarrer(), "le modem simulé (socat sur un pseudo-terminal) ne démarre pas")
+// Fails the test, with the reason, when the simulated modem cannot start.
+#define DEMARRER_MODEM()                                                                                       \
+    do {                                                                                                       \
+        QString raison;                                                                                        \
+        QVERIFY2(demarrer(&raison), qPrintable(QStringLiteral("le modem simulé ne démarre pas : ") + raison)); \
+    } while (false)
 
 void TstGsmModem::portZeroNeSOuvrePas()
 {
@@ -126,6 +128,18 @@ void TstGsmModem::portAbsent()
     // A command on a closed port fails at once rather than waiting.
     QVERIFY(!modem.sendIt(QStringLiteral("AT"), QStringLiteral("OK"), QStringLiteral("ERROR"), 2));
     QVERIFY(chrono.elapsed() < 2000);
+}
+
+void TstGsmModem::portTenu()
+{
+    DEMARRER_MODEM();
+    QSerialPort autre(m_modem->peripherique());
+    QVERIFY2(autre.open(QIODevice::ReadWrite), qPrintable(autre.errorString()));
+    GsmModem modem(GsmModem::Copie::Envoi);
+    QCOMPARE(modem.msComConnect(PortTest), 0);
+    QVERIFY(!modem.ligne().erreur().isEmpty());
+    autre.close();
+    QCOMPARE(modem.msComConnect(PortTest), PortTest);
 }
 
 void TstGsmModem::parametresDeLaLigne()
@@ -201,24 +215,26 @@ void TstGsmModem::dialogue_data()
     QTest::addColumn<int>("maxMs");
 
     const int unite = static_cast<int>(UniteTest.count());
+    // An answer ends the wait well before the limit of two units.
+    const int avantLimite = 2 * unite - 50;
     QTest::newRow("ok") << false << "AT" << QList<QByteArray>{"\r\nOK\r\n"} << "OK" << true
-                        << "\r\nOK\r\n" << 0 << unite;
+                        << "\r\nOK\r\n" << 0 << avantLimite;
     // The echo of the command is part of the buffer; the wait goes on past it.
     QTest::newRow("echo de CSCS") << true << "AT+CSCS=?"
                                   << QList<QByteArray>{"\r\n+CSCS: (\"IRA\",\"GSM\")\r\n", "\r\nOK\r\n"} << "OK"
                                   << true << "AT+CSCS=?\r\r\n+CSCS: (\"IRA\",\"GSM\")\r\n\r\nOK\r\n" << 150
-                                  << unite;
+                                  << avantLimite;
     QTest::newRow("O puis K") << false << "AT" << QList<QByteArray>{"\r\nO", "K\r\n"} << "OK" << true
-                              << "\r\nOK\r\n" << 150 << unite;
+                              << "\r\nOK\r\n" << 150 << avantLimite;
     QTest::newRow("erreur") << true << "AT+CSMP=17,167,0,16" << QList<QByteArray>{"\r\nERROR\r\n"} << "OK"
-                            << false << "AT+CSMP=17,167,0,16\r\r\nERROR\r\n" << 0 << unite;
+                            << false << "AT+CSMP=17,167,0,16\r\r\nERROR\r\n" << 0 << avantLimite;
     QTest::newRow("invite de CMGS") << true << "AT+CMGS=\"0612345678\"" << QList<QByteArray>{"\r\n> "} << ">"
-                                    << true << "AT+CMGS=\"0612345678\"\r\r\n> " << 0 << unite;
+                                    << true << "AT+CMGS=\"0612345678\"\r\r\n> " << 0 << avantLimite;
     // A ">" anywhere ends any wait with success.
     QTest::newRow("chevron ailleurs") << false << "ATI" << QList<QByteArray>{"\r\nModel <E>\r\n"} << "OK"
-                                      << true << "\r\nModel <E>\r\n" << 0 << unite;
+                                      << true << "\r\nModel <E>\r\n" << 0 << avantLimite;
     QTest::newRow("attendu avant erreur") << false << "AT" << QList<QByteArray>{"\r\nERROR OK\r\n"} << "OK"
-                                          << true << "\r\nERROR OK\r\n" << 0 << unite;
+                                          << true << "\r\nERROR OK\r\n" << 0 << avantLimite;
     // Comparison is exact: a lower-case word is no answer.
     QTest::newRow("casse") << false << "AT" << QList<QByteArray>{"\r\nok\r\n"} << "OK" << false << "\r\nok\r\n"
                            << 2 * unite << 2 * unite + 700;
@@ -303,16 +319,38 @@ void TstGsmModem::initialisation()
     QVERIFY(!GsmModem::pointeurOccupe());
 }
 
-void TstGsmModem::initialisationSansReponse()
+void TstGsmModem::initialisationEchecs_data()
 {
+    QTest::addColumn<QString>("commande");
+    QTest::addColumn<Reponse>("reponse");
+    QTest::addColumn<int>("envoyees");
+    QTest::addColumn<QStringList>("boites");
+    const QStringList aucune;
+    QTest::newRow("pas de reponse a AT") << "AT" << ModemSimule::Silence() << 1
+                                         << QStringList{QStringLiteral("Pas de Mobile GSM trouvé")};
+    QTest::newRow("erreur a AT") << "AT" << ModemSimule::Erreur() << 1
+                                 << QStringList{QStringLiteral("Pas de Mobile GSM trouvé")};
+    QTest::newRow("erreur a COPS") << "AT+COPS?" << ModemSimule::Erreur() << 2 << aucune;
+    QTest::newRow("parametres refuses") << "AT+CSMP=17,167,0,16" << ModemSimule::Erreur() << 3 << aucune;
+    QTest::newRow("sans jeu GSM") << "AT+CSCS=?" << ModemSimule::Texte("+CSCS: (\"IRA\",\"UCS2\")") << 4 << aucune;
+    QTest::newRow("jeu GSM refuse") << "AT+CSCS=\"GSM\"" << ModemSimule::Erreur() << 5 << aucune;
+}
+
+void TstGsmModem::initialisationEchecs()
+{
+    QFETCH(QString, commande);
+    QFETCH(Reponse, reponse);
+    QFETCH(int, envoyees);
+    QFETCH(QStringList, boites);
     DEMARRER_MODEM();
-    m_modem->fixerMuet(true);
+    m_modem->script(commande, reponse);
     GsmModem modem(GsmModem::Copie::Envoi);
     QCOMPARE(modem.msComConnect(PortTest), PortTest);
     QVERIFY(!modem.InitMobile());
-    QCOMPARE(m_modem->commandes(), QStringList{QStringLiteral("AT")});
-    QCOMPARE(m_repondeur->textes(), QStringList{QStringLiteral("Pas de Mobile GSM trouvé")});
-    QVERIFY(!GsmModem::pointeurOccupe());
+    // The initialisation stops at the command that failed.
+    QCOMPARE(m_modem->commandes().size(), envoyees);
+    QCOMPARE(m_modem->commandes().constLast(), commande);
+    QCOMPARE(m_repondeur->textes(), boites);
 }
 
 void TstGsmModem::initialisationOperateurTardif()
@@ -345,28 +383,6 @@ void TstGsmModem::initialisationSansOperateur()
     QVERIFY2(chrono.elapsed() >= 7000, qPrintable(QString::number(chrono.elapsed())));
     QCOMPARE(m_modem->nombre(QStringLiteral("AT+COPS?")), 8);
     QCOMPARE(m_modem->commandes().value(9), QStringLiteral("AT+CSMP=17,167,0,16"));
-}
-
-void TstGsmModem::initialisationSansJeuGsm()
-{
-    DEMARRER_MODEM();
-    m_modem->script(QStringLiteral("AT+CSCS=?"), ModemSimule::Texte("+CSCS: (\"IRA\",\"UCS2\")"));
-    GsmModem modem(GsmModem::Copie::Envoi);
-    QCOMPARE(modem.msComConnect(PortTest), PortTest);
-    QVERIFY(!modem.InitMobile());
-    QCOMPARE(m_modem->commandes().constLast(), QStringLiteral("AT+CSCS=?"));
-    QVERIFY(m_repondeur->appels().isEmpty());
-}
-
-void TstGsmModem::initialisationEchecParametres()
-{
-    DEMARRER_MODEM();
-    m_modem->script(QStringLiteral("AT+CSMP=17,167,0,16"), ModemSimule::Erreur());
-    GsmModem modem(GsmModem::Copie::Envoi);
-    QCOMPARE(modem.msComConnect(PortTest), PortTest);
-    QVERIFY(!modem.InitMobile());
-    QCOMPARE(m_modem->commandes().constLast(), QStringLiteral("AT+CSMP=17,167,0,16"));
-    QVERIFY(m_repondeur->appels().isEmpty());
 }
 
 void TstGsmModem::envoiMessageAccentue()
