@@ -300,6 +300,21 @@ bool GsmModem::getMobileInfo(InfosModem &infos)
     return true;
 }
 
+QString EnvoyerSMSSeul(GsmModem &modem, int port, const QString &numero, const QString &texte)
+{
+    if (modem.msComConnect(port) == 0)
+        return QStringLiteral("Port Com %1 inaccessible").arg(port);
+    QString statut;
+    if (!modem.InitMobile())
+        statut = QStringLiteral("Echec d'accès au Mobile GSM");
+    else if (!modem.SendSMS(numero, texte))
+        statut = QStringLiteral("Echec de l'envoi du SMS");
+    else
+        statut = QStringLiteral("Envoi du SMS : OK");
+    modem.msComDisconnect();
+    return statut;
+}
+
 int PortModem()
 {
     const qint64 port = LireEntier(LireAgendaIni(appState().AgendaName, QStringLiteral("COM"), QStringLiteral("0")));

@@ -117,6 +117,13 @@ private:
     QEventLoop *m_attente = nullptr;
 };
 
+// One message on its own (the appointment editor's SMS button): opens the
+// port, initialises the modem, sends, closes. Returns the status text:
+// "Port Com <n> inaccessible", "Echec d'accès au Mobile GSM", "Echec de
+// l'envoi du SMS" or "Envoi du SMS : OK". The text is sent as given: the
+// caller builds, folds and cuts it.
+[[nodiscard]] QString EnvoyerSMSSeul(GsmModem &modem, int port, const QString &numero, const QString &texte);
+
 // The modem's port number: key COM of the agenda's section of Agenda.ini,
 // "0" by default, read by the leading-number rule. 0 means no modem.
 [[nodiscard]] int PortModem();

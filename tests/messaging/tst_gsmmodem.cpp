@@ -59,6 +59,8 @@ private slots:
     void corpsSansReponseSelonLaCopie_data();
     void corpsSansReponseSelonLaCopie();
 
+    void smsSeul_data();
+    void smsSeul();
     void diagnostic();
     void diagnosticSansModem();
 
@@ -470,6 +472,38 @@ void TstGsmModem::corpsSansReponseSelonLaCopie()
     const qint64 unite = UniteTest.count();
     QVERIFY2(ecoule >= unites * unite && ecoule < (unites + 1) * unite, qPrintable(QString::number(ecoule)));
     QCOMPARE(m_modem->corps().size(), 1);
+}
+
+void TstGsmModem::smsSeul_data()
+{
+    QTest::addColumn<int>("port");
+    QTest::addColumn<QString>("commande");
+    QTest::addColumn<Reponse>("reponse");
+    QTest::addColumn<QString>("statut");
+    QTest::newRow("envoye") << PortTest << QString() << Reponse{} << QStringLiteral("Envoi du SMS : OK");
+    QTest::newRow("port absent") << 11 << QString() << Reponse{} << QStringLiteral("Port Com 11 inaccessible");
+    QTest::newRow("modem muet") << PortTest << QStringLiteral("AT") << ModemSimule::Silence()
+                                << QStringLiteral("Echec d'accès au Mobile GSM");
+    QTest::newRow("numero refuse") << PortTest << QStringLiteral("AT+CMGS=\"0611223344\"") << ModemSimule::Erreur()
+                                   << QStringLiteral("Echec de l'envoi du SMS");
+}
+
+void TstGsmModem::smsSeul()
+{
+    QFETCH(int, port);
+    QFETCH(QString, commande);
+    QFETCH(Reponse, reponse);
+    QFETCH(QString, statut);
+    DEMARRER_MODEM();
+    qputenv("TAVONEL_MODEM_DEVICE_11", QFile::encodeName(m_dossier->chemin() + QStringLiteral("absent")));
+    if (!commande.isEmpty())
+        m_modem->script(commande, reponse);
+    GsmModem modem(GsmModem::Copie::Envoi);
+    QCOMPARE(EnvoyerSMSSeul(modem, port, QStringLiteral("0611223344"), QStringLiteral("Rappel")), statut);
+    // The port is open for the one message only.
+    QVERIFY(!modem.estConnecte());
+    if (statut.endsWith(QLatin1String("OK")))
+        QCOMPARE(m_modem->corps(), QList<QByteArray>{QByteArray("Rappel")});
 }
 
 void TstGsmModem::diagnostic()
