@@ -3,7 +3,6 @@
 #include "messaging/serialline.h"
 
 #include <QObject>
-#include <QPointer>
 #include <QString>
 #include <QTimer>
 
