@@ -1,6 +1,7 @@
 #include "app/commandesadmin.h"
 
 #include "cipher/encryptx.h"
+#include "messaging/diagnosticmodem.h"
 #include "messaging/mailreminder.h"
 #include "shell/dossiers.h"
 #include "shell/horloge.h"
@@ -13,6 +14,7 @@ void usage(QTextStream &err)
     err << "Usage : tavonel-admin COMMANDE [ARGUMENTS]\n"
            "  launch-arg N [TEXTE]   argument de lancement qui ouvre l'agenda N\n"
            "  decipher HEX           texte en clair d'un argument de lancement\n"
+           "  modem-check PORT       interroge le modem GSM du port PORT (numéro COM)\n"
            "  test-mail --smtp SERVEUR[:PORT] --from ADRESSE --to ADRESSE\n"
            "                         envoie un rappel d'exemple par ce serveur\n";
 }
@@ -95,6 +97,15 @@ int ExecuterCommandeAdmin(const QStringList &arguments, QTextStream &out, QTextS
     }
     if (commande == QLatin1String("test-mail"))
         return CommandeTestMail(arguments.mid(1), out, err);
+    if (commande == QLatin1String("modem-check")) {
+        bool ok = false;
+        const int port = arguments.value(1).toInt(&ok);
+        if (arguments.size() != 2 || !ok || port < 1) {
+            err << "modem-check : numéro de port attendu (1, 2, ...).\n";
+            return 2;
+        }
+        return VerifierModem(port, out, err);
+    }
     usage(err);
     return commande.isEmpty() || commande == QLatin1String("--help") ? 0 : 2;
 }
