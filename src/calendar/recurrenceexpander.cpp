@@ -342,7 +342,7 @@ void SetOccurrenceCacheEnabled(bool enabled)
 
 namespace {
 
-// Times of the series compared as wall-clock times, whatever their spec.
+// Times of the series compared as wall-clock times, local or UTC alike.
 QDateTime naif(const QDateTime &t)
 {
     return QDateTime(t.date(), t.time(), Qt::UTC);
