@@ -1,6 +1,11 @@
 #include "app/commandesadmin.h"
 
 #include "cipher/encryptx.h"
+#include "messaging/diagnosticmodem.h"
+#include "messaging/mailreminder.h"
+#include "shell/dossiers.h"
+#include "shell/horloge.h"
+#include "shell/support.h"
 
 namespace {
 
@@ -8,7 +13,60 @@ void usage(QTextStream &err)
 {
     err << "Usage : tavonel-admin COMMANDE [ARGUMENTS]\n"
            "  launch-arg N [TEXTE]   argument de lancement qui ouvre l'agenda N\n"
-           "  decipher HEX           texte en clair d'un argument de lancement\n";
+           "  decipher HEX           texte en clair d'un argument de lancement\n"
+           "  modem-check PORT       interroge le modem GSM du port PORT (numéro COM)\n"
+           "  test-mail --smtp SERVEUR[:PORT] --from ADRESSE --to ADRESSE\n"
+           "                         envoie un rappel d'exemple par ce serveur\n";
+}
+
+// Sends the sample reminder of the configuration dialog, so that an
+// installer can check the mail server without opening the program.
+int CommandeTestMail(const QStringList &arguments, QTextStream &out, QTextStream &err)
+{
+    QString serveur;
+    QString expediteur;
+    QString destinataire;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const QString &option = arguments.at(i);
+        const QString valeur = arguments.value(i + 1);
+        if (option == QLatin1String("--smtp"))
+            serveur = valeur;
+        else if (option == QLatin1String("--from"))
+            expediteur = valeur;
+        else if (option == QLatin1String("--to"))
+            destinataire = valeur;
+        else {
+            err << "test-mail : option inconnue " << option << ".\n";
+            return 2;
+        }
+        ++i;
+    }
+    if (serveur.trimmed().isEmpty() || expediteur.trimmed().isEmpty() || destinataire.trimmed().isEmpty()) {
+        err << "test-mail : --smtp, --from et --to sont attendus.\n";
+        return 2;
+    }
+    if (!destinataire.contains(u'@')) {
+        err << "test-mail : l'adresse du destinataire doit contenir \"@\".\n";
+        return 2;
+    }
+
+    const QString erreur = SendMailReminder(expediteur, destinataire, serveur, QString::fromUtf16(kSujetMailDefaut),
+                                            QString::fromUtf16(kPremierTexteMailDefaut), DernierTexteMailDefaut(),
+                                            DateExempleMail(Horloge::aujourdhui()),
+                                            QString::fromUtf16(kPraticienExemple));
+    if (!erreur.isEmpty()) {
+        err << "L'envoi ne s'est pas correctement déroulé. Veuillez vérifier vos paramètres.\n" << erreur << '\n';
+        return 1;
+    }
+    // Without its working file the reminder is silently not sent; the
+    // program says nothing then, but an installer must know.
+    if (!FichierExiste(DossierProgramme() + QStringLiteral("Html.htm"))) {
+        err << "Aucun mail n'a été envoyé : le fichier de travail Html.htm ne peut pas être écrit dans "
+            << DossierProgramme() << ".\n";
+        return 1;
+    }
+    out << "L'envoi s'est correctement déroulé. Veuillez consulter votre boite mail pour vérification.\n";
+    return 0;
 }
 
 } // namespace
@@ -36,6 +94,17 @@ int ExecuterCommandeAdmin(const QStringList &arguments, QTextStream &out, QTextS
         }
         out << DecoderArgument(arguments.at(1)) << '\n';
         return 0;
+    }
+    if (commande == QLatin1String("test-mail"))
+        return CommandeTestMail(arguments.mid(1), out, err);
+    if (commande == QLatin1String("modem-check")) {
+        bool ok = false;
+        const int port = arguments.value(1).toInt(&ok);
+        if (arguments.size() != 2 || !ok || port < 1) {
+            err << "modem-check : numéro de port attendu (1, 2, ...).\n";
+            return 2;
+        }
+        return VerifierModem(port, out, err);
     }
     usage(err);
     return commande.isEmpty() || commande == QLatin1String("--help") ? 0 : 2;

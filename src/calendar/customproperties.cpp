@@ -179,16 +179,16 @@ QString CustomProperties::SaveToString() const
         if (estTransfert(e.first))
             continue;
         xml.writeStartElement(element);
-        const bool nomBrut = passeEnXml(e.first);
-        xml.writeAttribute(attrNom, nomBrut ? e.first : versBase64(e.first));
+        const QString valeur = texteDeValeur(e.second);
+        // Name and value are coded together, so one attribute says it for both.
+        const bool brut = passeEnXml(e.first) && passeEnXml(valeur);
+        xml.writeAttribute(attrNom, brut ? e.first : versBase64(e.first));
         const QString type = nomDeType(e.second);
         if (!type.isEmpty())
             xml.writeAttribute(attrType, type);
-        const QString valeur = texteDeValeur(e.second);
-        const bool valeurBrute = passeEnXml(valeur);
-        if (!nomBrut || !valeurBrute)
+        if (!brut)
             xml.writeAttribute(attrCodage, base64);
-        xml.writeCharacters(nomBrut && valeurBrute ? valeur : versBase64(valeur));
+        xml.writeCharacters(brut ? valeur : versBase64(valeur));
         xml.writeEndElement();
     }
     xml.writeEndElement();

@@ -2,9 +2,12 @@
 
 #include <libical/ical.h>
 
+#include <QHash>
+#include <QSharedPointer>
 #include <QStringList>
 
 #include <algorithm>
+#include <memory>
 
 // Written against libical 3: its iterator takes the rule by value; later
 // versions take a pointer. This file is the only place that calls it.
@@ -12,8 +15,8 @@ static_assert(ICAL_MAJOR_VERSION == 3, "the recurrence iterator wrapper is writt
 
 namespace {
 
-// Upper bound of iterator steps for one question, far beyond any real series
-// (a daily series over five centuries); guards against a rule that never ends.
+// Upper bound of the steps of one iterator, far beyond any real series (a
+// daily series over five centuries); guards against a rule that never ends.
 constexpr int pasMaximum = 200000;
 
 QString joursDuMasque(int masque)
@@ -145,8 +148,6 @@ public:
     IterateurIcal(const IterateurIcal &) = delete;
     IterateurIcal &operator=(const IterateurIcal &) = delete;
 
-    [[nodiscard]] bool valide() const { return m_it != nullptr; }
-
     // Jumps ahead to the first occurrence on or after the day. The rule never
     // carries COUNT (we count ourselves), which libical requires for this.
     bool allerA(QDate jour) { return m_it && icalrecur_iterator_set_start(m_it, versIcal(jour)) != 0; }
@@ -166,58 +167,202 @@ private:
     int m_pas = 0;
 };
 
+// Days of a series, kept. Asking libical costs a calendar set-up for every
+// iterator and, for the sparse rules (yearly, nth day), up to a millisecond a
+// step (it computes through ICU); and the calendar asks again for the same days
+// every ten seconds. So each series keeps the days worked out so far over one
+// unbroken span, and the iterator that continues it: a later question inside
+// the span is a look-up, one beyond it goes on from where the iterator stands,
+// and one before it works out only the missing part. The days depend on the
+// rule text and the first day only; the end of the series is applied apart.
+// One cache per thread: the calendar layer runs on the one window thread, and
+// nothing is shared should another thread ask.
+struct JoursDUneSerie
+{
+    QString texte;
+    QDate premier;
+    QList<QDate> jours;  // every day of the series from `de` to `a`, in order
+    QDate de;            // invalid while nothing is known
+    QDate a;             // last day handed by the iterator (or de - 1)
+    bool fini = false;   // the iterator has no more days
+    std::unique_ptr<IterateurIcal> suite; // continues after `a`
+};
+
+class CacheDesJours final
+{
+public:
+    QSharedPointer<JoursDUneSerie> serie(const QString &texte, QDate premier)
+    {
+        const QString cle = texte + u'@' + QString::number(premier.toJulianDay());
+        QSharedPointer<JoursDUneSerie> &s = m_series[cle];
+        if (!s) {
+            s = QSharedPointer<JoursDUneSerie>::create();
+            s->texte = texte;
+            s->premier = premier;
+        }
+        return s;
+    }
+
+    // Makes sure the span of the series holds `debut`; answers the index of
+    // the first known day on or after it (possibly the end of the list).
+    qsizetype couvrir(JoursDUneSerie &s, QDate debut)
+    {
+        debut = std::max(debut, s.premier);
+        if (!s.de.isValid()) {
+            s.suite = std::make_unique<IterateurIcal>(s.texte, s.premier);
+            if (debut > s.premier)
+                s.suite->allerA(debut);
+            s.de = debut;
+            s.a = debut.addDays(-1);
+        } else if (debut < s.de) {
+            IterateurIcal it(s.texte, s.premier);
+            if (debut > s.premier)
+                it.allerA(debut);
+            QList<QDate> avant;
+            for (QDate jour = it.suivant(); jour.isValid() && jour < s.de; jour = it.suivant())
+                avant.append(jour);
+            compter(avant.size());
+            s.jours = avant + s.jours;
+            s.de = debut;
+        }
+        return std::lower_bound(s.jours.cbegin(), s.jours.cend(), debut) - s.jours.cbegin();
+    }
+
+    // One more day at the end of the span; false when the series has no more.
+    bool avancer(JoursDUneSerie &s)
+    {
+        if (s.fini || !s.suite)
+            return false;
+        const QDate jour = s.suite->suivant();
+        if (!jour.isValid()) {
+            s.fini = true;
+            return false;
+        }
+        s.jours.append(jour);
+        s.a = jour;
+        compter(1);
+        return true;
+    }
+
+    bool actif = true;
+
+private:
+    // A bound on memory: past it, everything is forgotten and worked out
+    // again (a series being walked keeps its own part alive meanwhile).
+    void compter(qsizetype ajout)
+    {
+        m_taille += ajout;
+        if (m_taille > 500000) {
+            m_series.clear();
+            m_taille = 0;
+        }
+    }
+
+    QHash<QString, QSharedPointer<JoursDUneSerie>> m_series;
+    qsizetype m_taille = 0;
+};
+
+CacheDesJours &cache()
+{
+    thread_local CacheDesJours instance;
+    return instance;
+}
+
+// Days later than this are not looked for, whatever the series says.
+constexpr int anneeLimite = 2999;
+
 // Calls visite(day) for every day of the series from `depuis` on, in order,
 // until it answers false or the series ends. The end of the series is ours:
 // the last day for EndByDate, the count for EndAfterOccurrences (counted from
-// the first day of the series, so that case always starts there).
+// the first day of the series).
 template<typename Visite>
 void parcourir(const CalendarRecurrencePattern &p, QDate depuis, Visite visite)
 {
     const QDate premier = p.StartDate();
     if (!premier.isValid())
         return;
+    const QString texte = regle(p);
+    if (texte.isEmpty())
+        return;
     const int methode = p.EndMethod();
     const int total = p.EndAfterOccurrences();
+    const bool compte = methode == CalendarRecurrencePattern::EndAfterOccurrencesCount;
     QDate dernier;
     if (methode == CalendarRecurrencePattern::EndByDate) {
         dernier = p.EndDate();
         if (!dernier.isValid() || dernier < premier)
             return;
-    } else if (methode == CalendarRecurrencePattern::EndAfterOccurrencesCount) {
-        if (total <= 0)
-            return;
-    }
-
-    IterateurIcal it(regle(p), premier);
-    if (!it.valide())
+    } else if (compte && total <= 0) {
         return;
-    const bool compte = methode == CalendarRecurrencePattern::EndAfterOccurrencesCount;
-    if (!compte && depuis.isValid() && depuis > premier)
-        it.allerA(depuis);
+    }
+    const QDate debut = depuis.isValid() && depuis > premier ? depuis : premier;
 
-    int n = 0;
-    for (QDate jour = it.suivant(); jour.isValid(); jour = it.suivant()) {
-        if (dernier.isValid() && jour > dernier)
-            return;
-        ++n;
-        if (!depuis.isValid() || jour >= depuis) {
-            if (!visite(jour))
+    if (!cache().actif) {
+        // Straight walk from the first day: the reference the kept days are
+        // checked against.
+        IterateurIcal it(texte, premier);
+        int n = 0;
+        for (QDate jour = it.suivant(); jour.isValid(); jour = it.suivant()) {
+            if (dernier.isValid() && jour > dernier)
+                return;
+            ++n;
+            if (jour >= debut && !visite(jour))
+                return;
+            if (compte && n >= total)
                 return;
         }
-        if (compte && n >= total)
+        return;
+    }
+
+    // A counted series is known from its first day, so that a day's place in
+    // the list is its number in the series.
+    const QSharedPointer<JoursDUneSerie> s = cache().serie(texte, premier);
+    qsizetype i = cache().couvrir(*s, compte ? premier : debut);
+    for (;; ++i) {
+        while (i >= s->jours.size()) {
+            if (!cache().avancer(*s))
+                return;
+        }
+        const QDate jour = s->jours.at(i);
+        if (jour.year() > anneeLimite || (dernier.isValid() && jour > dernier))
+            return;
+        if (jour >= debut && !visite(jour))
+            return;
+        if (compte && i + 1 >= total)
             return;
     }
 }
 
-// Times of the series compared as wall-clock times, whatever their spec.
+} // namespace
+
+void SetOccurrenceCacheEnabled(bool enabled)
+{
+    cache().actif = enabled;
+}
+
+namespace {
+
+// Times of the series compared as wall-clock times, local or UTC alike.
 QDateTime naif(const QDateTime &t)
 {
     return QDateTime(t.date(), t.time(), Qt::UTC);
 }
 
+// The local time of a day and hour. An hour that the clocks skip when summer
+// time begins (02:30 on the last Sunday of March in Paris) does not exist; the
+// appointment is where the clock then stands, one gap later (03:30).
+QDateTime heureLocale(QDate jour, QTime heure)
+{
+    QDateTime t(jour, heure);
+    if (t.isValid())
+        return t;
+    const int decalageAvant = QDateTime(jour.addDays(-1), QTime(12, 0)).offsetFromUtc();
+    return QDateTime(jour, heure, Qt::UTC).addSecs(-decalageAvant).toLocalTime();
+}
+
 QDateTime local(const QDateTime &naive)
 {
-    return QDateTime(naive.date(), naive.time());
+    return heureLocale(naive.date(), naive.time());
 }
 
 QDateTime finOccurrence(const QDateTime &debut, int minutes)
@@ -252,7 +397,7 @@ QList<QDateTime> OccurrenceStarts(const CalendarRecurrencePatternPtr &pattern, Q
     parcourir(*pattern, firstDay, [&](QDate jour) {
         if (jour > lastDay)
             return false;
-        debuts.append(QDateTime(jour, heure));
+        debuts.append(heureLocale(jour, heure));
         return true;
     });
     return debuts;
@@ -301,7 +446,7 @@ std::optional<QDateTime> NextOccurrenceStart(const CalendarRecurrencePatternPtr 
     const QDateTime seuil = naif(from);
     std::optional<QDateTime> trouve;
     parcourir(*pattern, from.date(), [&](QDate jour) {
-        const QDateTime debut(jour, heure);
+        const QDateTime debut = heureLocale(jour, heure);
         if (naif(debut) < seuil)
             return true;
         trouve = debut;
@@ -328,8 +473,8 @@ SeriesSpan SeriesSpanOf(const CalendarRecurrencePatternPtr &pattern)
     });
     if (!premier.isValid())
         return etendue;
-    etendue.firstStart = QDateTime(premier, heure);
+    etendue.firstStart = heureLocale(premier, heure);
     if (!sansFin)
-        etendue.lastEnd = finOccurrence(QDateTime(dernier, heure), pattern->DurationMinutes());
+        etendue.lastEnd = finOccurrence(heureLocale(dernier, heure), pattern->DurationMinutes());
     return etendue;
 }

@@ -48,6 +48,11 @@ SeriesSpan SeriesSpanOf(const CalendarRecurrencePatternPtr &pattern);
 // the reminder engine.
 QList<QDateTime> OccurrenceStarts(const CalendarRecurrencePatternPtr &pattern, QDate firstDay, QDate lastDay);
 
+// The days of a series are kept once worked out, so that the views asking
+// again every ten seconds cost next to nothing. Switched off, every
+// question walks the series from its first day (for checks and diagnostics).
+void SetOccurrenceCacheEnabled(bool enabled);
+
 // The rule in the text form of recurrence rules (RRULE), as handed to the
 // iterator; for diagnostics and tests.
 QString RecurrenceRuleText(const CalendarRecurrencePattern &pattern);
