@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QScopeGuard>
 #include <QSqlRecord>
 
 namespace {
@@ -260,6 +261,8 @@ void SqliteCalendarStore::DoRetrieveRangeEvents(const QDate &first, const QDate 
         q.bindValue(i++, v);
     if (execBound(q))
         readEvents(q, events);
+    // A statement left open keeps the file locked for the other workstations.
+    q.finish();
 }
 
 CalendarEventPtr SqliteCalendarStore::DoReadEvent(int eventId)
@@ -284,6 +287,11 @@ CalendarRecurrencePatternPtr SqliteCalendarStore::DoReadRPattern(int patternId)
     q.bindValue(0, patternId);
     if (!execBound(q))
         return {};
+    auto fermer = qScopeGuard([&] {
+        q.finish();
+        if (m_exceptions)
+            m_exceptions->finish();
+    });
     QueryCursor rs(&q);
 
     // The exceptions question of the record mapping, asked through the
