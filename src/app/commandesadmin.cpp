@@ -1,5 +1,6 @@
 #include "app/commandesadmin.h"
 
+#include "calendar/controlestore.h"
 #include "cipher/encryptx.h"
 #include "messaging/diagnosticmodem.h"
 #include "messaging/mailreminder.h"
@@ -16,7 +17,8 @@ void usage(QTextStream &err)
            "  decipher HEX           texte en clair d'un argument de lancement\n"
            "  modem-check PORT       interroge le modem GSM du port PORT (numéro COM)\n"
            "  test-mail --smtp SERVEUR[:PORT] --from ADRESSE --to ADRESSE\n"
-           "                         envoie un rappel d'exemple par ce serveur\n";
+           "                         envoie un rappel d'exemple par ce serveur\n"
+           "  store-check DOSSIER    compte les rendez-vous de DOSSIER/Events.mdb et vérifie les séries\n";
 }
 
 // Sends the sample reminder of the configuration dialog, so that an
@@ -105,6 +107,24 @@ int ExecuterCommandeAdmin(const QStringList &arguments, QTextStream &out, QTextS
             return 2;
         }
         return VerifierModem(port, out, err);
+    }
+    if (commande == QLatin1String("store-check")) {
+        if (arguments.size() != 2) {
+            err << "store-check : le dossier de Events.mdb est attendu.\n";
+            return 2;
+        }
+        const ControleStore c = ControlerStore(arguments.at(1));
+        if (!c.ouvert) {
+            err << c.erreur << '\n';
+            return 2;
+        }
+        out << "Rendez-vous : " << c.evenements << " (simples " << c.simples << ", maîtres de série " << c.maitres
+            << ", exceptions " << c.exceptions << " dont " << c.supprimees << " suppressions)\n"
+            << "Séries : " << c.series << '\n';
+        for (const QString &p : c.problemes)
+            out << "Problème : " << p << '\n';
+        out << (c.sain() ? "Base cohérente.\n" : "Base incohérente.\n");
+        return c.sain() ? 0 : 1;
     }
     usage(err);
     return commande.isEmpty() || commande == QLatin1String("--help") ? 0 : 2;

@@ -1,4 +1,5 @@
 #include "calendar/calendardataprovider.h"
+#include "calendar/controlestore.h"
 #include "calendar/openprovider.h"
 #include "calendar/sqlitecalendarstore.h"
 #include "shell/basesqlite.h"
@@ -496,6 +497,67 @@ private Q_SLOTS:
         QCOMPARE(repondeur.textes(), QStringList{message});
         // The book in place stays attached.
         QCOMPARE(p->RetrieveDayEvents(QDate(2026, 3, 9)).size(), 1);
+    }
+
+    void controleDesInvariants_data()
+    {
+        QTest::addColumn<QString>("alteration");
+        QTest::addColumn<QStringList>("problemes");
+        QTest::newRow("saine") << QString() << QStringList{};
+        QTest::newRow("série perdue") << "DELETE FROM CalendarRecurrencePatterns"
+                                      << QStringList{"la série du rendez-vous maître 2 est introuvable",
+                                                     "l'exception 3 désigne une série introuvable"};
+        QTest::newRow("maître perdu") << "DELETE FROM CalendarEvents WHERE RecurrenceState = 1"
+                                      << QStringList{"la série 1 n'a pas de rendez-vous maître qui la désigne"};
+        QTest::newRow("occurrence enregistrée")
+            << "UPDATE CalendarEvents SET RecurrenceState = 2 WHERE EventID = 1"
+            << QStringList{"le rendez-vous 1 a un état de récurrence inconnu (une occurrence n'est jamais enregistrée)"};
+        QTest::newRow("simple rattaché") << "UPDATE CalendarEvents SET RecurrencePatternID = 1 WHERE EventID = 1"
+                                         << QStringList{"le rendez-vous simple 1 désigne une série"};
+        QTest::newRow("série d'un autre") << "UPDATE CalendarRecurrencePatterns SET MasterEventID = 1"
+                                          << QStringList{"la série du rendez-vous maître 2 désigne un autre maître",
+                                                         "la série 1 n'a pas de rendez-vous maître qui la désigne"};
+        QTest::newRow("fin avant début") << "UPDATE CalendarEvents SET EndDateTime = '2000-01-01 00:00:00' WHERE EventID = 1"
+                                         << QStringList{"le rendez-vous 1 finit avant de commencer"};
+    }
+    void controleDesInvariants()
+    {
+        QFETCH(QString, alteration);
+        QFETCH(QStringList, problemes);
+        const QString d = nouveauDossier();
+        {
+            auto p = ouvrir(d);
+            QVERIFY(p->AddEvent(rendezVous(*p, QDateTime(QDate(2026, 3, 9), QTime(9, 0)), 15, QStringLiteral("simple"))));
+            CalendarEventPtr maitre = rendezVous(*p, QDateTime(QDate(2026, 3, 2), QTime(8, 0)), 30, QStringLiteral("série"));
+            maitre->CreateRecurrence();
+            QVERIFY(p->AddEvent(maitre));
+            QVERIFY(p->DeleteEvent(p->RetrieveDayEvents(QDate(2026, 3, 3)).first()));
+        }
+        if (!alteration.isEmpty()) {
+            const auto base = BaseSqlite::ouvrir(d + QStringLiteral("/Events.mdb"), BaseSqlite::Mode::Existante);
+            QVERIFY(base && base->executer(alteration));
+        }
+        const ControleStore c = ControlerStore(d);
+        QVERIFY2(c.ouvert, qPrintable(c.erreur));
+        QCOMPARE(c.problemes, problemes);
+        QCOMPARE(c.sain(), problemes.isEmpty());
+        if (alteration.isEmpty()) {
+            QCOMPARE(c.evenements, 3);
+            QCOMPARE(c.simples, 1);
+            QCOMPARE(c.maitres, 1);
+            QCOMPARE(c.exceptions, 1);
+            QCOMPARE(c.supprimees, 1);
+            QCOMPARE(c.series, 1);
+        }
+    }
+
+    void controleSansFichier()
+    {
+        const QString d = nouveauDossier();
+        const ControleStore c = ControlerStore(d);
+        QVERIFY(!c.ouvert);
+        QVERIFY(c.erreur.contains(QStringLiteral("introuvable")));
+        QVERIFY(!QFile::exists(d + QStringLiteral("/Events.mdb")));
     }
 
     void cheminInexistantCreeUneBase()
