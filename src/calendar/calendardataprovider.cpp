@@ -9,6 +9,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <limits>
 
 CalendarDataProvider::CalendarDataProvider(QObject *parent)
     : QObject(parent)
@@ -181,9 +182,19 @@ QList<CalendarEventPtr> CalendarDataProvider::RetrieveEvents(const QDate &first,
         else if (e->RecurrenceState() == CalendarEvent::NotRecurring)
             resultat.append(e);
     }
-    std::stable_sort(resultat.begin(), resultat.end(), [](const CalendarEventPtr &a, const CalendarEventPtr &b) {
-        return a->StartDateTime() < b->StartDateTime();
-    });
+    // Ordered by wall-clock start; the keys are worked out once, as comparing
+    // local date-times converts both through the time zone every time.
+    QList<QPair<qint64, CalendarEventPtr>> cles;
+    cles.reserve(resultat.size());
+    for (const CalendarEventPtr &e : std::as_const(resultat)) {
+        const QDateTime d = e->StartDateTime();
+        cles.append({d.isValid() ? d.date().toJulianDay() * 86400000 + d.time().msecsSinceStartOfDay()
+                                 : std::numeric_limits<qint64>::min(),
+                     e});
+    }
+    std::stable_sort(cles.begin(), cles.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
+    for (qsizetype i = 0; i < cles.size(); ++i)
+        resultat[i] = cles.at(i).second;
     return resultat;
 }
 
