@@ -499,6 +499,44 @@ private Q_SLOTS:
         QCOMPARE(p->RetrieveDayEvents(QDate(2026, 3, 9)).size(), 1);
     }
 
+    void ligneIllisibleIgnoree()
+    {
+        const QString d = nouveauDossier();
+        auto p = ouvrir(d);
+        QVERIFY(p->AddEvent(rendezVous(*p, QDateTime(QDate(2026, 3, 9), QTime(9, 0)), 15, QStringLiteral("lisible"))));
+        {
+            // A row written by another program, with a word where a number goes.
+            const auto base = BaseSqlite::ouvrir(d + QStringLiteral("/Events.mdb"), BaseSqlite::Mode::Existante);
+            QVERIFY(base->executer(QStringLiteral(
+                "INSERT INTO CalendarEvents (Subject, LabelID, StartDateTime, EndDateTime) "
+                "VALUES ('illisible', 'bleu', '2026-03-09 10:00:00', '2026-03-09 10:15:00')")));
+        }
+        QStringList sujets;
+        for (const CalendarEventPtr &e : p->RetrieveDayEvents(QDate(2026, 3, 9)))
+            sujets << e->Subject();
+        QCOMPARE(sujets, QStringList{QStringLiteral("lisible")});
+    }
+
+    void xmlIllisibleMisDeCote()
+    {
+        const QString d = nouveauDossier();
+        const QString fichier = d + QStringLiteral("/events.xml");
+        {
+            QFile f(fichier);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.write("<pas un calendrier");
+        }
+        CalendarDataProvider p;
+        QVERIFY(OpenProvider(p, CalendarDataProvider::Memory, QStringLiteral("Provider=XML;Data Source='") + fichier + QStringLiteral("';")));
+        QVERIFY(p.AddEvent(rendezVous(p, QDateTime(QDate(2026, 3, 9), QTime(9, 0)), 15, QStringLiteral("neuf"))));
+        p.Close();
+        const QStringList fichiers = QDir(d).entryList({QStringLiteral("events.xml*")}, QDir::Files);
+        QCOMPARE(fichiers.size(), 2);
+        CalendarDataProvider relu;
+        QVERIFY(OpenProvider(relu, CalendarDataProvider::Memory, QStringLiteral("Provider=XML;Data Source='") + fichier + QStringLiteral("';")));
+        QCOMPARE(relu.RetrieveDayEvents(QDate(2026, 3, 9)).size(), 1);
+    }
+
     void controleDesInvariants_data()
     {
         QTest::addColumn<QString>("alteration");
