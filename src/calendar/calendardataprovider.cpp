@@ -216,13 +216,18 @@ CalendarRecurrencePatternPtr CalendarDataProvider::GetRecurrencePattern(int patt
     return master && master->RecurrencePattern() ? master->RecurrencePattern() : p;
 }
 
-QList<CalendarEventPtr> CalendarDataProvider::GetUpcomingEvents(const QDateTime &start, int minutes, const QDateTime &since)
+QList<CalendarEventPtr> CalendarDataProvider::GetUpcomingEvents(const QDateTime &start, int minutes, const QDateTime &since,
+                                                                bool *ok)
 {
     QList<CalendarEventPtr> resultat;
+    if (ok)
+        *ok = IsOpen();
     if (!IsOpen())
         return resultat;
     QList<CalendarEventPtr> rows;
     m_store->DoGetUpcomingEvents(start, minutes, rows, since);
+    if (ok)
+        *ok = !m_store->LastReadFailed();
     const QHash<int, CalendarRecurrencePatternPtr> series = patternsOf(rows);
     for (const CalendarEventPtr &row : std::as_const(rows)) {
         if (const CalendarEventPtr e = takeOver(row, &series))

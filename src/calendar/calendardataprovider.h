@@ -84,7 +84,9 @@ public:
     [[nodiscard]] CalendarRecurrencePatternPtr GetRecurrencePattern(int patternId);
     // The rows under reminder whose moment falls before start + minutes
     // (masters with their pattern attached); see CalendarStore.
-    [[nodiscard]] QList<CalendarEventPtr> GetUpcomingEvents(const QDateTime &start, int minutes, const QDateTime &since = {});
+    // *ok (when given) is false when the store could not be asked.
+    [[nodiscard]] QList<CalendarEventPtr> GetUpcomingEvents(const QDateTime &start, int minutes, const QDateTime &since = {},
+                                                            bool *ok = nullptr);
 
     // Labels (colour and appointment type) and schedules of the book.
     [[nodiscard]] const CalendarLabelList &LabelList() const { return m_labels; }

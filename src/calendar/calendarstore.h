@@ -66,6 +66,10 @@ public:
     virtual bool CommitChange() { return true; }
     virtual void RollbackChange() {}
 
+    // Whether the last read could not be run at all (a file held too long by
+    // another workstation): an empty answer then means "unknown", not "none".
+    [[nodiscard]] virtual bool LastReadFailed() const { return false; }
+
     [[nodiscard]] const SQLDataHelper &helper() const { return m_helper; }
 
 protected:

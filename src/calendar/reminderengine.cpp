@@ -72,17 +72,20 @@ void ReminderEngine::setEnabled(bool enabled)
     }
 }
 
-QList<Reminder> ReminderEngine::dueReminders(const QDateTime &now)
+std::optional<QList<Reminder>> ReminderEngine::dueReminders(const QDateTime &now)
 {
     QList<Reminder> dus;
     if (!m_provider || !m_provider->IsOpen())
-        return dus;
+        return std::nullopt;
     const QDateTime depuis = now.addDays(-m_lookBackDays);
     auto retenir = [&](const std::optional<Reminder> &r) {
         if (r && r->NextReminderTime <= now && r->StartTime.addSecs(-qint64(r->MinutesBeforeStart) * 60) >= depuis)
             dus.append(*r);
     };
-    const QList<CalendarEventPtr> lignes = m_provider->GetUpcomingEvents(now, 0, depuis);
+    bool lu = false;
+    const QList<CalendarEventPtr> lignes = m_provider->GetUpcomingEvents(now, 0, depuis, &lu);
+    if (!lu)
+        return std::nullopt;
     for (const CalendarEventPtr &e : lignes) {
         if (e->RecurrenceState() == CalendarEvent::NotRecurring) {
             retenir(rappelDe(e, e->EventID(), {}));
@@ -113,7 +116,12 @@ void ReminderEngine::Poll()
 {
     if (!m_enabled)
         return;
-    const QList<Reminder> dus = dueReminders(Horloge::maintenant());
+    // A store that could not be asked (held too long by another
+    // workstation) leaves the list as it is until the next poll.
+    const std::optional<QList<Reminder>> lus = dueReminders(Horloge::maintenant());
+    if (!lus)
+        return;
+    const QList<Reminder> &dus = *lus;
 
     QList<Reminder> partis;
     for (const Reminder &r : std::as_const(m_active)) {

@@ -8,6 +8,8 @@
 #include <QObject>
 #include <QTimer>
 
+#include <optional>
+
 class CalendarDataProvider;
 
 // One due reminder: the appointment (for a series, the occurrence or its
@@ -81,7 +83,8 @@ signals:
     void reminderAction(int action, const Reminder &reminder);
 
 private:
-    [[nodiscard]] QList<Reminder> dueReminders(const QDateTime &now);
+    // Nothing when the store could not be asked.
+    [[nodiscard]] std::optional<QList<Reminder>> dueReminders(const QDateTime &now);
     bool writeDismissal(const Reminder &r);
 
     CalendarDataProvider *m_provider;

@@ -255,12 +255,15 @@ void SqliteCalendarStore::DoRetrieveRangeEvents(const QDate &first, const QDate 
     const QString debut = RecordValue::isoText(QDateTime(first, QTime(0, 0)));
     const QString fin = RecordValue::isoText(QDateTime(last.addDays(1), QTime(0, 0)));
     const QString avant = RecordValue::isoText(QDateTime(first.addDays(-1), QTime(0, 0)));
+    m_readFailed = true;
     QSqlQuery &q = prepared(m_range, rangeStatement());
     int i = 0;
     for (const QString &v : {avant, fin, debut, debut, fin})
         q.bindValue(i++, v);
-    if (execBound(q))
+    if (execBound(q)) {
+        m_readFailed = false;
         readEvents(q, events);
+    }
     // A statement left open keeps the file locked for the other workstations.
     q.finish();
 }
@@ -501,6 +504,7 @@ void SqliteCalendarStore::DoGetUpcomingEvents(const QDateTime &start, int minute
 {
     if (!m_base)
         return;
+    m_readFailed = true;
     const QString t = RecordValue::isoText(start.addSecs(qint64(minutes) * 60));
     const bool borne = since.isValid();
     QSqlQuery q(m_base->db());
@@ -513,8 +517,10 @@ void SqliteCalendarStore::DoGetUpcomingEvents(const QDateTime &start, int minute
     q.addBindValue(t);
     if (borne)
         q.addBindValue(RecordValue::isoText(since));
-    if (execBound(q))
+    if (execBound(q)) {
+        m_readFailed = false;
         readEvents(q, events);
+    }
 }
 
 bool SqliteCalendarStore::BeginChange()

@@ -46,6 +46,8 @@ public:
     void DoGetUpcomingEvents(const QDateTime &start, int minutes, QList<CalendarEventPtr> &events,
                              const QDateTime &since = {}) override;
 
+    [[nodiscard]] bool LastReadFailed() const override { return m_readFailed; }
+
     bool BeginChange() override;
     bool CommitChange() override;
     void RollbackChange() override;
@@ -71,6 +73,7 @@ private:
     QString m_lastError;
     std::unique_ptr<BaseSqlite> m_base;
     int m_changeDepth = 0;
+    bool m_readFailed = false;
     // Statements asked again and again by the day reads, kept prepared.
     std::unique_ptr<QSqlQuery> m_range;
     std::unique_ptr<QSqlQuery> m_pattern;

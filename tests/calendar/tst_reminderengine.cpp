@@ -10,6 +10,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sqlite3.h>
+
 namespace {
 
 QDateTime le(int jour, int h, int m)
@@ -274,6 +276,29 @@ private Q_SLOTS:
         QCOMPARE(poste.moteur.Count(), 0);
         poste.moteur.Poll();
         QCOMPARE(poste.spy.count(), 2);
+    }
+
+    void baseVerrouilleeGardeLaListe()
+    {
+        const QString d = dossier();
+        Horloge::fixer(le(9, 10, 0));
+        BaseSqlite::fixerDelaiOccupe(100);
+        Poste poste(d);
+        BaseSqlite::fixerDelaiOccupe(8000);
+        ajouter(poste.fournisseur, le(9, 10, 15), 30, QStringLiteral("A"));
+        poste.demarrer();
+        QCOMPARE(poste.moteur.Count(), 1);
+        // Another workstation holds the file past the wait.
+        sqlite3 *autre = nullptr;
+        QCOMPARE(sqlite3_open((d + QStringLiteral("/Events.mdb")).toUtf8().constData(), &autre), SQLITE_OK);
+        QCOMPARE(sqlite3_exec(autre, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+        poste.moteur.Poll();
+        sqlite3_exec(autre, "COMMIT", nullptr, nullptr, nullptr);
+        sqlite3_close(autre);
+        QCOMPARE(actions(poste.spy), QList<int>{3});
+        QCOMPARE(poste.moteur.Count(), 1);
+        poste.moteur.Poll();
+        QCOMPARE(actions(poste.spy), QList<int>{3});
     }
 
     void interrogationPeriodique()
