@@ -37,10 +37,14 @@ struct Poste
     ReminderEngine moteur{&fournisseur};
     QSignalSpy spy{&moteur, &ReminderEngine::reminderAction};
 
-    explicit Poste(const QString &dossier)
+    // Kind 2 (Events.mdb) unless told otherwise; kind 1 is the XML data file.
+    explicit Poste(const QString &dossier, int genre = CalendarDataProvider::Access)
     {
-        OpenProvider(fournisseur, CalendarDataProvider::Access,
-                     QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source='") + dossier + QStringLiteral("/Events.mdb';"));
+        if (genre == CalendarDataProvider::Memory)
+            OpenProvider(fournisseur, genre, QStringLiteral("Provider=XML;Data Source='") + dossier + QStringLiteral("/events.xml';"));
+        else
+            OpenProvider(fournisseur, genre,
+                         QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source='") + dossier + QStringLiteral("/Events.mdb';"));
     }
     // The watch switched on, and its first poll run from the event loop.
     void demarrer()
@@ -95,20 +99,25 @@ private Q_SLOTS:
 
     void declenchementAuBonMoment_data()
     {
+        QTest::addColumn<int>("genre");
         QTest::addColumn<QDateTime>("maintenant");
         QTest::addColumn<bool>("du");
-        QTest::newRow("avant le moment") << le(9, 9, 29) << false;
-        QTest::newRow("au moment") << le(9, 9, 30) << true;
-        QTest::newRow("pendant le rendez-vous") << le(9, 10, 5) << true;
-        QTest::newRow("six jours après") << le(15, 10, 0) << true;
-        QTest::newRow("au-delà de la semaine") << le(16, 10, 0) << false;
+        for (const int genre : {CalendarDataProvider::Access, CalendarDataProvider::Memory}) {
+            const QString g = genre == CalendarDataProvider::Access ? QStringLiteral("mdb ") : QStringLiteral("xml ");
+            QTest::newRow(qPrintable(g + "avant le moment")) << genre << le(9, 9, 29) << false;
+            QTest::newRow(qPrintable(g + "au moment")) << genre << le(9, 9, 30) << true;
+            QTest::newRow(qPrintable(g + "pendant le rendez-vous")) << genre << le(9, 10, 5) << true;
+            QTest::newRow(qPrintable(g + "six jours après")) << genre << le(15, 10, 0) << true;
+            QTest::newRow(qPrintable(g + "au-delà de la semaine")) << genre << le(16, 10, 0) << false;
+        }
     }
     void declenchementAuBonMoment()
     {
+        QFETCH(int, genre);
         QFETCH(QDateTime, maintenant);
         QFETCH(bool, du);
         const QString d = dossier();
-        Poste poste(d);
+        Poste poste(d, genre);
         QVERIFY(ajouter(poste.fournisseur, le(9, 10, 0), 30, QStringLiteral("DUPONT")));
         QVERIFY(ajouter(poste.fournisseur, le(9, 10, 0), 30, QStringLiteral("sans rappel"), false));
         Horloge::fixer(maintenant);
@@ -212,11 +221,18 @@ private Q_SLOTS:
         QCOMPARE(poste.sujetsActifs(), (QStringList{"vendredi 06 17:00", "lundi 09 08:30"}));
     }
 
+    void occurrencesDUneSerie_data()
+    {
+        QTest::addColumn<int>("genre");
+        QTest::newRow("Events.mdb") << int(CalendarDataProvider::Access);
+        QTest::newRow("fichier XML") << int(CalendarDataProvider::Memory);
+    }
     void occurrencesDUneSerie()
     {
+        QFETCH(int, genre);
         const QString d = dossier();
         {
-            Poste poste(d);
+            Poste poste(d, genre);
             CalendarEventPtr maitre = poste.fournisseur.CreateNewEvent(le(2, 8, 0), le(2, 8, 30));
             maitre->setSubject(QStringLiteral("kiné"));
             maitre->setIsReminder(true);
@@ -226,7 +242,7 @@ private Q_SLOTS:
         }
         Horloge::fixer(le(4, 7, 10));
         {
-            Poste poste(d);
+            Poste poste(d, genre);
             poste.moteur.setLookBackDays(1);
             poste.demarrer();
             QCOMPARE(poste.sujetsActifs(), QStringList{QStringLiteral("kiné 04 08:00")});
@@ -238,7 +254,7 @@ private Q_SLOTS:
         // The next day only that day's occurrence comes; the dismissed one
         // stays dismissed, and the series is unchanged on the calendar.
         Horloge::fixer(le(5, 7, 5));
-        Poste poste(d);
+        Poste poste(d, genre);
         poste.moteur.setLookBackDays(3);
         poste.demarrer();
         QCOMPARE(poste.sujetsActifs(), (QStringList{"kiné 03 08:00", "kiné 05 08:00"}));
