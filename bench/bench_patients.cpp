@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <vector>
 
 namespace {
@@ -119,11 +120,12 @@ int main(int argc, char **argv)
     }
     std::printf("built 5 bases of %d patients in %lld ms\n", nombre, chrono.elapsed());
 
-    const int tours = 9;
-    std::vector<double> liees, agenda, ensemble;
+    const int tours = qEnvironmentVariableIntValue("TOURS") > 0 ? qEnvironmentVariableIntValue("TOURS") : 9;
+    std::vector<double> liees, agenda, ensemble, processeur;
     qsizetype nLiees = 0, nAgenda = 0;
     for (int t = 0; t < tours; ++t) {
         ResultatRecherche l1, l2;
+        const std::clock_t debutCpu = std::clock();
         chrono.restart();
         if (RechercheBasesLiees(etat, debut, QString(), l1)) {
             std::fprintf(stderr, "linked search failed\n");
@@ -143,6 +145,7 @@ int main(int argc, char **argv)
         const double b = chrono.nsecsElapsed() / 1e6;
         if (t == 0)
             std::printf("first run: linked %.1f ms, own %.1f ms\n", a, b);
+        processeur.push_back(double(std::clock() - debutCpu) * 1000.0 / CLOCKS_PER_SEC);
         liees.push_back(a);
         agenda.push_back(b);
         ensemble.push_back(a + b);
@@ -153,6 +156,9 @@ int main(int argc, char **argv)
                 "five bases together median %.1f ms (worst %.1f ms) over %d runs\n",
                 qPrintable(debut), static_cast<long long>(nLiees), mediane(liees), static_cast<long long>(nAgenda),
                 mediane(agenda), mediane(ensemble), *std::max_element(ensemble.begin(), ensemble.end()), tours);
+    // The machine may be shared: the processor time of the process tells
+    // what the search itself costs.
+    std::printf("processor time of the five bases together: median %.1f ms\n", mediane(processeur));
     const bool tenu = mediane(ensemble) < 100.0;
     std::printf("target under 100 ms: %s\n", tenu ? "met" : "NOT met");
     return 0;

@@ -251,10 +251,10 @@ ErreurRecherche erreurSqlite(sqlite3 *poignee)
 
 QString colonneTexte(sqlite3_stmt *s, int i)
 {
-    const auto *u = static_cast<const char16_t *>(sqlite3_column_text16(s, i));
+    const auto *u = reinterpret_cast<const char *>(sqlite3_column_text(s, i));
     if (!u)
         return {};
-    return QString::fromUtf16(u, sqlite3_column_bytes16(s, i) / 2);
+    return QString::fromUtf8(u, sqlite3_column_bytes(s, i));
 }
 
 QVariant colonneValeur(sqlite3_stmt *s, int i)
@@ -321,6 +321,7 @@ struct ResultatRecherche::Donnees
             e.ligne.DerniereVisite = colonneValeur(s, 1);
             e.ligne.Numero = colonneValeur(s, 2);
             e.ligne.Agenda = colonneValeur(s, 3);
+            e.ligne.DateNaissance = colonneValeur(s, 4);
             e.complete = true;
         }
         // A row that has gone since the search keeps empty columns; a base
@@ -401,10 +402,10 @@ bool ResultatRecherche::ajouterBase(const QString &chemin, const QString &motifN
 
     // The index on the identity gives the candidates, one range of names at
     // a time (a single range is always searched through the index), with
-    // the names and birth date; the patterns then decide here, which saves
+    // the names; the patterns then decide here, which saves
     // the base a call to the comparison function for each row.
     const std::optional<QList<PlageNoms>> plages = PlagesDuMotif(motifNom);
-    const QString colonnes = QStringLiteral("SELECT Nom, Prenom, \"Date de Naissance\", rowid FROM Signaletiques");
+    const QString colonnes = QStringLiteral("SELECT Nom, Prenom, rowid FROM Signaletiques");
     Instruction fermee, ouverte, tout;
     auto details = std::make_unique<Instruction>();
     auto preparer = [&](Instruction &ins, const QString &sql) {
@@ -413,8 +414,8 @@ bool ResultatRecherche::ajouterBase(const QString &chemin, const QString &motifN
     if (!preparer(fermee, colonnes + QStringLiteral(" WHERE Nom COLLATE NOCASE >= ?1 AND Nom COLLATE NOCASE < ?2"))
         || !preparer(ouverte, colonnes + QStringLiteral(" WHERE Nom COLLATE NOCASE >= ?1"))
         || !preparer(tout, colonnes)
-        || !preparer(*details, QStringLiteral("SELECT Base, \"Derniere Visite\", Numero, Agenda FROM Signaletiques "
-                                              "WHERE rowid = ?1"))) {
+        || !preparer(*details, QStringLiteral("SELECT Base, \"Derniere Visite\", Numero, Agenda, "
+                                              "\"Date de Naissance\" FROM Signaletiques WHERE rowid = ?1"))) {
         e = erreurSqlite(poignee);
         return echec();
     }
@@ -423,12 +424,14 @@ bool ResultatRecherche::ajouterBase(const QString &chemin, const QString &motifN
     {
         QString cleNom;
         QString clePrenom;
+        QString nom;
+        QString prenom;
         qint64 rowid;
-        LigneRecherche ligne;
     };
     const MotifJet filtreNom(motifNom);
     const MotifJet filtrePrenom(motifPrenom);
     std::vector<Trouvee> trouvees;
+    trouvees.reserve(1024);
     auto lire = [&](sqlite3_stmt *s) {
         int rc;
         while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
@@ -443,11 +446,8 @@ bool ResultatRecherche::ajouterBase(const QString &chemin, const QString &motifN
             QString clePrenom = PlierTexte(prenom);
             if (!filtrePrenom.correspondPlie(clePrenom))
                 continue;
-            Trouvee t{std::move(cleNom), std::move(clePrenom), sqlite3_column_int64(s, 3), {}};
-            t.ligne.Nom = std::move(nom);
-            t.ligne.Prenom = std::move(prenom);
-            t.ligne.DateNaissance = colonneValeur(s, 2);
-            trouvees.push_back(std::move(t));
+            trouvees.push_back({std::move(cleNom), std::move(clePrenom), std::move(nom), std::move(prenom),
+                                sqlite3_column_int64(s, 2)});
         }
         const bool ok = rc == SQLITE_DONE;
         if (!ok)
@@ -481,15 +481,20 @@ bool ResultatRecherche::ajouterBase(const QString &chemin, const QString &motifN
             return c < 0;
         if (const int c = a.clePrenom.compare(b.clePrenom))
             return c < 0;
-        if (const int c = a.ligne.Nom.compare(b.ligne.Nom))
+        if (const int c = a.nom.compare(b.nom))
             return c < 0;
-        return a.ligne.Prenom.compare(b.ligne.Prenom) < 0;
+        return a.prenom.compare(b.prenom) < 0;
     });
     const int source = static_cast<int>(d->sources.size());
     d->sources.push_back({std::move(base), std::move(details)});
     d->entrees.reserve(d->entrees.size() + trouvees.size());
-    for (const quint32 i : ordre)
-        d->entrees.push_back({source, trouvees[i].rowid, false, std::move(trouvees[i].ligne)});
+    for (const quint32 i : ordre) {
+        Donnees::Entree &e = d->entrees.emplace_back();
+        e.source = source;
+        e.rowid = trouvees[i].rowid;
+        e.ligne.Nom = std::move(trouvees[i].nom);
+        e.ligne.Prenom = std::move(trouvees[i].prenom);
+    }
     return true;
 }
 

@@ -58,8 +58,8 @@ struct ErreurRecherche
     QString description;
 };
 
-// The rows of a search, in their order. The names, birth dates and count are
-// known at once (the index on the identity serves them); the other columns
+// The rows of a search, in their order. The names and the count are known
+// at once (the index on the identity serves them); the other columns
 // of a row are read from its base the first time the row is asked for, a
 // page at a time, so that a long result costs no more than what is shown.
 // The bases stay open read-only as long as the result lives.
