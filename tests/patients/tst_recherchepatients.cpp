@@ -336,6 +336,30 @@ private slots:
         QVERIFY(PlagesDuMotif(motif + u'*').has_value());
     }
 
+    // A base of the other product may compare names with case (no NOCASE
+    // collation, no index): the same rows are found, in the same order.
+    void baseSansIndexNiCollation()
+    {
+        const QString d = dossier(QStringLiteral("sans-index"));
+        QDir().mkpath(d);
+        {
+            auto b = BaseSqlite::ouvrir(d + QStringLiteral("Patients.mdb"), BaseSqlite::Mode::Creer);
+            QVERIFY(b);
+            QVERIFY(b->executer(QStringLiteral("CREATE TABLE Signaletiques (Nom TEXT, Prenom TEXT, \"Date de Naissance\" TEXT, "
+                                               "\"Derniere Visite\" TEXT, Numero INTEGER, Agenda INTEGER, Base TEXT)")));
+            QVERIFY(b->executer(QStringLiteral("INSERT INTO Signaletiques VALUES ('dupont', 'jean', '1970-01-01', NULL, 1, NULL, 'X'), "
+                                               "('DUPRE', 'Anne', '1971-01-01', NULL, 2, NULL, 'X'), "
+                                               "('Dùpuis', 'Eve', '1972-01-01', NULL, 3, NULL, 'X'), "
+                                               "(NULL, 'Nul', '1972-01-01', NULL, 4, NULL, 'X'), "
+                                               "('Martin', 'Luc', '1973-01-01', NULL, 5, NULL, 'X')")));
+        }
+        ResultatRecherche r;
+        ErreurRecherche e;
+        QVERIFY2(r.ajouterBase(d + QStringLiteral("Patients.mdb"), QStringLiteral("DU*"), QStringLiteral("*"), &e),
+                 qPrintable(e.description));
+        QCOMPARE(noms(r.toutes()), (QStringList{"X:dupont jean", "X:DUPRE Anne", "X:Dùpuis Eve"}));
+    }
+
     void plagesSansDebut()
     {
         QVERIFY(!PlagesDuMotif(QStringLiteral("*")).has_value());
