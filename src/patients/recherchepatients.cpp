@@ -7,6 +7,7 @@
 #include "shell/jettexte.h"
 
 #include <QFileInfo>
+#include <QHash>
 
 #include <sqlite3.h>
 
@@ -125,15 +126,27 @@ struct Variante
     QString plie;
 };
 
-const std::vector<Variante> &variantes()
+struct TableVariantes
 {
-    static const std::vector<Variante> table = [] {
-        std::vector<Variante> t;
+    // The characters by the first character of their folded form.
+    QHash<QChar, std::vector<Variante>> parInitiale;
+    // The characters whose folded form is empty.
+    std::vector<Variante> vides;
+};
+
+const TableVariantes &variantes()
+{
+    static const TableVariantes table = [] {
+        TableVariantes t;
         for (char16_t u = 1; u < 0x300; ++u) {
             // NOCASE makes "A" and "a" one: the lower case stands for both.
             if (u >= u'A' && u <= u'Z')
                 continue;
-            t.push_back({QChar(u), PlierTexte(QString(QChar(u)))});
+            Variante v{QChar(u), PlierTexte(QString(QChar(u)))};
+            if (v.plie.isEmpty())
+                t.vides.push_back(v);
+            else
+                t.parInitiale[v.plie.at(0)].push_back(v);
         }
         return t;
     }();
@@ -161,11 +174,17 @@ void generer(const QString &v, const QString &reste, int profondeur, int profond
     }
     if (!v.isEmpty())
         plages.append({v + QChar(premierHorsTable), suivant(v)});
-    for (const Variante &var : variantes()) {
+    const TableVariantes &table = variantes();
+    for (const Variante &var : table.vides) {
         const QString w = v + var.c;
-        if (var.plie.isEmpty()) {
-            plages.append({w, suivant(w)});
-        } else if (reste.startsWith(var.plie)) {
+        plages.append({w, suivant(w)});
+    }
+    const auto bucket = table.parInitiale.constFind(reste.at(0));
+    if (bucket == table.parInitiale.cend())
+        return;
+    for (const Variante &var : *bucket) {
+        const QString w = v + var.c;
+        if (reste.startsWith(var.plie)) {
             generer(w, reste.mid(var.plie.size()), profondeur + 1, profondeurLimite, plages);
         } else if (var.plie.startsWith(reste)) {
             plages.append({w, suivant(w)});
