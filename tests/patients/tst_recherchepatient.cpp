@@ -302,6 +302,47 @@ private slots:
         QCOMPARE(repondeur.appels().size(), 0);
     }
 
+    // A base locked by another station when the row is taken: the error is
+    // told, the step is run again on demand, and the dialog stays usable.
+    void ligneVerrouilleeALaPrise()
+    {
+        const QString d = m_dir.path() + QStringLiteral("/pages/");
+        QList<PatientTest> p;
+        for (int i = 1; i <= 120; ++i)
+            p.append({QStringLiteral("PAGE%1").arg(i, 3, 10, QLatin1Char('0')), QStringLiteral("P"), QStringLiteral("1970-01-01"), i,
+                      QStringLiteral("PG")});
+        const QString err = CreerBaseTest(d, p);
+        QVERIFY2(err.isEmpty(), qPrintable(err));
+        appState().Path[1] = d + QStringLiteral("Patients.mdb");
+        BaseSqlite::fixerDelaiOccupe(200);
+        RepondeurScripte repondeur;
+        repondeur.repondre(Prompt::Reponse::Reessayer);
+        repondeur.repondre(Prompt::Reponse::Annuler);
+        auto dlg = dialogue(true);
+        dlg->Text1->setText(QStringLiteral("page"));
+        dlg->Rechercher(1);
+        QCOMPARE(dlg->lb->text(), QStringLiteral("120 patients"));
+        dlg->DBGrid1->setCurrentIndex(dlg->modele()->index(110, 1));
+        {
+            auto verrou = BaseSqlite::ouvrir(d + QStringLiteral("Patients.mdb"), BaseSqlite::Mode::Existante);
+            QVERIFY(verrou);
+            QVERIFY(verrou->executer(QStringLiteral("BEGIN EXCLUSIVE")));
+            dlg->OuvrirFiche();
+            QCOMPARE(repondeur.appels().size(), 2);
+            QVERIFY2(repondeur.appels().first().texte.startsWith(QStringLiteral("Erreur 5 lors de l'ouverture de la fiche\n")),
+                     qPrintable(repondeur.appels().first().texte));
+            QVERIFY(dlg->isVisible());
+            QVERIFY(verrou->executer(QStringLiteral("ROLLBACK")));
+        }
+        dlg->OuvrirFiche();
+        BaseSqlite::fixerDelaiOccupe(8000);
+        QCOMPARE(dlg->result(), int(QDialog::Accepted));
+        QCOMPARE(appState().PatientCourant.Nom, QStringLiteral("PAGE111"));
+        QCOMPARE(appState().PatientCourant.Numero, 111);
+        QCOMPARE(appState().PatientCourant.Base, QStringLiteral("PG"));
+        QCOMPARE(repondeur.imprevus(), 0);
+    }
+
     void ligneSansNumero()
     {
         RepondeurScripte repondeur;
