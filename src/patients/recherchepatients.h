@@ -24,8 +24,9 @@ struct AppState;
 [[nodiscard]] QString ConstruireUnion(QString &path1, QString &path2, QString &path3, QString &path4, QString &nom,
                                       QString &prenom, bool avecBaseAgenda);
 
-// One base of a search, and the two patterns it is searched with (Jet
-// patterns: "*", "?", "#", "[...]"; case and accents not regarded).
+// One base of a search, and the two patterns it is searched with (patterns of
+// the practice's LIKE: "*", "?", "#", "[...]"; case and accents not
+// regarded).
 struct BrancheRecherche
 {
     QString chemin;
