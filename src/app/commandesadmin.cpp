@@ -4,8 +4,13 @@
 #include "cipher/encryptx.h"
 #include "messaging/diagnosticmodem.h"
 #include "messaging/mailreminder.h"
+#include "patients/gestiontype.h"
+#include "patients/liaisons.h"
+#include "patients/recherchepatients.h"
+#include "shell/appstate.h"
 #include "shell/dossiers.h"
 #include "shell/horloge.h"
+#include "shell/profilini.h"
 #include "shell/support.h"
 
 namespace {
@@ -18,6 +23,9 @@ void usage(QTextStream &err)
            "  modem-check PORT       interroge le modem GSM du port PORT (numéro COM)\n"
            "  test-mail --smtp SERVEUR[:PORT] --from ADRESSE --to ADRESSE\n"
            "                         envoie un rappel d'exemple par ce serveur\n"
+           "  search-patients agenda|linked NOM [PRENOM]\n"
+           "                         recherche de patients de l'agenda par défaut, dans sa base\n"
+           "                         ou dans les bases liées (Path1 à Path4 d'Agenda.ini)\n"
            "  store-check DOSSIER    compte les rendez-vous de DOSSIER/Events.mdb et vérifie les séries\n";
 }
 
@@ -68,6 +76,38 @@ int CommandeTestMail(const QStringList &arguments, QTextStream &out, QTextStream
         return 1;
     }
     out << "L'envoi s'est correctement déroulé. Veuillez consulter votre boite mail pour vérification.\n";
+    return 0;
+}
+
+// The patient search of the default agenda, as the search dialogs run it:
+// one line a row, the seven columns of the grid separated by tabs.
+int rechercherPatients(const QStringList &arguments, QTextStream &out, QTextStream &err)
+{
+    const QString ou = arguments.value(1);
+    if ((ou != QLatin1String("agenda") && ou != QLatin1String("linked")) || arguments.size() < 3 || arguments.size() > 4) {
+        err << "search-patients : agenda|linked NOM [PRENOM] attendu.\n";
+        return 2;
+    }
+    AppState etat;
+    etat.AgendaName = DefaultAgendaName;
+    etat.CheminBaseAgenda = AjouterSlash(
+        LireIni(QStringLiteral("Base"), QStringLiteral("BasePatientAG"), DossierProgramme(), CheminAgendaIni()));
+    LireLiaisons(etat);
+    ResultatRecherche resultat;
+    const std::optional<ErreurRecherche> erreur =
+        ou == QLatin1String("linked") ? RechercheBasesLiees(etat, arguments.at(2), arguments.value(3), resultat)
+                                      : RechercheBaseAgenda(etat, arguments.at(2), arguments.value(3), resultat);
+    if (erreur) {
+        err << "Erreur " << erreur->numero << " lors de la recherche d'une fiche\n" << erreur->description << '\n';
+        return 1;
+    }
+    for (qsizetype i = 0; i < resultat.size(); ++i) {
+        const LigneRecherche &l = resultat.ligne(i);
+        out << l.Base << '\t' << l.Nom << '\t' << l.Prenom << '\t' << TexteDateBase(l.DateNaissance).toString() << '\t'
+            << TexteDateBase(l.DerniereVisite).toString() << '\t' << l.Numero.toString() << '\t' << l.Agenda.toString()
+            << '\n';
+    }
+    out << resultat.size() << " patients\n";
     return 0;
 }
 
@@ -126,6 +166,8 @@ int ExecuterCommandeAdmin(const QStringList &arguments, QTextStream &out, QTextS
         out << (c.sain() ? "Base cohérente.\n" : "Base incohérente.\n");
         return c.sain() ? 0 : 1;
     }
+    if (commande == QLatin1String("search-patients"))
+        return rechercherPatients(arguments, out, err);
     usage(err);
     return commande.isEmpty() || commande == QLatin1String("--help") ? 0 : 2;
 }

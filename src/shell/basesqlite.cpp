@@ -9,6 +9,7 @@
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QStringList>
 #include <QVariant>
 
 #include <sqlite3.h>
@@ -121,20 +122,29 @@ sqlite3 *BaseSqlite::poignee() const
     return *static_cast<sqlite3 *const *>(v.constData());
 }
 
-std::unique_ptr<BaseSqlite> BaseSqlite::ouvrir(const QString &chemin, Mode mode, QString *erreur)
+std::unique_ptr<BaseSqlite> BaseSqlite::ouvrir(const QString &chemin, Mode mode, QString *erreur, int *code)
 {
+    int numero = SQLITE_CANTOPEN;
     auto echec = [&](const QString &texte) -> std::unique_ptr<BaseSqlite> {
         if (erreur)
             *erreur = texte;
+        if (code)
+            *code = numero;
         return nullptr;
+    };
+    auto numeroDe = [](const QSqlError &e) {
+        const int n = e.nativeErrorCode().toInt();
+        return n != 0 ? n : SQLITE_ERROR;
     };
 
     const QFileInfo info(chemin);
-    if (mode == Mode::Existante) {
+    if (mode != Mode::Creer) {
         if (!info.exists() || !info.isFile())
             return echec(QStringLiteral("Le fichier %1 est introuvable.").arg(QDir::toNativeSeparators(chemin)));
-        if (!EstFichierSqlite(chemin))
+        if (!EstFichierSqlite(chemin)) {
+            numero = SQLITE_NOTADB;
             return echec(QStringLiteral("Le fichier %1 n'est pas une base de données utilisable.").arg(QDir::toNativeSeparators(chemin)));
+        }
     } else if (info.exists()) {
         return echec(QStringLiteral("Le fichier %1 existe déjà.").arg(QDir::toNativeSeparators(chemin)));
     }
@@ -144,26 +154,44 @@ std::unique_ptr<BaseSqlite> BaseSqlite::ouvrir(const QString &chemin, Mode mode,
     {
         QSqlDatabase d = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), nom);
         d.setDatabaseName(chemin);
-        d.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(g_delaiOccupe));
-        if (!d.open())
+        QString options = QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(g_delaiOccupe);
+        if (mode == Mode::Lecture)
+            options += QStringLiteral(";QSQLITE_OPEN_READONLY");
+        d.setConnectOptions(options);
+        if (!d.open()) {
+            numero = numeroDe(d.lastError());
             return echec(QStringLiteral("Impossible d'ouvrir %1 : %2").arg(QDir::toNativeSeparators(chemin), d.lastError().text()));
+        }
     }
-    QString detail;
-    if (!base->executer(QStringLiteral("PRAGMA journal_mode=DELETE"), &detail)
-        || !base->executer(QStringLiteral("PRAGMA foreign_keys=OFF"), &detail)) {
+    // A failure here is a file of another kind, or a base that another
+    // connection holds locked past the busy timeout: the text tells which.
+    auto inutilisable = [&](const QSqlError &e) {
+        numero = numeroDe(e);
+        const int primaire = numero & 0xff;
+        if (primaire == SQLITE_BUSY || primaire == SQLITE_LOCKED)
+            return echec(QStringLiteral("La base %1 est verrouillée par un autre utilisateur (%2).")
+                             .arg(QDir::toNativeSeparators(chemin), e.text()));
         return echec(QStringLiteral("Le fichier %1 n'est pas une base de données utilisable (%2).")
-                         .arg(QDir::toNativeSeparators(chemin), detail));
-    }
-    // Reading the schema proves that the file is a database and not merely a
-    // file with the right first bytes.
-    {
+                         .arg(QDir::toNativeSeparators(chemin), e.text()));
+    };
+    QStringList reglages;
+    // A read-only connection leaves the journal mode alone: changing it is a
+    // write.
+    if (mode != Mode::Lecture)
+        reglages << QStringLiteral("PRAGMA journal_mode=DELETE");
+    reglages << QStringLiteral("PRAGMA foreign_keys=OFF")
+             // Reading the schema proves that the file is a database and not
+             // merely a file with the right first bytes.
+             << QStringLiteral("SELECT count(*) FROM sqlite_master");
+    for (const QString &sql : reglages) {
         QSqlQuery q(base->db());
-        if (!q.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")))
-            return echec(QStringLiteral("Le fichier %1 n'est pas une base de données utilisable (%2).")
-                             .arg(QDir::toNativeSeparators(chemin), q.lastError().text()));
+        if (!q.exec(sql))
+            return inutilisable(q.lastError());
     }
-    if (!EnregistrerFonctionsJet(base->poignee()))
+    if (!EnregistrerFonctionsJet(base->poignee())) {
+        numero = SQLITE_ERROR;
         return echec(QStringLiteral("Impossible de préparer la base %1.").arg(QDir::toNativeSeparators(chemin)));
+    }
     return base;
 }
 

@@ -21,11 +21,15 @@ public:
     enum class Mode {
         Existante,  // the file must exist and be a SQLite database
         Creer,      // the file is created (it must not exist yet)
+        Lecture,    // as Existante, but read-only: nothing is ever written
     };
 
-    // Opens the file; on failure returns nullptr and sets *erreur to a French
-    // description.
-    [[nodiscard]] static std::unique_ptr<BaseSqlite> ouvrir(const QString &chemin, Mode mode, QString *erreur = nullptr);
+    // Opens the file; on failure returns nullptr, sets *erreur to a French
+    // description and *code to the SQLite result code (SQLITE_CANTOPEN for a
+    // missing file, SQLITE_NOTADB for a file of another kind, SQLITE_BUSY for
+    // a base locked by another connection...).
+    [[nodiscard]] static std::unique_ptr<BaseSqlite> ouvrir(const QString &chemin, Mode mode, QString *erreur = nullptr,
+                                                            int *code = nullptr);
 
     ~BaseSqlite();
     BaseSqlite(const BaseSqlite &) = delete;

@@ -1,5 +1,6 @@
 #include "shell/frmmain.h"
 
+#include "patients/gestiontype.h"
 #include "shell/appstate.h"
 
 #include <QCloseEvent>
@@ -26,6 +27,10 @@ frmMain::frmMain(Demarrage &demarrage, const ParametresFenetre &parametres, QWid
     police.setBold(true);
     lblCaption->setFont(police);
     disposition->addWidget(lblCaption);
+    lblPatient = new QLabel(LegendePatient::instance().texte(), centre);
+    lblPatient->setObjectName(QStringLiteral("lblPatient"));
+    connect(&LegendePatient::instance(), &LegendePatient::changee, lblPatient, &QLabel::setText);
+    disposition->addWidget(lblPatient);
 
     m_zoneCalendrier = new QWidget(centre);
     m_zoneCalendrier->setObjectName(QStringLiteral("zoneCalendrier"));

@@ -23,6 +23,8 @@ public:
     int DialoguesOuverts = 0;
 
     QLabel *lblCaption = nullptr;
+    // The current patient, "Prénom Nom", empty when there is none.
+    QLabel *lblPatient = nullptr;
     QTimer *Timer1 = nullptr;
     QTimer *timerRMDForm = nullptr;
 

@@ -134,7 +134,11 @@ bool JetLike(const QString &texte, const QString &motif)
 
 bool MotifJet::correspond(const QString &texte) const
 {
-    const QString t = PlierTexte(texte);
+    return correspondPlie(PlierTexte(texte));
+}
+
+bool MotifJet::correspondPlie(const QString &t) const
+{
     const QList<Element> &elements = m_elements->liste;
     // Greedy matching with backtracking on the last star.
     qsizetype ti = 0, ei = 0, etoile = -1, reprise = 0;

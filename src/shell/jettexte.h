@@ -22,6 +22,9 @@ public:
     MotifJet(const MotifJet &) = delete;
     MotifJet &operator=(const MotifJet &) = delete;
     [[nodiscard]] bool correspond(const QString &texte) const;
+    // The same for a text already given through PlierTexte (saves folding
+    // it twice when the caller keeps the folded form).
+    [[nodiscard]] bool correspondPlie(const QString &textePlie) const;
 
 private:
     struct Elements;

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+
+class QWidget;
+
+// The patient search loops: a search dialog, then the patient card that the
+// outcome asks for, until a patient is chosen or the user gives up.
+
+// Which card a loop opens: the linked card (a row of a linked base) or the
+// own card (a row of the own base, or a new patient). The card leaves
+// PatientCourant as saved, or with Numero 0 when the user gave up.
+enum class FichePatient { Liee, Agenda };
+using OuvreurFiche = std::function<void(FichePatient fiche, QWidget *parent)>;
+
+// Installs the way cards are opened (the patient cards install themselves;
+// until then a notice says that the card is not available). An empty
+// function reinstates the notice. Returns the previous one.
+OuvreurFiche FixerOuvreurFiche(OuvreurFiche ouvreur);
+
+// The main window's patient command (toolbar button 12), on
+// Recherche_patient_Agenda. RetourRecherche is 0 at the end.
+void BoucleRecherchePatientPrincipale(QWidget *parent = nullptr);
+
+// The appointment editor's patient choice, on Recherche_patient_AG. True when
+// a patient was chosen: PatientCourant holds it and RetourRecherche tells how
+// (1 linked row, 2 own row, 3 new patient, 4 the current patient kept).
+bool BoucleRecherchePatientEditeur(QWidget *parent = nullptr);

@@ -1,0 +1,106 @@
+#include "patients/liaisons.h"
+
+#include "shell/appstate.h"
+#include "shell/dossiers.h"
+#include "shell/profilini.h"
+#include "shell/support.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+QString DossierConfig;
+QString ChoixBase;
+bool ChoixBaseValide = false;
+
+namespace {
+
+const char *const familles[] = {"Path", "Identity", "Zek"};
+
+// A file of the folder whatever the case of its name, as the platform of the
+// other product finds it.
+QString fichierSansCasse(const QString &dossier, const QString &nom)
+{
+    if (QFileInfo::exists(dossier + nom))
+        return dossier + nom;
+    const QStringList trouves = QDir(dossier).entryList({nom}, QDir::Files);
+    return trouves.isEmpty() ? dossier + nom : dossier + trouves.first();
+}
+
+} // namespace
+
+void LireLiaisons(AppState &etat)
+{
+    const QString agendaIni = CheminAgendaIni();
+    std::array<QString, 5> *cibles[] = {&etat.Path, &etat.Identity, &etat.Zek};
+    for (int f = 0; f < 3; ++f) {
+        for (int i = 1; i <= 4; ++i)
+            (*cibles[f])[i] = LireIni(etat.AgendaName, QStringLiteral("%1%2").arg(QLatin1String(familles[f])).arg(i),
+                                      QString(), agendaIni);
+    }
+}
+
+void EcrireLiaisons(AppState &etat, const std::array<QString, 5> &paths, const std::array<QString, 5> &identites,
+                    const std::array<QString, 5> &zeks)
+{
+    const std::array<QString, 5> *sources[] = {&paths, &identites, &zeks};
+    for (int f = 0; f < 3; ++f) {
+        for (int i = 1; i <= 4; ++i)
+            EcrireAgendaIni(etat.AgendaName, QStringLiteral("%1%2").arg(QLatin1String(familles[f])).arg(i),
+                            (*sources[f])[i]);
+    }
+    LireLiaisons(etat);
+}
+
+QString DossierProfilsSysteme()
+{
+    const QString env = qEnvironmentVariable("TAVONEL_DOSSIER_PROFILS");
+    if (!env.isEmpty())
+        return AjouterSlash(env);
+    const QString etc = QStringLiteral("/etc/tavonel/");
+    if (QFileInfo::exists(fichierSansCasse(etc, QStringLiteral("Kelmoreg.reg"))))
+        return etc;
+    return AjouterSlash(DossierProgramme() + QStringLiteral("System"));
+}
+
+QString LireDossierConfig()
+{
+    const QString reg = fichierSansCasse(DossierProfilsSysteme(), QStringLiteral("Kelmoreg.reg"));
+    return LireIni(QStringLiteral("Brenwick.32"), QStringLiteral("Path"), QString(), reg);
+}
+
+QList<UtilisateurZek> UtilisateursZek(const QString &dossierConfig)
+{
+    QList<UtilisateurZek> liste;
+    if (dossierConfig.isEmpty())
+        return liste;
+    const QString dossier = AjouterSlash(dossierConfig);
+    const QStringList fichiers =
+        QDir(dossier).entryList({QStringLiteral("*.zek")}, QDir::Files, QDir::Name | QDir::IgnoreCase);
+    // The list holds 101 users (0 to 100); a further file ends it.
+    for (qsizetype i = 0; i < fichiers.size() && i <= 100; ++i) {
+        const QString &f = fichiers.at(i);
+        const qsizetype point = f.indexOf(u'.');
+        if (point < 0)
+            break;
+        // A fixed field of 8 characters: the list uses a fixed font, and the
+        // names line up.
+        const QString nom = f.left(point).left(8).leftJustified(8, u' ');
+        const QString chemin = dossier + f;
+        const QString section = QStringLiteral("Medecin");
+        const QString titre = LireIni(section, QStringLiteral("Titre"), QString(), chemin);
+        const QString nomMedecin = LireIni(section, QStringLiteral("Nom"), QString(), chemin);
+        const QString prenom = LireIni(section, QStringLiteral("Prenom"), QString(), chemin);
+        liste.append({f, nom + QStringLiteral(" : ") + titre + u' ' + nomMedecin + u' ' + prenom});
+    }
+    return liste;
+}
+
+LiaisonZek LireLiaisonZek(const QString &fichierZek)
+{
+    LiaisonZek l;
+    l.path = LireIni(QStringLiteral("Base"), QStringLiteral("Patients"), QString(), fichierZek);
+    if (!l.path.isEmpty())
+        l.path = AjouterSlash(l.path) + QStringLiteral("Patients.mdb");
+    l.identity = LireIni(QStringLiteral("Base"), QStringLiteral("IdentifiantBase"), QString(), fichierZek);
+    return l;
+}
