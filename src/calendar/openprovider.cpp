@@ -1,6 +1,7 @@
 #include "calendar/openprovider.h"
 
 #include "calendar/calendardataprovider.h"
+#include "shell/appstate.h"
 #include "shell/prompt.h"
 
 QString TexteMapiIndisponible()
@@ -36,5 +37,15 @@ bool OpenProvider(CalendarDataProvider &provider, int kind, const QString &conne
     if (!provider.Open() && !provider.Create())
         return false;
     provider.CacheMode = 0;
+    return true;
+}
+
+bool OpenProvider(AppState &etat, int kind, const QString &connection)
+{
+    if (!etat.Calendrier)
+        etat.Calendrier = std::make_shared<CalendarDataProvider>();
+    if (!OpenProvider(*etat.Calendrier, kind, connection))
+        return false;
+    etat.TypeFournisseur = kind;
     return true;
 }

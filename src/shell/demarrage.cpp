@@ -94,10 +94,8 @@ std::optional<QString> Demarrage::charger(ParametresFenetre &p)
     }
 
     // The calendar store: Events.mdb in PathDB, opened or created.
-    if (!m_etat.Calendrier)
-        m_etat.Calendrier = std::make_shared<CalendarDataProvider>();
-    if (OpenProvider(*m_etat.Calendrier, CalendarDataProvider::Access, connexionEvenements()))
-        m_etat.TypeFournisseur = CalendarDataProvider::Access;
+    // A store that can be neither opened nor created leaves an empty book.
+    OpenProvider(m_etat, CalendarDataProvider::Access, connexionEvenements());
 
     p.libelles = ConstruireLibelles(m_etat);
     m_etat.Calendrier->setLabelList(p.libelles);
