@@ -2,6 +2,8 @@
 
 #include "shell/basesqlite.h"
 
+#include <sqlite3.h>
+
 #include <QFile>
 #include <QFileInfo>
 #include <QSqlError>
@@ -99,6 +101,61 @@ const char *const kSchema[] = {
 
 const QString kMoment = QStringLiteral("datetime(StartDateTime, (-ReminderMinutesBeforeStart) || ' minutes')");
 
+// The rows of a statement read straight from SQLite: the day reads are the
+// hot path of the views (every ten seconds on every workstation), and this
+// spares them the conversions of the general database layer.
+class CurseurSqlite final : public RecordCursor
+{
+public:
+    explicit CurseurSqlite(sqlite3_stmt *st)
+        : m_st(st)
+    {
+        const int n = sqlite3_column_count(st);
+        for (int i = 0; i < n; ++i)
+            m_colonnes.insert(QString::fromUtf8(sqlite3_column_name(st, i)), i);
+        next();
+    }
+    [[nodiscard]] bool atEnd() const override { return !m_ligne; }
+    [[nodiscard]] QVariant field(const QString &name) const override
+    {
+        const int i = m_colonnes.value(name, -1);
+        if (i < 0 || !m_ligne)
+            throw FieldError(QStringLiteral("colonne inconnue : ") + name);
+        switch (sqlite3_column_type(m_st, i)) {
+        case SQLITE_INTEGER:
+            return qlonglong(sqlite3_column_int64(m_st, i));
+        case SQLITE_FLOAT:
+            return sqlite3_column_double(m_st, i);
+        case SQLITE_NULL:
+            return {};
+        case SQLITE_BLOB:
+            return QByteArray(static_cast<const char *>(sqlite3_column_blob(m_st, i)), sqlite3_column_bytes(m_st, i));
+        default:
+            return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_st, i)), sqlite3_column_bytes(m_st, i));
+        }
+    }
+    void next() override
+    {
+        const int rc = sqlite3_step(m_st);
+        m_ligne = rc == SQLITE_ROW;
+        m_echec = rc != SQLITE_ROW && rc != SQLITE_DONE;
+    }
+    [[nodiscard]] bool echec() const { return m_echec; }
+    [[nodiscard]] QStringList colonnes() const
+    {
+        QStringList noms(m_colonnes.size());
+        for (auto it = m_colonnes.cbegin(); it != m_colonnes.cend(); ++it)
+            noms[it.value()] = it.key();
+        return noms;
+    }
+
+private:
+    sqlite3_stmt *m_st;
+    QHash<QString, int> m_colonnes;
+    bool m_ligne = false;
+    bool m_echec = false;
+};
+
 } // namespace
 
 QString NomDeCoteStore(const QString &path, const QDateTime &moment)
@@ -140,7 +197,8 @@ void SqliteCalendarStore::Close()
     if (m_base && m_changeDepth > 0)
         m_base->executer(QStringLiteral("ROLLBACK"));
     m_changeDepth = 0;
-    m_range.reset();
+    sqlite3_finalize(m_rangeStmt);
+    m_rangeStmt = nullptr;
     m_pattern.reset();
     m_exceptions.reset();
     m_base.reset();
@@ -256,16 +314,38 @@ void SqliteCalendarStore::DoRetrieveRangeEvents(const QDate &first, const QDate 
     const QString fin = RecordValue::isoText(QDateTime(last.addDays(1), QTime(0, 0)));
     const QString avant = RecordValue::isoText(QDateTime(first.addDays(-1), QTime(0, 0)));
     m_readFailed = true;
-    QSqlQuery &q = prepared(m_range, rangeStatement());
-    int i = 0;
-    for (const QString &v : {avant, fin, debut, debut, fin})
-        q.bindValue(i++, v);
-    if (execBound(q)) {
-        m_readFailed = false;
-        readEvents(q, events);
+    if (!m_rangeStmt) {
+        const QByteArray sql = rangeStatement().toUtf8();
+        if (sqlite3_prepare_v2(m_base->poignee(), sql.constData(), int(sql.size()), &m_rangeStmt, nullptr) != SQLITE_OK) {
+            m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
+            sqlite3_finalize(m_rangeStmt);
+            m_rangeStmt = nullptr;
+            return;
+        }
     }
+    int i = 0;
+    for (const QString &v : {avant, fin, debut, debut, fin}) {
+        const QByteArray t = v.toUtf8();
+        sqlite3_bind_text(m_rangeStmt, ++i, t.constData(), int(t.size()), SQLITE_TRANSIENT);
+    }
+    CurseurSqlite rs(m_rangeStmt);
+    while (!rs.atEnd()) {
+        if (CalendarEventPtr e = m_helper.CreateEventFromRS(rs)) {
+            try {
+                e->setCreationTime(RecordValue::dateTime(rs.field(QStringLiteral("CreationTime"))));
+                e->setLastModificationTime(RecordValue::dateTime(rs.field(QStringLiteral("LastModificationTime"))));
+            } catch (const FieldError &) {
+            }
+            events.append(e);
+        }
+        rs.next();
+    }
+    m_readFailed = rs.echec();
+    if (m_readFailed)
+        m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
     // A statement left open keeps the file locked for the other workstations.
-    q.finish();
+    sqlite3_reset(m_rangeStmt);
+    sqlite3_clear_bindings(m_rangeStmt);
 }
 
 CalendarEventPtr SqliteCalendarStore::DoReadEvent(int eventId)
@@ -340,34 +420,40 @@ QHash<int, CalendarRecurrencePatternPtr> SqliteCalendarStore::DoReadRPatterns(co
         cles << QString::number(id);
     const QString liste = QStringLiteral("(") + cles.join(QLatin1Char(',')) + QStringLiteral(")");
 
+    // A statement of this read, finalized when the read is over.
+    struct Instruction
+    {
+        sqlite3_stmt *st = nullptr;
+        ~Instruction() { sqlite3_finalize(st); }
+    };
+    auto preparer = [&](Instruction &i, const QString &sql) {
+        const QByteArray texte = sql.toUtf8();
+        if (sqlite3_prepare_v2(m_base->poignee(), texte.constData(), int(texte.size()), &i.st, nullptr) == SQLITE_OK)
+            return true;
+        m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
+        return false;
+    };
+
     // All the exceptions of these series in one read, kept by series.
     QHash<int, QList<MemoryRecord>> exceptions;
     {
-        QSqlQuery q(m_base->db());
-        q.setForwardOnly(true);
-        if (!q.exec(QStringLiteral("SELECT * FROM CalendarEvents WHERE RecurrenceState = 3 AND RecurrencePatternID IN ") + liste)) {
-            m_lastError = q.lastError().text();
+        Instruction lecture;
+        if (!preparer(lecture, QStringLiteral("SELECT * FROM CalendarEvents WHERE RecurrenceState = 3 AND RecurrencePatternID IN ") + liste))
             return lus;
-        }
-        const QSqlRecord r = q.record();
-        QStringList colonnes;
-        for (int i = 0; i < r.count(); ++i)
-            colonnes << r.fieldName(i);
-        const int cle = r.indexOf(QStringLiteral("RecurrencePatternID"));
-        while (q.next()) {
+        CurseurSqlite rs(lecture.st);
+        const QStringList colonnes = rs.colonnes();
+        while (!rs.atEnd()) {
             MemoryRecord ligne(colonnes);
-            for (int i = 0; i < colonnes.size(); ++i)
-                ligne.setField(colonnes.at(i), q.value(i));
-            exceptions[q.value(cle).toInt()].append(ligne);
+            for (const QString &c : colonnes)
+                ligne.setField(c, rs.field(c));
+            exceptions[ligne.field(QStringLiteral("RecurrencePatternID")).toInt()].append(ligne);
+            rs.next();
         }
     }
-    QSqlQuery q(m_base->db());
-    q.setForwardOnly(true);
-    if (!q.exec(QStringLiteral("SELECT * FROM CalendarRecurrencePatterns WHERE RecurrencePatternID IN ") + liste)) {
-        m_lastError = q.lastError().text();
+    Instruction lecture;
+    if (!preparer(lecture, QStringLiteral("SELECT * FROM CalendarRecurrencePatterns WHERE RecurrencePatternID IN ") + liste))
         return lus;
-    }
-    QueryCursor rs(std::move(q));
+    CurseurSqlite rs(lecture.st);
     while (!rs.atEnd()) {
         int id = 0;
         try {

@@ -8,6 +8,7 @@
 
 class BaseSqlite;
 class QSqlQuery;
+struct sqlite3_stmt;
 
 // The calendar store of the normal installation: the file Events.mdb (a
 // SQLite database) in the agenda's folder, shared by the workstations through
@@ -75,7 +76,7 @@ private:
     int m_changeDepth = 0;
     bool m_readFailed = false;
     // Statements asked again and again by the day reads, kept prepared.
-    std::unique_ptr<QSqlQuery> m_range;
+    sqlite3_stmt *m_rangeStmt = nullptr;
     std::unique_ptr<QSqlQuery> m_pattern;
     std::unique_ptr<QSqlQuery> m_exceptions;
 };
