@@ -477,6 +477,58 @@ private Q_SLOTS:
                  (QStringList{"2026-03-02 09:00", "2026-03-02 14:00", "2026-03-09 14:00", "2026-03-11 14:00"}));
     }
 
+    void rappelsAVenir_data()
+    {
+        QTest::addColumn<QString>("connexion");
+        QTest::addColumn<bool>("borne");
+        QTest::addColumn<QStringList>("sujets");
+        const QStringList sansBorne{QStringLiteral("A"), QStringLiteral("C"), QStringLiteral("D")};
+        const QStringList avecBorne{QStringLiteral("A"), QStringLiteral("D")};
+        QTest::newRow("mdb") << "Provider=Microsoft.Jet.OLEDB.4.0;Data Source='%1/Events.mdb';" << false << sansBorne;
+        QTest::newRow("mdb depuis") << "Provider=Microsoft.Jet.OLEDB.4.0;Data Source='%1/Events.mdb';" << true << avecBorne;
+        QTest::newRow("xml") << "Provider=XML;Data Source='%1/events.xml';" << false << sansBorne;
+        QTest::newRow("xml depuis") << "Provider=XML;Data Source='%1/events.xml';" << true << avecBorne;
+    }
+    void rappelsAVenir()
+    {
+        QFETCH(QString, connexion);
+        QFETCH(bool, borne);
+        QFETCH(QStringList, sujets);
+        const QString d = nouveauDossier();
+        CalendarDataProvider p;
+        QVERIFY(p.SetDataProvider(connexion.arg(d)) && (p.Open() || p.Create()));
+        auto ajouter = [&](const QDateTime &debut, bool rappel, int avance, const QString &sujet) {
+            CalendarEventPtr e = rendezVous(p, debut, 20, sujet);
+            e->setIsReminder(rappel);
+            e->setReminderMinutesBeforeStart(avance);
+            return e;
+        };
+        QVERIFY(p.AddEvent(ajouter(QDateTime(QDate(2026, 3, 9), QTime(10, 0)), true, 30, QStringLiteral("A"))));
+        QVERIFY(p.AddEvent(ajouter(QDateTime(QDate(2026, 3, 9), QTime(10, 0)), false, 30, QStringLiteral("B"))));
+        QVERIFY(p.AddEvent(ajouter(QDateTime(QDate(2026, 1, 5), QTime(10, 0)), true, 30, QStringLiteral("C"))));
+        // A series without reminder, one occurrence of which has one.
+        CalendarEventPtr d1 = ajouter(QDateTime(QDate(2026, 3, 2), QTime(8, 0)), false, 60, QStringLiteral("D"));
+        d1->CreateRecurrence();
+        QVERIFY(p.AddEvent(d1));
+        CalendarEventPtr occ = p.RetrieveDayEvents(QDate(2026, 3, 9)).first();
+        QCOMPARE(occ->Subject(), QStringLiteral("D"));
+        occ->setIsReminder(true);
+        QVERIFY(p.ChangeEvent(occ));
+        // A series under reminder that has not begun.
+        CalendarEventPtr e1 = ajouter(QDateTime(QDate(2026, 3, 20), QTime(8, 0)), true, 60, QStringLiteral("E"));
+        e1->CreateRecurrence();
+        QVERIFY(p.AddEvent(e1));
+
+        const QDateTime depuis = borne ? QDateTime(QDate(2026, 3, 8), QTime(0, 0)) : QDateTime();
+        QList<CalendarEventPtr> lignes;
+        p.store()->DoGetUpcomingEvents(QDateTime(QDate(2026, 3, 9), QTime(9, 0)), 45, lignes, depuis);
+        QStringList lus;
+        for (const CalendarEventPtr &e : lignes)
+            lus << e->Subject();
+        lus.sort();
+        QCOMPARE(lus, sujets);
+    }
+
     void genresIndisponibles_data()
     {
         QTest::addColumn<int>("genre");
