@@ -28,9 +28,9 @@ QString fichierSansCasse(const QString &dossier, const QString &nom)
 
 } // namespace
 
-void LireLiaisons(AppState &etat)
+void LireLiaisons(AppState &etat, const QString &fichierAgendaIni)
 {
-    const QString agendaIni = CheminAgendaIni();
+    const QString agendaIni = fichierAgendaIni.isEmpty() ? CheminAgendaIni() : fichierAgendaIni;
     std::array<QString, 5> *cibles[] = {&etat.Path, &etat.Identity, &etat.Zek};
     for (int f = 0; f < 3; ++f) {
         for (int i = 1; i <= 4; ++i)

@@ -20,8 +20,9 @@ extern QString ChoixBase;
 extern bool ChoixBaseValide;
 
 // Reads the twelve keys into the state, Path1 to Path4, Identity1 to
-// Identity4, Zek1 to Zek4, each empty by default.
-void LireLiaisons(AppState &etat);
+// Identity4, Zek1 to Zek4, each empty by default, from the agenda's section
+// of the given Agenda.ini (the program folder's when none is given).
+void LireLiaisons(AppState &etat, const QString &agendaIni = {});
 
 // Writes the twelve keys in the same order (index 1 to 4 of each array),
 // then reads them back into the state.

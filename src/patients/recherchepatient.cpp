@@ -7,6 +7,7 @@
 #include "shell/support.h"
 
 #include <QApplication>
+#include <QFontMetrics>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -143,6 +144,15 @@ RecherchePatient::RecherchePatient(Genre genre, QWidget *parent)
     DBGrid1->verticalHeader()->setDefaultSectionSize(DBGrid1->fontMetrics().height() + 6);
     DBGrid1->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     DBGrid1->horizontalHeader()->setStretchLastSection(true);
+    // Every column at least as wide as its caption: the secretary must read
+    // "Date de Naissance" whole. Measured on the captions only, so that no
+    // row is fetched for it.
+    const QFontMetrics mesureEntete(DBGrid1->horizontalHeader()->font());
+    for (int colonne = 0; colonne < m_modele->columnCount(); ++colonne) {
+        const QString legende = m_modele->headerData(colonne, Qt::Horizontal, Qt::DisplayRole).toString();
+        DBGrid1->setColumnWidth(colonne, std::max(DBGrid1->horizontalHeader()->defaultSectionSize(),
+                                                  mesureEntete.horizontalAdvance(legende) + 24));
+    }
     DBGrid1->setMinimumSize(680, 260);
 
     lb = new QLabel(this);

@@ -4,6 +4,7 @@
 #include "calendar/openprovider.h"
 #include "calendar/reminderengine.h"
 #include "cipher/encryptx.h"
+#include "patients/liaisons.h"
 #include "patients/schemapatients.h"
 #include "rules/regles.h"
 #include "shell/appstate.h"
@@ -122,12 +123,7 @@ std::optional<QString> Demarrage::charger(ParametresFenetre &p)
     m_etat.PauseDebut = LireConfig(ouverture, QStringLiteral("PauseDebut"), QStringLiteral("12:00:00"));
     m_etat.PauseFin = LireConfig(ouverture, QStringLiteral("PauseFin"), QStringLiteral("14:00:00"));
 
-    for (int i = 1; i <= 4; ++i)
-        m_etat.Path[i] = LireIni(agenda, QStringLiteral("Path%1").arg(i), QString(), agendaIni);
-    for (int i = 1; i <= 4; ++i)
-        m_etat.Identity[i] = LireIni(agenda, QStringLiteral("Identity%1").arg(i), QString(), agendaIni);
-    for (int i = 1; i <= 4; ++i)
-        m_etat.Zek[i] = LireIni(agenda, QStringLiteral("Zek%1").arg(i), QString(), agendaIni);
+    LireLiaisons(m_etat, agendaIni);
     return std::nullopt;
 }
 
