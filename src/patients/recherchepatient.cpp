@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QStyle>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -148,12 +149,18 @@ RecherchePatient::RecherchePatient(Genre genre, QWidget *parent)
     // "Date de Naissance" whole. Measured on the captions only, so that no
     // row is fetched for it.
     const QFontMetrics mesureEntete(DBGrid1->horizontalHeader()->font());
+    int largeurColonnes = 0;
     for (int colonne = 0; colonne < m_modele->columnCount(); ++colonne) {
         const QString legende = m_modele->headerData(colonne, Qt::Horizontal, Qt::DisplayRole).toString();
-        DBGrid1->setColumnWidth(colonne, std::max(DBGrid1->horizontalHeader()->defaultSectionSize(),
-                                                  mesureEntete.horizontalAdvance(legende) + 24));
+        const int largeur = std::max(DBGrid1->horizontalHeader()->defaultSectionSize(),
+                                     mesureEntete.horizontalAdvance(legende) + 24);
+        DBGrid1->setColumnWidth(colonne, largeur);
+        largeurColonnes += largeur;
     }
-    DBGrid1->setMinimumSize(680, 260);
+    // The seven columns fit without scrolling sideways.
+    DBGrid1->setMinimumWidth(largeurColonnes + DBGrid1->verticalHeader()->sizeHint().width() +
+                             DBGrid1->style()->pixelMetric(QStyle::PM_ScrollBarExtent) + 2 * DBGrid1->frameWidth() + 4);
+    DBGrid1->setMinimumHeight(260);
 
     lb = new QLabel(this);
     lb->setObjectName(QStringLiteral("lb"));
