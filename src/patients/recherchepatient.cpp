@@ -346,9 +346,8 @@ void RecherchePatient::OuvrirFiche()
         ErreurRecherche erreur;
         if (resultat.lire(i, &erreur))
             break;
-        const QString texte = QStringLiteral("Erreur %1 lors de l'ouverture de la fiche\n%2")
-                                  .arg(erreur.numero)
-                                  .arg(erreur.description);
+        // The number alone: unlike the search's, this box gives no text.
+        const QString texte = QStringLiteral("Erreur %1 lors de l'ouverture de la fiche").arg(erreur.numero);
         const Prompt::Reponse r = Prompt::demander({titreProgramme, texte, Prompt::Icone::Critique,
                                                     Prompt::Boutons::ReessayerAnnuler, Prompt::Reponse::Annuler});
         if (r != Prompt::Reponse::Reessayer)
