@@ -254,7 +254,8 @@ void RecherchePatient::deplacer(int pas)
 void RecherchePatient::verifierDateNaissance()
 {
     const QString texte = Text3->text();
-    if (texte.trimmed().isEmpty() || LireDateTexte(texte).isValid())
+    // Only a field left truly empty is spared: blanks alone are no date.
+    if (texte.isEmpty() || LireDateTexte(texte).isValid())
         return;
     Prompt::informer(QStringLiteral("Erreur de saisie"), QStringLiteral("Veuillez vérifier la date de naissance saisie."),
                      Prompt::Icone::Exclamation);

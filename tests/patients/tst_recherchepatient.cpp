@@ -429,6 +429,7 @@ private slots:
         QTest::newRow("année courte") << "1/2/85" << false;
         QTest::newRow("31 février") << "31/02/1970" << true;
         QTest::newRow("texte") << "hier" << true;
+        QTest::newRow("blancs seuls") << "   " << true;
     }
     void dateDeNaissance()
     {
