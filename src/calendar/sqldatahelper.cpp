@@ -161,10 +161,12 @@ CalendarRecurrencePatternPtr SQLDataHelper::CreateRPatternFromRS(const RecordSou
         p->Options().setData(integer(rs.field(QStringLiteral("OptionsData1"))), integer(rs.field(QStringLiteral("OptionsData2"))),
                              integer(rs.field(QStringLiteral("OptionsData3"))), integer(rs.field(QStringLiteral("OptionsData4"))));
         p->CustomProperties().LoadFromString(text(rs.field(QStringLiteral("CustomPropertiesXMLData"))));
+        // Reading the exceptions is a step of this reader like the others: a
+        // failing statement leaves the pattern out, as an unreadable column does.
+        ReadRPatternExceptions(p, connection);
     } catch (const FieldError &) {
         return {};
     }
-    ReadRPatternExceptions(p, connection);
     return p;
 }
 

@@ -34,7 +34,8 @@ public:
     [[nodiscard]] CalendarEventPtr CreateEventFromRS(const RecordSource &rs, bool exception = false) const;
     // Fills the row column by column; a failure leaves it half filled.
     void PutEventToRS(const CalendarEvent &event, RecordSink &rs) const;
-    // Reads the pattern and then its exceptions through the connection.
+    // Reads the pattern and then its exceptions through the connection;
+    // nothing when a column or the exceptions' statement fails.
     [[nodiscard]] CalendarRecurrencePatternPtr CreateRPatternFromRS(const RecordSource &rs, RecordConnection &connection) const;
     void PutRPatternToRS(const CalendarRecurrencePattern &pattern, RecordSink &rs) const;
     // A failing statement goes out to the caller (FieldError).

@@ -516,6 +516,27 @@ private Q_SLOTS:
         MemoryRecord sortie(r.columns());
         h.PutRPatternToRS(*p, sortie);
         QCOMPARE(sortie.writeOrder(), r.columns().mid(1));
+
+        // A failing exceptions statement is swallowed with the rest of the
+        // reader's failures: the pattern is left out, nothing is thrown.
+        class ConnexionEnPanne final : public RecordConnection
+        {
+        public:
+            int appels = 0;
+            std::unique_ptr<RecordCursor> execute(const QString &) override
+            {
+                ++appels;
+                throw FieldError(QStringLiteral("Table 'CalendarEvents' doesn't exist"));
+            }
+        } enPanne;
+        CalendarRecurrencePatternPtr sansExceptions;
+        try {
+            sansExceptions = h.CreateRPatternFromRS(r, enPanne);
+        } catch (const FieldError &e) {
+            QFAIL(e.what());
+        }
+        QCOMPARE(enPanne.appels, 1);
+        QVERIFY(!sansExceptions);
     }
 };
 
