@@ -360,7 +360,10 @@ QString SQLDataHelper::MakeGetUpcomingEventsSQL(int kind, const QDateTime &start
     if (!filter)
         return s;
 
-    const QString T = MakeSQLDateTime(start.addSecs(qint64(minutes) * 60));
+    // Calendar times are wall-clock times: the minutes are added to the
+    // clock reading, with no regard to a change of summer time in between.
+    const QDateTime horloge(start.date(), start.time(), Qt::UTC);
+    const QString T = MakeSQLDateTime(horloge.addSecs(qint64(minutes) * 60));
     QString E;
     if (kind == 4)
         E = QStringLiteral(" DATEADD(\"n\", -1 * ReminderMinutesBeforeStart, StartDateTime) ");

@@ -327,6 +327,28 @@ private Q_SLOTS:
         QCOMPARE(SQLDataHelper::MakeGetUpcomingEventsSQL(genre, QDateTime(QDate(2014, 2, 3), QTime(9, 0)), 90, filtre), attendu);
     }
 
+    // The end of the window is the clock reading plus the minutes, also
+    // across the nights when summer time begins or ends (Paris time here).
+    void finDeFenetre_data()
+    {
+        QTest::addColumn<QDateTime>("debut");
+        QTest::addColumn<int>("minutes");
+        QTest::addColumn<QString>("fin");
+        QTest::newRow("jour ordinaire") << QDateTime(QDate(2026, 3, 28), QTime(1, 30)) << 90 << "{ts'2026-03-28 03:00:00'}";
+        QTest::newRow("passage à l'heure d'été") << QDateTime(QDate(2026, 3, 29), QTime(1, 30)) << 90 << "{ts'2026-03-29 03:00:00'}";
+        QTest::newRow("retour à l'heure d'hiver") << QDateTime(QDate(2026, 10, 25), QTime(1, 30)) << 90 << "{ts'2026-10-25 03:00:00'}";
+        QTest::newRow("deux jours") << QDateTime(QDate(2026, 10, 24), QTime(8, 0)) << 2880 << "{ts'2026-10-26 08:00:00'}";
+        QTest::newRow("minutes négatives") << QDateTime(QDate(2026, 3, 29), QTime(4, 0)) << -180 << "{ts'2026-03-29 01:00:00'}";
+    }
+    void finDeFenetre()
+    {
+        QFETCH(QDateTime, debut);
+        QFETCH(int, minutes);
+        QFETCH(QString, fin);
+        const QString sql = SQLDataHelper::MakeGetUpcomingEventsSQL(5, debut, minutes, true);
+        QVERIFY2(sql.endsWith(QStringLiteral(" <= ") + fin), qPrintable(sql.right(40)));
+    }
+
     void lectureLigne_data()
     {
         QTest::addColumn<bool>("exception");
