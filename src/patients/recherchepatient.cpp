@@ -235,7 +235,11 @@ bool RecherchePatient::eventFilter(QObject *objet, QEvent *evenement)
             break;
         }
     } else if (evenement->type() == QEvent::FocusOut && objet == Text3) {
-        verifierDateNaissance();
+        // Only leaving the field for another control counts: switching to
+        // another window, or a menu opening, leaves the date unchecked.
+        const Qt::FocusReason raison = static_cast<QFocusEvent *>(evenement)->reason();
+        if (raison != Qt::ActiveWindowFocusReason && raison != Qt::PopupFocusReason)
+            verifierDateNaissance();
     }
     return QDialog::eventFilter(objet, evenement);
 }

@@ -423,22 +423,29 @@ private slots:
     void dateDeNaissance_data()
     {
         QTest::addColumn<QString>("texte");
+        QTest::addColumn<int>("raison");
         QTest::addColumn<bool>("message");
-        QTest::newRow("vide") << "" << false;
-        QTest::newRow("valide") << "25/03/1970" << false;
-        QTest::newRow("année courte") << "1/2/85" << false;
-        QTest::newRow("31 février") << "31/02/1970" << true;
-        QTest::newRow("texte") << "hier" << true;
-        QTest::newRow("blancs seuls") << "   " << true;
+        const int tab = Qt::TabFocusReason;
+        QTest::newRow("vide") << "" << tab << false;
+        QTest::newRow("valide") << "25/03/1970" << tab << false;
+        QTest::newRow("année courte") << "1/2/85" << tab << false;
+        QTest::newRow("31 février") << "31/02/1970" << tab << true;
+        QTest::newRow("texte") << "hier" << tab << true;
+        QTest::newRow("blancs seuls") << "   " << tab << true;
+        QTest::newRow("clic ailleurs") << "hier" << int(Qt::MouseFocusReason) << true;
+        // The field is not left when the user goes to another window.
+        QTest::newRow("autre fenêtre") << "hier" << int(Qt::ActiveWindowFocusReason) << false;
+        QTest::newRow("menu") << "hier" << int(Qt::PopupFocusReason) << false;
     }
     void dateDeNaissance()
     {
         QFETCH(QString, texte);
+        QFETCH(int, raison);
         QFETCH(bool, message);
         RepondeurScripte repondeur;
         auto d = dialogue(true);
         d->Text3->setText(texte);
-        QFocusEvent sortie(QEvent::FocusOut);
+        QFocusEvent sortie(QEvent::FocusOut, static_cast<Qt::FocusReason>(raison));
         QApplication::sendEvent(d->Text3, &sortie);
         if (message) {
             QCOMPARE(repondeur.textes(), QStringList{QStringLiteral("Veuillez vérifier la date de naissance saisie.")});
