@@ -378,9 +378,17 @@ void RecherchePatient::OuvrirFiche()
 
 void RecherchePatient::Abandon()
 {
+    reject();
+}
+
+// Escape and the window's close box leave as "Abandon" does: otherwise the
+// outcome of an earlier search would stay behind and the caller would open
+// a patient card nobody asked for.
+void RecherchePatient::reject()
+{
     RetourRecherche = 0;
     ViderPatientCourant();
-    reject();
+    QDialog::reject();
 }
 
 void RecherchePatient::CreerPatient()

@@ -72,6 +72,7 @@ protected:
     RecherchePatient(Genre genre, QWidget *parent);
 
     void showEvent(QShowEvent *event) override;
+    void reject() override;
     bool eventFilter(QObject *objet, QEvent *evenement) override;
 
 private:

@@ -364,6 +364,8 @@ private slots:
         QTest::addColumn<int>("numeroApres");
         QTest::addColumn<QString>("message");
         QTest::newRow("abandon") << "Btn_Abandon" << 5 << 0 << true << 0 << "";
+        QTest::newRow("échap") << "Escape" << 5 << 0 << true << 0 << "";
+        QTest::newRow("case de fermeture") << "close" << 5 << 0 << true << 0 << "";
         QTest::newRow("créer") << "Btn_Creer_Patient" << 5 << 3 << true << 5 << "";
         QTest::newRow("F11") << "F11" << 0 << 3 << true << 0 << "";
         QTest::newRow("patient en cours") << "Btn_Lire_carte" << 5 << 4 << true << 5 << "";
@@ -384,6 +386,10 @@ private slots:
         auto d = dialogue(true);
         if (commande == QLatin1String("F11"))
             QTest::keyClick(d->Text2, Qt::Key_F11);
+        else if (commande == QLatin1String("Escape"))
+            QTest::keyClick(d->Text1, Qt::Key_Escape);
+        else if (commande == QLatin1String("close"))
+            d->close();
         else
             QTest::mouseClick(controle<QPushButton>(d.get(), commande.toLatin1().constData()), Qt::LeftButton);
         QCOMPARE(RetourRecherche, retour);
