@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 
 // Written against libical 3: its iterator takes the rule by value; later
@@ -125,6 +126,99 @@ icaltimetype versIcal(QDate jour)
     return t;
 }
 
+std::atomic<bool> arithmetiqueActive = true;
+
+// The days of the daily and weekly rules worked out by plain date arithmetic:
+// a step costs nothing, where libical's iterator goes through a full calendar
+// computation for each one (and a week read meets dozens of series, walked
+// from their first day when they are counted). They give the days libical
+// gives for the same rule text; anything else is left to libical.
+class RegleSimple final
+{
+public:
+    // Recognises the rule texts written by regle() for these kinds.
+    static std::optional<RegleSimple> depuisTexte(const QString &texte, QDate premier)
+    {
+        RegleSimple r;
+        r.m_premier = premier;
+        r.m_prochain = premier;
+        if (texte == QLatin1String("FREQ=DAILY;BYDAY=MO,TU,WE,TH,FR")) {
+            r.m_intervalle = 1;
+            r.m_masque = 0b0111110;
+            r.m_semaines = true;
+        } else if (texte.startsWith(QLatin1String("FREQ=DAILY;INTERVAL="))) {
+            bool ok = false;
+            r.m_intervalle = texte.mid(20).toInt(&ok);
+            if (!ok || r.m_intervalle < 1)
+                return std::nullopt;
+        } else if (texte.startsWith(QLatin1String("FREQ=WEEKLY;INTERVAL="))) {
+            const QStringList parties = texte.split(u';');
+            if (parties.size() != 4 || parties.at(2) != QLatin1String("WKST=MO") || !parties.at(3).startsWith(QLatin1String("BYDAY=")))
+                return std::nullopt;
+            bool ok = false;
+            r.m_intervalle = parties.at(1).mid(9).toInt(&ok);
+            if (!ok || r.m_intervalle < 1)
+                return std::nullopt;
+            static const char *const codes[7] = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
+            for (const QString &jour : parties.at(3).mid(6).split(u',')) {
+                const auto it = std::find_if(std::begin(codes), std::end(codes), [&](const char *c) { return jour == QLatin1String(c); });
+                if (it == std::end(codes))
+                    return std::nullopt;
+                r.m_masque |= 1 << (it - std::begin(codes));
+            }
+            if (r.m_masque == 0)
+                return std::nullopt;
+            r.m_semaines = true;
+        } else {
+            return std::nullopt;
+        }
+        // Weeks counted from the Monday of the first day's week.
+        r.m_lundi = premier.addDays(1 - premier.dayOfWeek());
+        return r;
+    }
+
+    void allerA(QDate jour)
+    {
+        if (jour <= m_premier)
+            return;
+        if (m_semaines) {
+            m_prochain = jour;
+        } else {
+            const qint64 pas = (m_premier.daysTo(jour) + m_intervalle - 1) / m_intervalle;
+            m_prochain = m_premier.addDays(pas * m_intervalle);
+        }
+    }
+
+    [[nodiscard]] QDate suivant()
+    {
+        if (!m_semaines) {
+            const QDate jour = m_prochain;
+            m_prochain = m_prochain.addDays(m_intervalle);
+            return jour;
+        }
+        for (;;) {
+            const qint64 semaine = m_lundi.daysTo(m_prochain) / 7;
+            if (semaine % m_intervalle != 0) {
+                // On to the Monday of the next week of the series.
+                m_prochain = m_lundi.addDays(7 * (semaine + m_intervalle - semaine % m_intervalle));
+                continue;
+            }
+            const QDate jour = m_prochain;
+            m_prochain = m_prochain.addDays(1);
+            if (m_masque & bitDuJour(jour))
+                return jour;
+        }
+    }
+
+private:
+    QDate m_premier;
+    QDate m_lundi;
+    QDate m_prochain;
+    int m_intervalle = 1;
+    int m_masque = 0;
+    bool m_semaines = false;
+};
+
 // The one owner of a libical iterator. Dates only: the time of day of the
 // series is put on afterwards, as a wall-clock time.
 class IterateurIcal final
@@ -134,6 +228,11 @@ public:
     {
         if (texte.isEmpty() || !debut.isValid())
             return;
+        if (arithmetiqueActive) {
+            m_simple = RegleSimple::depuisTexte(texte, debut);
+            if (m_simple)
+                return;
+        }
         const QByteArray octets = texte.toLatin1();
         icalrecurrencetype r = icalrecurrencetype_from_string(octets.constData());
         if (r.freq == ICAL_NO_RECURRENCE)
@@ -150,12 +249,21 @@ public:
 
     // Jumps ahead to the first occurrence on or after the day. The rule never
     // carries COUNT (we count ourselves), which libical requires for this.
-    bool allerA(QDate jour) { return m_it && icalrecur_iterator_set_start(m_it, versIcal(jour)) != 0; }
+    bool allerA(QDate jour)
+    {
+        if (m_simple) {
+            m_simple->allerA(jour);
+            return true;
+        }
+        return m_it && icalrecur_iterator_set_start(m_it, versIcal(jour)) != 0;
+    }
 
     [[nodiscard]] QDate suivant()
     {
-        if (!m_it || ++m_pas > pasMaximum)
+        if ((!m_it && !m_simple) || ++m_pas > pasMaximum)
             return {};
+        if (m_simple)
+            return m_simple->suivant();
         const icaltimetype t = icalrecur_iterator_next(m_it);
         if (icaltime_is_null_time(t))
             return {};
@@ -164,6 +272,7 @@ public:
 
 private:
     icalrecur_iterator *m_it = nullptr;
+    std::optional<RegleSimple> m_simple;
     int m_pas = 0;
 };
 
@@ -338,6 +447,11 @@ void parcourir(const CalendarRecurrencePattern &p, QDate depuis, Visite visite)
 void SetOccurrenceCacheEnabled(bool enabled)
 {
     cache().actif = enabled;
+}
+
+void SetRuleArithmeticEnabled(bool enabled)
+{
+    arithmetiqueActive = enabled;
 }
 
 namespace {

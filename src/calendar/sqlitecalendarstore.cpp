@@ -1,5 +1,6 @@
 #include "calendar/sqlitecalendarstore.h"
 
+#include "calendar/calendardataprovider.h"
 #include "shell/basesqlite.h"
 
 #include <sqlite3.h>
@@ -10,6 +11,10 @@
 #include <QSqlQuery>
 #include <QScopeGuard>
 #include <QSqlRecord>
+
+#include <array>
+#include <cmath>
+#include <limits>
 
 namespace {
 
@@ -156,6 +161,171 @@ private:
     bool m_echec = false;
 };
 
+
+// The event rows of a statement mapped straight from SQLite's own values, for
+// the day reads and the series read with them. The mapping is the record
+// mapping's (SQLDataHelper::CreateEventFromRS), column for column: a value of
+// the expected kind is taken as it is, anything else goes through the same
+// strict conversions, and a row with a missing or unreadable column is
+// skipped. Positions are found once per statement, and a date-time met again
+// in the same read is not converted to local time again.
+class LecteurEvenements final
+{
+public:
+    enum Colonne {
+        EventID, Subject, Location, Body, IsMeeting, IsPrivate, LabelID, BusyStatus, ImportanceLevel, StartDateTime,
+        EndDateTime, IsAllDayEvent, IsReminder, ReminderMinutesBeforeStart, RemainderSoundFile, RecurrenceState,
+        RecurrencePatternID, RExceptionStartTimeOrig, RExceptionEndTimeOrig, ISRecurrenceExceptionDeleted,
+        CustomPropertiesXMLData, CustomIconsIDs, ScheduleID, CreationTime, LastModificationTime, NombreDeColonnes
+    };
+
+    LecteurEvenements(sqlite3_stmt *st, const CalendarDataProvider *calendrier)
+        : m_st(st)
+        , m_calendrier(calendrier)
+    {
+        static const char *const noms[NombreDeColonnes] = {
+            "EventID", "Subject", "Location", "Body", "IsMeeting", "IsPrivate", "LabelID", "BusyStatus", "ImportanceLevel",
+            "StartDateTime", "EndDateTime", "IsAllDayEvent", "IsReminder", "ReminderMinutesBeforeStart", "RemainderSoundFile",
+            "RecurrenceState", "RecurrencePatternID", "RExceptionStartTimeOrig", "RExceptionEndTimeOrig",
+            "ISRecurrenceExceptionDeleted", "CustomPropertiesXMLData", "CustomIconsIDs", "ScheduleID", "CreationTime",
+            "LastModificationTime"};
+        m_positions.fill(-1);
+        const int n = sqlite3_column_count(st);
+        for (int quoi = 0; quoi < NombreDeColonnes; ++quoi) {
+            for (int i = 0; i < n && m_positions[quoi] < 0; ++i) {
+                if (sqlite3_stricmp(sqlite3_column_name(st, i), noms[quoi]) == 0)
+                    m_positions[quoi] = i;
+            }
+        }
+    }
+
+    // The current row as a record; nothing when the row cannot be mapped.
+    [[nodiscard]] CalendarEventPtr lire(bool exception = false)
+    {
+        try {
+            const qint32 id = entier(EventID);
+            if (!m_calendrier)
+                return {};
+            CalendarEventPtr e = m_calendrier->CreateEventFromId(id);
+            if (!e)
+                return {};
+            e->setSubject(texte(Subject));
+            e->setLocation(texte(Location));
+            e->setBody(texte(Body));
+            e->setIsMeeting(entier(IsMeeting) != 0);
+            e->setIsPrivate(entier(IsPrivate) != 0);
+            e->setLabelID(entier(LabelID));
+            e->setBusyStatus(entier(BusyStatus));
+            e->setImportanceLevel(entier(ImportanceLevel));
+            e->setStartDateTime(date(StartDateTime));
+            e->setEndDateTime(date(EndDateTime));
+            e->setIsAllDayEvent(entier(IsAllDayEvent) != 0);
+            e->setIsReminder(entier(IsReminder) != 0);
+            e->setReminderMinutesBeforeStart(entier(ReminderMinutesBeforeStart));
+            e->setReminderSoundFile(texte(RemainderSoundFile));
+            e->CustomProperties().LoadFromString(texte(CustomPropertiesXMLData));
+            e->CustomIcons().LoadFromString(texte(CustomIconsIDs));
+            e->setScheduleID(entier(ScheduleID));
+            if (exception) {
+                e->MarkAsRecurrenceException();
+                e->setRExceptionStartTimeOrig(date(RExceptionStartTimeOrig));
+                e->setRExceptionEndTimeOrig(date(RExceptionEndTimeOrig));
+                e->setRExceptionDeleted(entier(ISRecurrenceExceptionDeleted) != 0);
+            } else {
+                e->CustomProperties().SetProperty(CustomProperties::RecurrenceStateEntry, entier(RecurrenceState));
+                e->CustomProperties().SetProperty(CustomProperties::RecurrencePatternIDEntry, entier(RecurrencePatternID));
+            }
+            try {
+                e->setCreationTime(date(CreationTime));
+                e->setLastModificationTime(date(LastModificationTime));
+            } catch (const FieldError &) {
+                // Times of a row written by another program: left unset.
+            }
+            return e;
+        } catch (const FieldError &) {
+            return {};
+        }
+    }
+
+    // A number column of the current row (FieldError when unreadable).
+    [[nodiscard]] qint32 entier(Colonne quoi) const
+    {
+        const int i = position(quoi);
+        if (sqlite3_column_type(m_st, i) == SQLITE_INTEGER) {
+            const sqlite3_int64 n = sqlite3_column_int64(m_st, i);
+            if (n >= std::numeric_limits<qint32>::min() && n <= std::numeric_limits<qint32>::max())
+                return qint32(n);
+        }
+        return RecordValue::integer(valeur(i));
+    }
+
+private:
+    [[nodiscard]] int position(Colonne quoi) const
+    {
+        const int i = m_positions[quoi];
+        if (i < 0)
+            throw FieldError(QStringLiteral("colonne inconnue : ") + QString::number(int(quoi)));
+        return i;
+    }
+
+    // The value as the general database layer hands it.
+    [[nodiscard]] QVariant valeur(int i) const
+    {
+        switch (sqlite3_column_type(m_st, i)) {
+        case SQLITE_INTEGER:
+            return qlonglong(sqlite3_column_int64(m_st, i));
+        case SQLITE_FLOAT:
+            return sqlite3_column_double(m_st, i);
+        case SQLITE_NULL:
+            return {};
+        case SQLITE_BLOB:
+            return QByteArray(static_cast<const char *>(sqlite3_column_blob(m_st, i)), sqlite3_column_bytes(m_st, i));
+        default:
+            return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_st, i)), sqlite3_column_bytes(m_st, i));
+        }
+    }
+
+    [[nodiscard]] QString texte(Colonne quoi) const
+    {
+        const int i = position(quoi);
+        if (sqlite3_column_type(m_st, i) == SQLITE_TEXT) {
+            const auto *octets = reinterpret_cast<const char *>(sqlite3_column_text(m_st, i));
+            const int n = sqlite3_column_bytes(m_st, i);
+            // An empty text is a text, not a missing value.
+            return n == 0 ? QStringLiteral("") : QString::fromUtf8(octets, n);
+        }
+        return RecordValue::text(valeur(i));
+    }
+
+    [[nodiscard]] QDateTime date(Colonne quoi)
+    {
+        const int i = position(quoi);
+        if (sqlite3_column_type(m_st, i) == SQLITE_TEXT) {
+            const auto *octets = reinterpret_cast<const char *>(sqlite3_column_text(m_st, i));
+            QDate j;
+            QTime h;
+            if (RecordValue::parseIsoText(QLatin1StringView(octets, sqlite3_column_bytes(m_st, i)), j, h)) {
+                if (j == QDate(1899, 12, 30) && h == QTime(0, 0))
+                    return {};
+                // Placing a wall-clock time in the local zone asks the C
+                // library each time; a read meets the same times again and
+                // again (the slots of the day, ends that are starts).
+                const qint64 cle = j.toJulianDay() * 86400 + h.msecsSinceStartOfDay() / 1000;
+                auto it = m_dates.constFind(cle);
+                if (it == m_dates.cend())
+                    it = m_dates.insert(cle, QDateTime(j, h));
+                return *it;
+            }
+        }
+        return RecordValue::dateTime(valeur(i));
+    }
+
+    sqlite3_stmt *m_st;
+    const CalendarDataProvider *m_calendrier;
+    std::array<int, NombreDeColonnes> m_positions{};
+    QHash<qint64, QDateTime> m_dates;
+};
+
 } // namespace
 
 QString NomDeCoteStore(const QString &path, const QDateTime &moment)
@@ -197,8 +367,10 @@ void SqliteCalendarStore::Close()
     if (m_base && m_changeDepth > 0)
         m_base->executer(QStringLiteral("ROLLBACK"));
     m_changeDepth = 0;
-    sqlite3_finalize(m_rangeStmt);
-    m_rangeStmt = nullptr;
+    for (sqlite3_stmt **st : {&m_rangeStmt, &m_patternsStmt, &m_seriesExceptionsStmt}) {
+        sqlite3_finalize(*st);
+        *st = nullptr;
+    }
     m_pattern.reset();
     m_exceptions.reset();
     m_base.reset();
@@ -213,6 +385,19 @@ QSqlQuery &SqliteCalendarStore::prepared(std::unique_ptr<QSqlQuery> &slot, const
     }
     slot->finish();
     return *slot;
+}
+
+bool SqliteCalendarStore::prepareKept(sqlite3_stmt *&slot, const QString &sql)
+{
+    if (slot)
+        return true;
+    const QByteArray texte = sql.toUtf8();
+    if (sqlite3_prepare_v2(m_base->poignee(), texte.constData(), int(texte.size()), &slot, nullptr) == SQLITE_OK)
+        return true;
+    m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
+    sqlite3_finalize(slot);
+    slot = nullptr;
+    return false;
 }
 
 bool SqliteCalendarStore::ensureSchema()
@@ -314,33 +499,20 @@ void SqliteCalendarStore::DoRetrieveRangeEvents(const QDate &first, const QDate 
     const QString fin = RecordValue::isoText(QDateTime(last.addDays(1), QTime(0, 0)));
     const QString avant = RecordValue::isoText(QDateTime(first.addDays(-1), QTime(0, 0)));
     m_readFailed = true;
-    if (!m_rangeStmt) {
-        const QByteArray sql = rangeStatement().toUtf8();
-        if (sqlite3_prepare_v2(m_base->poignee(), sql.constData(), int(sql.size()), &m_rangeStmt, nullptr) != SQLITE_OK) {
-            m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
-            sqlite3_finalize(m_rangeStmt);
-            m_rangeStmt = nullptr;
-            return;
-        }
-    }
+    if (!prepareKept(m_rangeStmt, rangeStatement()))
+        return;
     int i = 0;
     for (const QString &v : {avant, fin, debut, debut, fin}) {
         const QByteArray t = v.toUtf8();
         sqlite3_bind_text(m_rangeStmt, ++i, t.constData(), int(t.size()), SQLITE_TRANSIENT);
     }
-    CurseurSqlite rs(m_rangeStmt);
-    while (!rs.atEnd()) {
-        if (CalendarEventPtr e = m_helper.CreateEventFromRS(rs)) {
-            try {
-                e->setCreationTime(RecordValue::dateTime(rs.field(QStringLiteral("CreationTime"))));
-                e->setLastModificationTime(RecordValue::dateTime(rs.field(QStringLiteral("LastModificationTime"))));
-            } catch (const FieldError &) {
-            }
+    LecteurEvenements lecteur(m_rangeStmt, m_helper.calendar());
+    int rc = SQLITE_ROW;
+    while ((rc = sqlite3_step(m_rangeStmt)) == SQLITE_ROW) {
+        if (CalendarEventPtr e = lecteur.lire())
             events.append(e);
-        }
-        rs.next();
     }
-    m_readFailed = rs.echec();
+    m_readFailed = rc != SQLITE_DONE;
     if (m_readFailed)
         m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
     // A statement left open keeps the file locked for the other workstations.
@@ -414,55 +586,51 @@ QHash<int, CalendarRecurrencePatternPtr> SqliteCalendarStore::DoReadRPatterns(co
     QHash<int, CalendarRecurrencePatternPtr> lus;
     if (!m_base || patternIds.isEmpty())
         return lus;
-    // Keys are numbers: they go into the statement as text.
-    QStringList cles;
-    for (const int id : patternIds)
-        cles << QString::number(id);
-    const QString liste = QStringLiteral("(") + cles.join(QLatin1Char(',')) + QStringLiteral(")");
-
-    // A statement of this read, finalized when the read is over.
-    struct Instruction
-    {
-        sqlite3_stmt *st = nullptr;
-        ~Instruction() { sqlite3_finalize(st); }
-    };
-    auto preparer = [&](Instruction &i, const QString &sql) {
-        const QByteArray texte = sql.toUtf8();
-        if (sqlite3_prepare_v2(m_base->poignee(), texte.constData(), int(texte.size()), &i.st, nullptr) == SQLITE_OK)
-            return true;
-        m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
-        return false;
-    };
+    // The keys go in as one bound list, so that both statements stay
+    // prepared from one read to the next.
+    QByteArray liste = "[";
+    for (const int id : patternIds) {
+        if (liste.size() > 1)
+            liste += ',';
+        liste += QByteArray::number(id);
+    }
+    liste += ']';
+    if (!prepareKept(m_seriesExceptionsStmt,
+                     QStringLiteral("SELECT * FROM CalendarEvents WHERE RecurrenceState = 3"
+                                    " AND RecurrencePatternID IN (SELECT value FROM json_each(?))"))
+        || !prepareKept(m_patternsStmt, QStringLiteral("SELECT * FROM CalendarRecurrencePatterns"
+                                                       " WHERE RecurrencePatternID IN (SELECT value FROM json_each(?))")))
+        return lus;
+    // A statement left open keeps the file locked for the other workstations.
+    auto fermer = qScopeGuard([this] {
+        for (sqlite3_stmt *st : {m_seriesExceptionsStmt, m_patternsStmt}) {
+            sqlite3_reset(st);
+            sqlite3_clear_bindings(st);
+        }
+    });
 
     // All the exceptions of these series in one read, kept by series.
-    QHash<int, QList<MemoryRecord>> exceptions;
-    {
-        Instruction lecture;
-        if (!preparer(lecture, QStringLiteral("SELECT * FROM CalendarEvents WHERE RecurrenceState = 3 AND RecurrencePatternID IN ") + liste))
-            return lus;
-        CurseurSqlite rs(lecture.st);
-        const QStringList colonnes = rs.colonnes();
-        while (!rs.atEnd()) {
-            MemoryRecord ligne(colonnes);
-            for (const QString &c : colonnes)
-                ligne.setField(c, rs.field(c));
-            exceptions[ligne.field(QStringLiteral("RecurrencePatternID")).toInt()].append(ligne);
-            rs.next();
-        }
-    }
-    Instruction lecture;
-    if (!preparer(lecture, QStringLiteral("SELECT * FROM CalendarRecurrencePatterns WHERE RecurrencePatternID IN ") + liste))
-        return lus;
-    CurseurSqlite rs(lecture.st);
-    while (!rs.atEnd()) {
-        int id = 0;
+    QHash<int, QList<CalendarEventPtr>> exceptions;
+    sqlite3_bind_text(m_seriesExceptionsStmt, 1, liste.constData(), int(liste.size()), SQLITE_TRANSIENT);
+    LecteurEvenements lecteur(m_seriesExceptionsStmt, m_helper.calendar());
+    while (sqlite3_step(m_seriesExceptionsStmt) == SQLITE_ROW) {
         try {
-            id = RecordValue::integer(rs.field(QStringLiteral("RecurrencePatternID")));
+            const int serie = lecteur.entier(LecteurEvenements::RecurrencePatternID);
+            if (CalendarEventPtr e = lecteur.lire(true))
+                exceptions[serie].append(e);
         } catch (const FieldError &) {
         }
-        FixedRowsConnection connexion(exceptions.value(id));
-        if (CalendarRecurrencePatternPtr p = m_helper.CreateRPatternFromRS(rs, connexion))
+    }
+
+    sqlite3_bind_text(m_patternsStmt, 1, liste.constData(), int(liste.size()), SQLITE_TRANSIENT);
+    CurseurSqlite rs(m_patternsStmt);
+    FixedRowsConnection sansLignes({});
+    while (!rs.atEnd()) {
+        if (CalendarRecurrencePatternPtr p = m_helper.CreateRPatternFromRS(rs, sansLignes)) {
+            for (const CalendarEventPtr &e : exceptions.value(p->RecurrencePatternID()))
+                p->SetException(e);
             lus.insert(p->RecurrencePatternID(), p);
+        }
         rs.next();
     }
     return lus;
