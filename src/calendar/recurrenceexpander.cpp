@@ -128,52 +128,96 @@ icaltimetype versIcal(QDate jour)
 
 std::atomic<bool> arithmetiqueActive = true;
 
-// The days of the daily and weekly rules worked out by plain date arithmetic:
-// a step costs nothing, where libical's iterator goes through a full calendar
-// computation for each one (and a week read meets dozens of series, walked
-// from their first day when they are counted). They give the days libical
-// gives for the same rule text; anything else is left to libical.
+// The days of the rules that regle() writes, worked out by plain date
+// arithmetic: a step costs next to nothing, where libical's iterator goes
+// through a full calendar computation for each one (and a week read meets
+// dozens of series, walked from their first day when they are counted). They
+// give the days libical gives for the same rule text, weeks beginning on
+// Monday; a text of any other shape is left to libical.
 class RegleSimple final
 {
 public:
-    // Recognises the rule texts written by regle() for these kinds.
     static std::optional<RegleSimple> depuisTexte(const QString &texte, QDate premier)
     {
+        QHash<QString, QString> parties;
+        for (const QString &partie : texte.split(u';')) {
+            const qsizetype egal = partie.indexOf(u'=');
+            if (egal <= 0 || parties.contains(partie.left(egal)))
+                return std::nullopt;
+            parties.insert(partie.left(egal), partie.mid(egal + 1));
+        }
         RegleSimple r;
         r.m_premier = premier;
-        r.m_prochain = premier;
-        if (texte == QLatin1String("FREQ=DAILY;BYDAY=MO,TU,WE,TH,FR")) {
-            r.m_intervalle = 1;
-            r.m_masque = 0b0111110;
-            r.m_semaines = true;
-        } else if (texte.startsWith(QLatin1String("FREQ=DAILY;INTERVAL="))) {
+        r.m_plancher = premier;
+        auto nombre = [&](const QString &cle, int defaut, int &valeur) {
+            if (!parties.contains(cle)) {
+                valeur = defaut;
+                return true;
+            }
             bool ok = false;
-            r.m_intervalle = texte.mid(20).toInt(&ok);
-            if (!ok || r.m_intervalle < 1)
-                return std::nullopt;
-        } else if (texte.startsWith(QLatin1String("FREQ=WEEKLY;INTERVAL="))) {
-            const QStringList parties = texte.split(u';');
-            if (parties.size() != 4 || parties.at(2) != QLatin1String("WKST=MO") || !parties.at(3).startsWith(QLatin1String("BYDAY=")))
-                return std::nullopt;
-            bool ok = false;
-            r.m_intervalle = parties.at(1).mid(9).toInt(&ok);
-            if (!ok || r.m_intervalle < 1)
-                return std::nullopt;
+            valeur = parties.take(cle).toInt(&ok);
+            return ok;
+        };
+        auto masque = [&](int &valeur) {
             static const char *const codes[7] = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
-            for (const QString &jour : parties.at(3).mid(6).split(u',')) {
+            valeur = 0;
+            for (const QString &jour : parties.take(QStringLiteral("BYDAY")).split(u',')) {
                 const auto it = std::find_if(std::begin(codes), std::end(codes), [&](const char *c) { return jour == QLatin1String(c); });
                 if (it == std::end(codes))
-                    return std::nullopt;
-                r.m_masque |= 1 << (it - std::begin(codes));
+                    return false;
+                valeur |= 1 << (it - std::begin(codes));
             }
-            if (r.m_masque == 0)
+            return valeur != 0;
+        };
+        const QString frequence = parties.take(QStringLiteral("FREQ"));
+        if (!nombre(QStringLiteral("INTERVAL"), 1, r.m_intervalle) || r.m_intervalle < 1)
+            return std::nullopt;
+        if (frequence == QLatin1String("DAILY")) {
+            r.m_genre = Genre::Jours;
+            if (parties.contains(QStringLiteral("BYDAY"))) {
+                // Every weekday: the weeks of one week each.
+                if (!masque(r.m_masque) || r.m_intervalle != 1)
+                    return std::nullopt;
+                r.m_genre = Genre::Semaines;
+            }
+        } else if (frequence == QLatin1String("WEEKLY")) {
+            if (parties.take(QStringLiteral("WKST")) != QLatin1String("MO") || !masque(r.m_masque))
                 return std::nullopt;
-            r.m_semaines = true;
+            r.m_genre = Genre::Semaines;
+        } else if (frequence == QLatin1String("MONTHLY") || frequence == QLatin1String("YEARLY")) {
+            r.m_genre = Genre::Mois;
+            r.m_mois = premier.month();
+            if (frequence == QLatin1String("YEARLY")) {
+                if (r.m_intervalle != 1 || !nombre(QStringLiteral("BYMONTH"), 0, r.m_mois) || r.m_mois < 1 || r.m_mois > 12)
+                    return std::nullopt;
+                r.m_intervalle = 12;
+            }
+            if (!nombre(QStringLiteral("BYSETPOS"), 0, r.m_position) || r.m_position < -1 || r.m_position > 4)
+                return std::nullopt;
+            if (parties.contains(QStringLiteral("BYMONTHDAY"))) {
+                for (const QString &j : parties.take(QStringLiteral("BYMONTHDAY")).split(u',')) {
+                    bool ok = false;
+                    const int jour = j.toInt(&ok);
+                    if (!ok || jour < 1 || jour > 31 || (!r.m_joursDuMois.isEmpty() && jour <= r.m_joursDuMois.last()))
+                        return std::nullopt;
+                    r.m_joursDuMois.append(jour);
+                }
+                // One day, or the last existing one of a list.
+                if (r.m_position != (r.m_joursDuMois.size() == 1 && r.m_joursDuMois.first() <= 28 ? 0 : -1))
+                    return std::nullopt;
+            } else if (!masque(r.m_masque) || r.m_position == 0) {
+                return std::nullopt;
+            }
+            // Months counted from the month the series starts in (for a
+            // yearly rule, its month of the first day's year).
+            r.m_moisCourant = QDate(premier.year(), r.m_mois, 1);
         } else {
             return std::nullopt;
         }
-        // Weeks counted from the Monday of the first day's week.
+        if (!parties.isEmpty())
+            return std::nullopt;
         r.m_lundi = premier.addDays(1 - premier.dayOfWeek());
+        r.m_prochain = premier;
         return r;
     }
 
@@ -181,42 +225,99 @@ public:
     {
         if (jour <= m_premier)
             return;
-        if (m_semaines) {
-            m_prochain = jour;
-        } else {
+        switch (m_genre) {
+        case Genre::Jours: {
             const qint64 pas = (m_premier.daysTo(jour) + m_intervalle - 1) / m_intervalle;
             m_prochain = m_premier.addDays(pas * m_intervalle);
+            break;
+        }
+        case Genre::Semaines:
+            m_prochain = jour;
+            break;
+        case Genre::Mois: {
+            const QDate debut(m_premier.year(), m_mois, 1);
+            const int ecart = (jour.year() - debut.year()) * 12 + jour.month() - debut.month();
+            if (ecart > 0)
+                m_moisCourant = debut.addMonths(ecart / m_intervalle * m_intervalle);
+            m_plancher = jour;
+            break;
+        }
         }
     }
 
     [[nodiscard]] QDate suivant()
     {
-        if (!m_semaines) {
+        switch (m_genre) {
+        case Genre::Jours: {
             const QDate jour = m_prochain;
             m_prochain = m_prochain.addDays(m_intervalle);
             return jour;
         }
-        for (;;) {
-            const qint64 semaine = m_lundi.daysTo(m_prochain) / 7;
-            if (semaine % m_intervalle != 0) {
-                // On to the Monday of the next week of the series.
-                m_prochain = m_lundi.addDays(7 * (semaine + m_intervalle - semaine % m_intervalle));
-                continue;
+        case Genre::Semaines:
+            for (;;) {
+                const qint64 semaine = m_lundi.daysTo(m_prochain) / 7;
+                if (semaine % m_intervalle != 0) {
+                    // On to the Monday of the next week of the series.
+                    m_prochain = m_lundi.addDays(7 * (semaine + m_intervalle - semaine % m_intervalle));
+                    continue;
+                }
+                const QDate jour = m_prochain;
+                m_prochain = m_prochain.addDays(1);
+                if (m_masque & bitDuJour(jour))
+                    return jour;
             }
-            const QDate jour = m_prochain;
-            m_prochain = m_prochain.addDays(1);
-            if (m_masque & bitDuJour(jour))
-                return jour;
+        case Genre::Mois:
+            for (;;) {
+                const QDate jour = dansLeMois(m_moisCourant);
+                m_moisCourant = m_moisCourant.addMonths(m_intervalle);
+                if (jour.isValid() && jour >= m_plancher)
+                    return jour;
+                if (m_moisCourant.year() > 9999 || !m_moisCourant.isValid())
+                    return {};
+            }
         }
+        return {};
     }
 
 private:
+    enum class Genre { Jours, Semaines, Mois };
+
+    // The day of the month (given by its first day) the rule picks.
+    [[nodiscard]] QDate dansLeMois(QDate mois) const
+    {
+        const int longueur = mois.daysInMonth();
+        if (!m_joursDuMois.isEmpty()) {
+            int choisi = 0;
+            for (const int j : m_joursDuMois) {
+                if (j <= longueur)
+                    choisi = j;
+            }
+            return choisi ? QDate(mois.year(), mois.month(), choisi) : QDate();
+        }
+        int trouves = 0;
+        QDate dernier;
+        for (int j = 1; j <= longueur; ++j) {
+            const QDate jour(mois.year(), mois.month(), j);
+            if (!(m_masque & bitDuJour(jour)))
+                continue;
+            dernier = jour;
+            if (++trouves == m_position)
+                return jour;
+        }
+        return m_position == -1 ? dernier : QDate();
+    }
+
+    Genre m_genre = Genre::Jours;
     QDate m_premier;
-    QDate m_lundi;
-    QDate m_prochain;
+    QDate m_plancher;    // nothing before this day is given
+    QDate m_lundi;       // Monday of the first day's week
+    QDate m_prochain;    // next day to look at (days and weeks)
+    QDate m_moisCourant; // first day of the next month to look at
     int m_intervalle = 1;
     int m_masque = 0;
-    bool m_semaines = false;
+    int m_mois = 1;
+    int m_position = 0;
+    QList<int> m_joursDuMois;
 };
 
 // The one owner of a libical iterator. Dates only: the time of day of the
