@@ -367,7 +367,7 @@ void SqliteCalendarStore::Close()
     if (m_base && m_changeDepth > 0)
         m_base->executer(QStringLiteral("ROLLBACK"));
     m_changeDepth = 0;
-    for (sqlite3_stmt **st : {&m_rangeStmt, &m_patternsStmt, &m_seriesExceptionsStmt}) {
+    for (sqlite3_stmt **st : {&m_rangeStmt, &m_patternsStmt, &m_seriesExceptionsStmt, &m_upcomingStmt, &m_upcomingSinceStmt}) {
         sqlite3_finalize(*st);
         *st = nullptr;
     }
@@ -759,22 +759,32 @@ void SqliteCalendarStore::DoGetUpcomingEvents(const QDateTime &start, int minute
     if (!m_base)
         return;
     m_readFailed = true;
-    const QString t = RecordValue::isoText(start.addSecs(qint64(minutes) * 60));
     const bool borne = since.isValid();
-    QSqlQuery q(m_base->db());
-    q.setForwardOnly(true);
-    q.prepare(upcomingStatement(borne));
-    q.addBindValue(t);
+    sqlite3_stmt *&st = borne ? m_upcomingSinceStmt : m_upcomingStmt;
+    if (!prepareKept(st, upcomingStatement(borne)))
+        return;
+    const QByteArray t = RecordValue::isoText(start.addSecs(qint64(minutes) * 60)).toUtf8();
+    const QByteArray depuis = RecordValue::isoText(since).toUtf8();
+    QList<const QByteArray *> valeurs{&t};
     if (borne)
-        q.addBindValue(RecordValue::isoText(since));
-    q.addBindValue(t);
-    q.addBindValue(t);
+        valeurs << &depuis;
+    valeurs << &t << &t;
     if (borne)
-        q.addBindValue(RecordValue::isoText(since));
-    if (execBound(q)) {
-        m_readFailed = false;
-        readEvents(q, events);
+        valeurs << &depuis;
+    for (int i = 0; i < valeurs.size(); ++i)
+        sqlite3_bind_text(st, i + 1, valeurs.at(i)->constData(), int(valeurs.at(i)->size()), SQLITE_TRANSIENT);
+    LecteurEvenements lecteur(st, m_helper.calendar());
+    int rc = SQLITE_ROW;
+    while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
+        if (CalendarEventPtr e = lecteur.lire())
+            events.append(e);
     }
+    m_readFailed = rc != SQLITE_DONE;
+    if (m_readFailed)
+        m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
+    // A statement left open keeps the file locked for the other workstations.
+    sqlite3_reset(st);
+    sqlite3_clear_bindings(st);
 }
 
 bool SqliteCalendarStore::BeginChange()

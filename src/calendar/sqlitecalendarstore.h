@@ -80,6 +80,8 @@ private:
     sqlite3_stmt *m_rangeStmt = nullptr;
     sqlite3_stmt *m_patternsStmt = nullptr;
     sqlite3_stmt *m_seriesExceptionsStmt = nullptr;
+    sqlite3_stmt *m_upcomingStmt = nullptr;
+    sqlite3_stmt *m_upcomingSinceStmt = nullptr;
     std::unique_ptr<QSqlQuery> m_pattern;
     std::unique_ptr<QSqlQuery> m_exceptions;
 };
