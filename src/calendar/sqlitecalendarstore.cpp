@@ -326,6 +326,139 @@ private:
     QHash<qint64, QDateTime> m_dates;
 };
 
+// The pattern rows of a statement, mapped as CreateRPatternFromRS maps them
+// (without the exceptions, which the caller attaches). Only the date or the
+// time of day of the date-time columns is kept, so they are taken from the
+// text as they stand, without placing them in the local zone.
+class LecteurMotifs final
+{
+public:
+    enum Colonne {
+        RecurrencePatternID, MasterEventID, EventStartTime, EventDuration, PatternStartDate, PatternEndMethod,
+        PatternEndDate, PatternEndAfterOccurrences, OptionsData1, OptionsData2, OptionsData3, OptionsData4,
+        CustomPropertiesXMLData, NombreDeColonnes
+    };
+
+    LecteurMotifs(sqlite3_stmt *st, const CalendarDataProvider *calendrier)
+        : m_st(st)
+        , m_calendrier(calendrier)
+    {
+        static const char *const noms[NombreDeColonnes] = {
+            "RecurrencePatternID", "MasterEventID", "EventStartTime", "EventDuration", "PatternStartDate",
+            "PatternEndMethod", "PatternEndDate", "PatternEndAfterOccurrences", "OptionsData1", "OptionsData2",
+            "OptionsData3", "OptionsData4", "CustomPropertiesXMLData"};
+        m_positions.fill(-1);
+        const int n = sqlite3_column_count(st);
+        for (int quoi = 0; quoi < NombreDeColonnes; ++quoi) {
+            for (int i = 0; i < n && m_positions[quoi] < 0; ++i) {
+                if (sqlite3_stricmp(sqlite3_column_name(st, i), noms[quoi]) == 0)
+                    m_positions[quoi] = i;
+            }
+        }
+    }
+
+    [[nodiscard]] CalendarRecurrencePatternPtr lire() const
+    {
+        try {
+            const qint32 id = entier(RecurrencePatternID);
+            if (!m_calendrier)
+                return {};
+            CalendarRecurrencePatternPtr p = m_calendrier->CreateRPatternFromId(id);
+            if (!p)
+                return {};
+            p->setMasterEventID(entier(MasterEventID));
+            p->setStartTime(date(EventStartTime).time());
+            p->setDurationMinutes(entier(EventDuration));
+            p->setStartDate(date(PatternStartDate).date());
+            const int methode = entier(PatternEndMethod);
+            p->setEndMethod(methode);
+            if (methode == 0)
+                p->setEndDate(date(PatternEndDate).date());
+            else if (methode == 1)
+                p->setEndAfterOccurrences(entier(PatternEndAfterOccurrences));
+            p->Options().setData(entier(OptionsData1), entier(OptionsData2), entier(OptionsData3), entier(OptionsData4));
+            p->CustomProperties().LoadFromString(texte(CustomPropertiesXMLData));
+            return p;
+        } catch (const FieldError &) {
+            return {};
+        }
+    }
+
+private:
+    struct Parties
+    {
+        QDate j;
+        QTime h;
+        [[nodiscard]] QDate date() const { return j; }
+        [[nodiscard]] QTime time() const { return h; }
+    };
+
+    [[nodiscard]] int position(Colonne quoi) const
+    {
+        const int i = m_positions[quoi];
+        if (i < 0)
+            throw FieldError(QStringLiteral("colonne inconnue : ") + QString::number(int(quoi)));
+        return i;
+    }
+
+    [[nodiscard]] QVariant valeur(int i) const
+    {
+        switch (sqlite3_column_type(m_st, i)) {
+        case SQLITE_INTEGER:
+            return qlonglong(sqlite3_column_int64(m_st, i));
+        case SQLITE_FLOAT:
+            return sqlite3_column_double(m_st, i);
+        case SQLITE_NULL:
+            return {};
+        case SQLITE_BLOB:
+            return QByteArray(static_cast<const char *>(sqlite3_column_blob(m_st, i)), sqlite3_column_bytes(m_st, i));
+        default:
+            return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_st, i)), sqlite3_column_bytes(m_st, i));
+        }
+    }
+
+    [[nodiscard]] qint32 entier(Colonne quoi) const
+    {
+        const int i = position(quoi);
+        if (sqlite3_column_type(m_st, i) == SQLITE_INTEGER) {
+            const sqlite3_int64 n = sqlite3_column_int64(m_st, i);
+            if (n >= std::numeric_limits<qint32>::min() && n <= std::numeric_limits<qint32>::max())
+                return qint32(n);
+        }
+        return RecordValue::integer(valeur(i));
+    }
+
+    [[nodiscard]] QString texte(Colonne quoi) const
+    {
+        const int i = position(quoi);
+        if (sqlite3_column_type(m_st, i) == SQLITE_TEXT && sqlite3_column_bytes(m_st, i) == 0)
+            return QStringLiteral("");
+        return RecordValue::text(valeur(i));
+    }
+
+    // The date and the time of day of a column; both invalid for the zero
+    // date, as the record mapping reads it.
+    [[nodiscard]] Parties date(Colonne quoi) const
+    {
+        const int i = position(quoi);
+        if (sqlite3_column_type(m_st, i) == SQLITE_TEXT) {
+            const auto *octets = reinterpret_cast<const char *>(sqlite3_column_text(m_st, i));
+            Parties p;
+            if (RecordValue::parseIsoText(QLatin1StringView(octets, sqlite3_column_bytes(m_st, i)), p.j, p.h)) {
+                if (p.j == QDate(1899, 12, 30) && p.h == QTime(0, 0))
+                    return {};
+                return p;
+            }
+        }
+        const QDateTime d = RecordValue::dateTime(valeur(i));
+        return {d.date(), d.time()};
+    }
+
+    sqlite3_stmt *m_st;
+    const CalendarDataProvider *m_calendrier;
+    std::array<int, NombreDeColonnes> m_positions{};
+};
+
 } // namespace
 
 QString NomDeCoteStore(const QString &path, const QDateTime &moment)
@@ -623,15 +756,13 @@ QHash<int, CalendarRecurrencePatternPtr> SqliteCalendarStore::DoReadRPatterns(co
     }
 
     sqlite3_bind_text(m_patternsStmt, 1, liste.constData(), int(liste.size()), SQLITE_TRANSIENT);
-    CurseurSqlite rs(m_patternsStmt);
-    FixedRowsConnection sansLignes({});
-    while (!rs.atEnd()) {
-        if (CalendarRecurrencePatternPtr p = m_helper.CreateRPatternFromRS(rs, sansLignes)) {
+    const LecteurMotifs motifs(m_patternsStmt, m_helper.calendar());
+    while (sqlite3_step(m_patternsStmt) == SQLITE_ROW) {
+        if (CalendarRecurrencePatternPtr p = motifs.lire()) {
             for (const CalendarEventPtr &e : exceptions.value(p->RecurrencePatternID()))
                 p->SetException(e);
             lus.insert(p->RecurrencePatternID(), p);
         }
-        rs.next();
     }
     return lus;
 }

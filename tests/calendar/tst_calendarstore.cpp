@@ -665,6 +665,12 @@ private Q_SLOTS:
             motif->Options().setRecurrenceType(2);
             motif->Options().setIntervalWeeks(1);
             motif->Options().setDayOfWeekMask(2 | 8 | 32);
+            // One series of each end.
+            motif->setEndMethod(s);
+            if (s == 0)
+                motif->setEndDate(QDate(2026, 6, 30));
+            else if (s == 1)
+                motif->setEndAfterOccurrences(12);
             QVERIFY(p->AddEvent(m));
             for (int k = 0; k < s; ++k) {
                 const QList<CalendarEventPtr> occ = ExpandOccurrences(m, QDate(2026, 3, 9), QDate(2026, 3, 13));
@@ -690,8 +696,18 @@ private Q_SLOTS:
                 return s;
             };
             QCOMPARE(exceptions(lus.value(cle)), exceptions(un));
-            QCOMPARE(lus.value(cle)->Options().Data1(), un->Options().Data1());
-            QCOMPARE(lus.value(cle)->StartDate(), un->StartDate());
+            const CalendarRecurrencePatternPtr lu = lus.value(cle);
+            QCOMPARE(lu->MasterEventID(), un->MasterEventID());
+            QCOMPARE(lu->StartDate(), un->StartDate());
+            QCOMPARE(lu->StartTime(), un->StartTime());
+            QCOMPARE(lu->DurationMinutes(), un->DurationMinutes());
+            QCOMPARE(lu->EndMethod(), un->EndMethod());
+            QCOMPARE(lu->EndDate(), un->EndDate());
+            QCOMPARE(lu->EndAfterOccurrences(), un->EndAfterOccurrences());
+            QCOMPARE(lu->Options().Data1(), un->Options().Data1());
+            QCOMPARE(lu->Options().Data2(), un->Options().Data2());
+            QCOMPARE(lu->Options().Data3(), un->Options().Data3());
+            QCOMPARE(lu->CustomProperties().SaveToString(), un->CustomProperties().SaveToString());
         }
         // Read twice in a row: the kept statements leave nothing behind.
         QCOMPARE(p->store()->DoReadRPatterns(cles).size(), 3);
