@@ -236,8 +236,16 @@ public:
                 e->CustomProperties().SetProperty(CustomProperties::RecurrencePatternIDEntry, entier(RecurrencePatternID));
             }
             try {
-                e->setCreationTime(date(CreationTime));
-                e->setLastModificationTime(date(LastModificationTime));
+                QDate j;
+                QTime h;
+                if (enTexte(CreationTime, j, h))
+                    e->setCreationTimeWallClock(j, h);
+                else
+                    e->setCreationTime(date(CreationTime));
+                if (enTexte(LastModificationTime, j, h))
+                    e->setLastModificationTimeWallClock(j, h);
+                else
+                    e->setLastModificationTime(date(LastModificationTime));
             } catch (const FieldError &) {
                 // Times of a row written by another program: left unset.
             }
@@ -295,6 +303,18 @@ private:
             return n == 0 ? QStringLiteral("") : QString::fromUtf8(octets, n);
         }
         return RecordValue::text(valeur(i));
+    }
+
+    // A column in the stores' own text, other than the zero date (which
+    // stands for no date): its date and time of day.
+    [[nodiscard]] bool enTexte(Colonne quoi, QDate &j, QTime &h) const
+    {
+        const int i = position(quoi);
+        if (sqlite3_column_type(m_st, i) != SQLITE_TEXT)
+            return false;
+        const auto *octets = reinterpret_cast<const char *>(sqlite3_column_text(m_st, i));
+        return RecordValue::parseIsoText(QLatin1StringView(octets, sqlite3_column_bytes(m_st, i)), j, h)
+            && !(j == QDate(1899, 12, 30) && h == QTime(0, 0));
     }
 
     [[nodiscard]] QDateTime date(Colonne quoi)
