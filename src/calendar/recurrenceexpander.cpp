@@ -377,8 +377,8 @@ private:
     int m_pas = 0;
 };
 
-// Days of a series, kept. Asking libical costs a calendar set-up for every
-// iterator and, for the sparse rules (yearly, nth day), up to a millisecond a
+// Days of a series, kept. Asking libical (for a rule of another shape than
+// ours) costs a calendar set-up for every iterator and up to a millisecond a
 // step (it computes through ICU); and the calendar asks again for the same days
 // every ten seconds. So each series keeps the days worked out so far over one
 // unbroken span, and the iterator that continues it: a later question inside

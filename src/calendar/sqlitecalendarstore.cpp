@@ -13,8 +13,10 @@
 #include <QSqlRecord>
 
 #include <array>
-#include <cmath>
+#include <cstring>
+#include <iterator>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -106,26 +108,89 @@ const char *const kSchema[] = {
 
 const QString kMoment = QStringLiteral("datetime(StartDateTime, (-ReminderMinutesBeforeStart) || ' minutes')");
 
-// The rows of a statement read straight from SQLite: the day reads are the
-// hot path of the views (every ten seconds on every workstation), and this
-// spares them the conversions of the general database layer.
-class CurseurSqlite final : public RecordCursor
+// The current row of a statement read straight from SQLite, by column. The
+// day reads and the reminder poll are the hot path of the views (every ten
+// seconds on every workstation); this spares them the name look-ups and the
+// QVariant round trip of the general database layer. A value of the expected
+// kind is taken as it is; anything else goes through the strict conversions
+// of the record mapping (RecordValue), which throw FieldError as it does.
+template<int N>
+class LigneSqlite
 {
 public:
-    explicit CurseurSqlite(sqlite3_stmt *st)
+    LigneSqlite(sqlite3_stmt *st, const char *const (&noms)[N])
         : m_st(st)
     {
+        // Positions are found once per statement, names in any case.
+        m_positions.fill(-1);
         const int n = sqlite3_column_count(st);
-        for (int i = 0; i < n; ++i)
-            m_colonnes.insert(QString::fromUtf8(sqlite3_column_name(st, i)), i);
-        next();
+        for (int quoi = 0; quoi < N; ++quoi) {
+            for (int i = 0; i < n && m_positions[quoi] < 0; ++i) {
+                if (sqlite3_stricmp(sqlite3_column_name(st, i), noms[quoi]) == 0)
+                    m_positions[quoi] = i;
+            }
+        }
     }
-    [[nodiscard]] bool atEnd() const override { return !m_ligne; }
-    [[nodiscard]] QVariant field(const QString &name) const override
+
+    [[nodiscard]] qint32 entier(int quoi) const
     {
-        const int i = m_colonnes.value(name, -1);
-        if (i < 0 || !m_ligne)
-            throw FieldError(QStringLiteral("colonne inconnue : ") + name);
+        const int i = position(quoi);
+        if (sqlite3_column_type(m_st, i) == SQLITE_INTEGER) {
+            const sqlite3_int64 n = sqlite3_column_int64(m_st, i);
+            if (n >= std::numeric_limits<qint32>::min() && n <= std::numeric_limits<qint32>::max())
+                return qint32(n);
+        }
+        return RecordValue::integer(valeur(i));
+    }
+
+    [[nodiscard]] QString texte(int quoi) const
+    {
+        const int i = position(quoi);
+        if (sqlite3_column_type(m_st, i) == SQLITE_TEXT) {
+            const int n = sqlite3_column_bytes(m_st, i);
+            // An empty text is a text, not a missing value.
+            return n == 0 ? QStringLiteral("")
+                          : QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_st, i)), n);
+        }
+        return RecordValue::text(valeur(i));
+    }
+
+    // A column in the stores' own date text, other than the zero date (which
+    // stands for no date): its date and time of day, taken without the
+    // general parser.
+    [[nodiscard]] bool enTexte(int quoi, QDate &j, QTime &h) const
+    {
+        const int i = position(quoi);
+        if (sqlite3_column_type(m_st, i) != SQLITE_TEXT)
+            return false;
+        const auto *octets = reinterpret_cast<const char *>(sqlite3_column_text(m_st, i));
+        return RecordValue::parseIsoText(QLatin1StringView(octets, sqlite3_column_bytes(m_st, i)), j, h)
+            && !(j == QDate(1899, 12, 30) && h == QTime(0, 0));
+    }
+
+    // Whether the column holds the zero date as text.
+    [[nodiscard]] bool dateZero(int quoi) const
+    {
+        const int i = position(quoi);
+        return sqlite3_column_type(m_st, i) == SQLITE_TEXT && sqlite3_column_bytes(m_st, i) == 19
+            && std::memcmp(sqlite3_column_text(m_st, i), "1899-12-30 00:00:00", 19) == 0;
+    }
+
+    // Any other form of a date-time column, read by the record mapping's rule.
+    [[nodiscard]] QDateTime dateGenerale(int quoi) const { return RecordValue::dateTime(valeur(position(quoi))); }
+
+private:
+    [[nodiscard]] int position(int quoi) const
+    {
+        const int i = m_positions[quoi];
+        if (i < 0)
+            throw FieldError(QStringLiteral("colonne absente : ") + QString::number(quoi));
+        return i;
+    }
+
+    // The value as the general database layer hands it.
+    [[nodiscard]] QVariant valeur(int i) const
+    {
         switch (sqlite3_column_type(m_st, i)) {
         case SQLITE_INTEGER:
             return qlonglong(sqlite3_column_int64(m_st, i));
@@ -139,64 +204,37 @@ public:
             return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_st, i)), sqlite3_column_bytes(m_st, i));
         }
     }
-    void next() override
-    {
-        const int rc = sqlite3_step(m_st);
-        m_ligne = rc == SQLITE_ROW;
-        m_echec = rc != SQLITE_ROW && rc != SQLITE_DONE;
-    }
-    [[nodiscard]] bool echec() const { return m_echec; }
-    [[nodiscard]] QStringList colonnes() const
-    {
-        QStringList noms(m_colonnes.size());
-        for (auto it = m_colonnes.cbegin(); it != m_colonnes.cend(); ++it)
-            noms[it.value()] = it.key();
-        return noms;
-    }
 
-private:
     sqlite3_stmt *m_st;
-    QHash<QString, int> m_colonnes;
-    bool m_ligne = false;
-    bool m_echec = false;
+    std::array<int, N> m_positions{};
 };
 
+const char *const kNomsEvenement[] = {
+    "EventID", "Subject", "Location", "Body", "IsMeeting", "IsPrivate", "LabelID", "BusyStatus", "ImportanceLevel",
+    "StartDateTime", "EndDateTime", "IsAllDayEvent", "IsReminder", "ReminderMinutesBeforeStart", "RemainderSoundFile",
+    "RecurrenceState", "RecurrencePatternID", "RExceptionStartTimeOrig", "RExceptionEndTimeOrig",
+    "ISRecurrenceExceptionDeleted", "CustomPropertiesXMLData", "CustomIconsIDs", "ScheduleID", "CreationTime",
+    "LastModificationTime"};
 
-// The event rows of a statement mapped straight from SQLite's own values, for
-// the day reads and the series read with them. The mapping is the record
-// mapping's (SQLDataHelper::CreateEventFromRS), column for column: a value of
-// the expected kind is taken as it is, anything else goes through the same
-// strict conversions, and a row with a missing or unreadable column is
-// skipped. Positions are found once per statement, and a date-time met again
-// in the same read is not converted to local time again.
-class LecteurEvenements final
+// Event rows mapped as SQLDataHelper::CreateEventFromRS maps them, column for
+// column: a row with a missing or unreadable column is skipped. A start or
+// end met again in the same read is not placed in the local zone again (a
+// read meets the same slots of the day, ends that are starts); creation and
+// change times are placed only when asked for.
+class LecteurEvenements final : public LigneSqlite<std::size(kNomsEvenement)>
 {
 public:
     enum Colonne {
         EventID, Subject, Location, Body, IsMeeting, IsPrivate, LabelID, BusyStatus, ImportanceLevel, StartDateTime,
         EndDateTime, IsAllDayEvent, IsReminder, ReminderMinutesBeforeStart, RemainderSoundFile, RecurrenceState,
         RecurrencePatternID, RExceptionStartTimeOrig, RExceptionEndTimeOrig, ISRecurrenceExceptionDeleted,
-        CustomPropertiesXMLData, CustomIconsIDs, ScheduleID, CreationTime, LastModificationTime, NombreDeColonnes
+        CustomPropertiesXMLData, CustomIconsIDs, ScheduleID, CreationTime, LastModificationTime
     };
 
     LecteurEvenements(sqlite3_stmt *st, const CalendarDataProvider *calendrier)
-        : m_st(st)
+        : LigneSqlite(st, kNomsEvenement)
         , m_calendrier(calendrier)
     {
-        static const char *const noms[NombreDeColonnes] = {
-            "EventID", "Subject", "Location", "Body", "IsMeeting", "IsPrivate", "LabelID", "BusyStatus", "ImportanceLevel",
-            "StartDateTime", "EndDateTime", "IsAllDayEvent", "IsReminder", "ReminderMinutesBeforeStart", "RemainderSoundFile",
-            "RecurrenceState", "RecurrencePatternID", "RExceptionStartTimeOrig", "RExceptionEndTimeOrig",
-            "ISRecurrenceExceptionDeleted", "CustomPropertiesXMLData", "CustomIconsIDs", "ScheduleID", "CreationTime",
-            "LastModificationTime"};
-        m_positions.fill(-1);
-        const int n = sqlite3_column_count(st);
-        for (int quoi = 0; quoi < NombreDeColonnes; ++quoi) {
-            for (int i = 0; i < n && m_positions[quoi] < 0; ++i) {
-                if (sqlite3_stricmp(sqlite3_column_name(st, i), noms[quoi]) == 0)
-                    m_positions[quoi] = i;
-            }
-        }
     }
 
     // The current row as a record; nothing when the row cannot be mapped.
@@ -255,126 +293,47 @@ public:
         }
     }
 
-    // A number column of the current row (FieldError when unreadable).
-    [[nodiscard]] qint32 entier(Colonne quoi) const
-    {
-        const int i = position(quoi);
-        if (sqlite3_column_type(m_st, i) == SQLITE_INTEGER) {
-            const sqlite3_int64 n = sqlite3_column_int64(m_st, i);
-            if (n >= std::numeric_limits<qint32>::min() && n <= std::numeric_limits<qint32>::max())
-                return qint32(n);
-        }
-        return RecordValue::integer(valeur(i));
-    }
-
 private:
-    [[nodiscard]] int position(Colonne quoi) const
-    {
-        const int i = m_positions[quoi];
-        if (i < 0)
-            throw FieldError(QStringLiteral("colonne inconnue : ") + QString::number(int(quoi)));
-        return i;
-    }
-
-    // The value as the general database layer hands it.
-    [[nodiscard]] QVariant valeur(int i) const
-    {
-        switch (sqlite3_column_type(m_st, i)) {
-        case SQLITE_INTEGER:
-            return qlonglong(sqlite3_column_int64(m_st, i));
-        case SQLITE_FLOAT:
-            return sqlite3_column_double(m_st, i);
-        case SQLITE_NULL:
-            return {};
-        case SQLITE_BLOB:
-            return QByteArray(static_cast<const char *>(sqlite3_column_blob(m_st, i)), sqlite3_column_bytes(m_st, i));
-        default:
-            return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_st, i)), sqlite3_column_bytes(m_st, i));
-        }
-    }
-
-    [[nodiscard]] QString texte(Colonne quoi) const
-    {
-        const int i = position(quoi);
-        if (sqlite3_column_type(m_st, i) == SQLITE_TEXT) {
-            const auto *octets = reinterpret_cast<const char *>(sqlite3_column_text(m_st, i));
-            const int n = sqlite3_column_bytes(m_st, i);
-            // An empty text is a text, not a missing value.
-            return n == 0 ? QStringLiteral("") : QString::fromUtf8(octets, n);
-        }
-        return RecordValue::text(valeur(i));
-    }
-
-    // A column in the stores' own text, other than the zero date (which
-    // stands for no date): its date and time of day.
-    [[nodiscard]] bool enTexte(Colonne quoi, QDate &j, QTime &h) const
-    {
-        const int i = position(quoi);
-        if (sqlite3_column_type(m_st, i) != SQLITE_TEXT)
-            return false;
-        const auto *octets = reinterpret_cast<const char *>(sqlite3_column_text(m_st, i));
-        return RecordValue::parseIsoText(QLatin1StringView(octets, sqlite3_column_bytes(m_st, i)), j, h)
-            && !(j == QDate(1899, 12, 30) && h == QTime(0, 0));
-    }
-
     [[nodiscard]] QDateTime date(Colonne quoi)
     {
-        const int i = position(quoi);
-        if (sqlite3_column_type(m_st, i) == SQLITE_TEXT) {
-            const auto *octets = reinterpret_cast<const char *>(sqlite3_column_text(m_st, i));
-            QDate j;
-            QTime h;
-            if (RecordValue::parseIsoText(QLatin1StringView(octets, sqlite3_column_bytes(m_st, i)), j, h)) {
-                if (j == QDate(1899, 12, 30) && h == QTime(0, 0))
-                    return {};
-                // Placing a wall-clock time in the local zone asks the C
-                // library each time; a read meets the same times again and
-                // again (the slots of the day, ends that are starts).
-                const qint64 cle = j.toJulianDay() * 86400 + h.msecsSinceStartOfDay() / 1000;
-                auto it = m_dates.constFind(cle);
-                if (it == m_dates.cend())
-                    it = m_dates.insert(cle, QDateTime(j, h));
-                return *it;
-            }
+        QDate j;
+        QTime h;
+        if (enTexte(quoi, j, h)) {
+            const qint64 cle = j.toJulianDay() * 86400 + h.msecsSinceStartOfDay() / 1000;
+            auto it = m_dates.constFind(cle);
+            if (it == m_dates.cend())
+                it = m_dates.insert(cle, QDateTime(j, h));
+            return *it;
         }
-        return RecordValue::dateTime(valeur(i));
+        return dateZero(quoi) ? QDateTime() : dateGenerale(quoi);
     }
 
-    sqlite3_stmt *m_st;
     const CalendarDataProvider *m_calendrier;
-    std::array<int, NombreDeColonnes> m_positions{};
     QHash<qint64, QDateTime> m_dates;
 };
 
-// The pattern rows of a statement, mapped as CreateRPatternFromRS maps them
+const char *const kNomsMotif[] = {
+    "RecurrencePatternID", "MasterEventID", "EventStartTime", "EventDuration", "PatternStartDate", "PatternEndMethod",
+    "PatternEndDate", "PatternEndAfterOccurrences", "OptionsData1", "OptionsData2", "OptionsData3", "OptionsData4",
+    "CustomPropertiesXMLData"};
+
+// Pattern rows mapped as SQLDataHelper::CreateRPatternFromRS maps them
 // (without the exceptions, which the caller attaches). Only the date or the
 // time of day of the date-time columns is kept, so they are taken from the
 // text as they stand, without placing them in the local zone.
-class LecteurMotifs final
+class LecteurMotifs final : public LigneSqlite<std::size(kNomsMotif)>
 {
 public:
     enum Colonne {
         RecurrencePatternID, MasterEventID, EventStartTime, EventDuration, PatternStartDate, PatternEndMethod,
         PatternEndDate, PatternEndAfterOccurrences, OptionsData1, OptionsData2, OptionsData3, OptionsData4,
-        CustomPropertiesXMLData, NombreDeColonnes
+        CustomPropertiesXMLData
     };
 
     LecteurMotifs(sqlite3_stmt *st, const CalendarDataProvider *calendrier)
-        : m_st(st)
+        : LigneSqlite(st, kNomsMotif)
         , m_calendrier(calendrier)
     {
-        static const char *const noms[NombreDeColonnes] = {
-            "RecurrencePatternID", "MasterEventID", "EventStartTime", "EventDuration", "PatternStartDate",
-            "PatternEndMethod", "PatternEndDate", "PatternEndAfterOccurrences", "OptionsData1", "OptionsData2",
-            "OptionsData3", "OptionsData4", "CustomPropertiesXMLData"};
-        m_positions.fill(-1);
-        const int n = sqlite3_column_count(st);
-        for (int quoi = 0; quoi < NombreDeColonnes; ++quoi) {
-            for (int i = 0; i < n && m_positions[quoi] < 0; ++i) {
-                if (sqlite3_stricmp(sqlite3_column_name(st, i), noms[quoi]) == 0)
-                    m_positions[quoi] = i;
-            }
-        }
     }
 
     [[nodiscard]] CalendarRecurrencePatternPtr lire() const
@@ -387,13 +346,13 @@ public:
             if (!p)
                 return {};
             p->setMasterEventID(entier(MasterEventID));
-            p->setStartTime(date(EventStartTime).time());
+            p->setStartTime(parties(EventStartTime).second);
             p->setDurationMinutes(entier(EventDuration));
-            p->setStartDate(date(PatternStartDate).date());
+            p->setStartDate(parties(PatternStartDate).first);
             const int methode = entier(PatternEndMethod);
             p->setEndMethod(methode);
             if (methode == 0)
-                p->setEndDate(date(PatternEndDate).date());
+                p->setEndDate(parties(PatternEndDate).first);
             else if (methode == 1)
                 p->setEndAfterOccurrences(entier(PatternEndAfterOccurrences));
             p->Options().setData(entier(OptionsData1), entier(OptionsData2), entier(OptionsData3), entier(OptionsData4));
@@ -405,78 +364,20 @@ public:
     }
 
 private:
-    struct Parties
+    // Date and time of day of a column; both invalid for the zero date.
+    [[nodiscard]] std::pair<QDate, QTime> parties(Colonne quoi) const
     {
         QDate j;
         QTime h;
-        [[nodiscard]] QDate date() const { return j; }
-        [[nodiscard]] QTime time() const { return h; }
-    };
-
-    [[nodiscard]] int position(Colonne quoi) const
-    {
-        const int i = m_positions[quoi];
-        if (i < 0)
-            throw FieldError(QStringLiteral("colonne inconnue : ") + QString::number(int(quoi)));
-        return i;
-    }
-
-    [[nodiscard]] QVariant valeur(int i) const
-    {
-        switch (sqlite3_column_type(m_st, i)) {
-        case SQLITE_INTEGER:
-            return qlonglong(sqlite3_column_int64(m_st, i));
-        case SQLITE_FLOAT:
-            return sqlite3_column_double(m_st, i);
-        case SQLITE_NULL:
+        if (enTexte(quoi, j, h))
+            return {j, h};
+        if (dateZero(quoi))
             return {};
-        case SQLITE_BLOB:
-            return QByteArray(static_cast<const char *>(sqlite3_column_blob(m_st, i)), sqlite3_column_bytes(m_st, i));
-        default:
-            return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_st, i)), sqlite3_column_bytes(m_st, i));
-        }
-    }
-
-    [[nodiscard]] qint32 entier(Colonne quoi) const
-    {
-        const int i = position(quoi);
-        if (sqlite3_column_type(m_st, i) == SQLITE_INTEGER) {
-            const sqlite3_int64 n = sqlite3_column_int64(m_st, i);
-            if (n >= std::numeric_limits<qint32>::min() && n <= std::numeric_limits<qint32>::max())
-                return qint32(n);
-        }
-        return RecordValue::integer(valeur(i));
-    }
-
-    [[nodiscard]] QString texte(Colonne quoi) const
-    {
-        const int i = position(quoi);
-        if (sqlite3_column_type(m_st, i) == SQLITE_TEXT && sqlite3_column_bytes(m_st, i) == 0)
-            return QStringLiteral("");
-        return RecordValue::text(valeur(i));
-    }
-
-    // The date and the time of day of a column; both invalid for the zero
-    // date, as the record mapping reads it.
-    [[nodiscard]] Parties date(Colonne quoi) const
-    {
-        const int i = position(quoi);
-        if (sqlite3_column_type(m_st, i) == SQLITE_TEXT) {
-            const auto *octets = reinterpret_cast<const char *>(sqlite3_column_text(m_st, i));
-            Parties p;
-            if (RecordValue::parseIsoText(QLatin1StringView(octets, sqlite3_column_bytes(m_st, i)), p.j, p.h)) {
-                if (p.j == QDate(1899, 12, 30) && p.h == QTime(0, 0))
-                    return {};
-                return p;
-            }
-        }
-        const QDateTime d = RecordValue::dateTime(valeur(i));
+        const QDateTime d = dateGenerale(quoi);
         return {d.date(), d.time()};
     }
 
-    sqlite3_stmt *m_st;
     const CalendarDataProvider *m_calendrier;
-    std::array<int, NombreDeColonnes> m_positions{};
 };
 
 } // namespace
