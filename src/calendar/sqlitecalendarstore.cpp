@@ -654,7 +654,7 @@ QHash<int, CalendarRecurrencePatternPtr> SqliteCalendarStore::DoReadRPatterns(co
                                     " AND RecurrencePatternID IN (SELECT value FROM json_each(?))"))
         || !prepareKept(m_patternsStmt, QStringLiteral("SELECT * FROM CalendarRecurrencePatterns"
                                                        " WHERE RecurrencePatternID IN (SELECT value FROM json_each(?))")))
-        return lus;
+        return CalendarStore::DoReadRPatterns(patternIds); // an SQLite without its JSON functions: one by one
     // A statement left open keeps the file locked for the other workstations.
     auto fermer = qScopeGuard([this] {
         for (sqlite3_stmt *st : {m_seriesExceptionsStmt, m_patternsStmt}) {
