@@ -88,10 +88,15 @@ public:
     [[nodiscard]] int ScheduleID() const { return m_scheduleId; }
     void setScheduleID(int id) { m_scheduleId = id; }
 
-    [[nodiscard]] QDateTime CreationTime() const { return m_creationTime; }
+    [[nodiscard]] QDateTime CreationTime() const { return m_creationTime.value(); }
     void setCreationTime(const QDateTime &value) { m_creationTime = value; }
-    [[nodiscard]] QDateTime LastModificationTime() const { return m_lastModificationTime; }
+    [[nodiscard]] QDateTime LastModificationTime() const { return m_lastModificationTime.value(); }
     void setLastModificationTime(const QDateTime &value) { m_lastModificationTime = value; }
+    // For the stores: the two times as the row gives them, a local wall-clock
+    // time that is placed in the time zone only when asked for (the views
+    // read hundreds of rows and seldom look at these).
+    void setCreationTimeWallClock(QDate date, QTime time) { m_creationTime.defer(date, time); }
+    void setLastModificationTimeWallClock(QDate date, QTime time) { m_lastModificationTime.defer(date, time); }
 
     // State 0 to 1: a fresh pattern, starting on this event's day at its time,
     // lasting as long as it, daily with no end. Answers the pattern (also for a
@@ -158,8 +163,38 @@ private:
     ::CustomProperties m_properties;
     ::CustomIcons m_icons;
     int m_scheduleId = 0;
-    QDateTime m_creationTime;
-    QDateTime m_lastModificationTime;
+    // A local date-time whose conversion waits until it is read.
+    class DeferredLocalTime
+    {
+    public:
+        DeferredLocalTime &operator=(const QDateTime &value)
+        {
+            m_value = value;
+            m_date = {};
+            return *this;
+        }
+        void defer(QDate date, QTime time)
+        {
+            m_value = {};
+            m_date = date;
+            m_time = time;
+        }
+        [[nodiscard]] QDateTime value() const
+        {
+            if (m_date.isValid()) {
+                m_value = QDateTime(m_date, m_time);
+                m_date = {};
+            }
+            return m_value;
+        }
+
+    private:
+        mutable QDateTime m_value;
+        mutable QDate m_date;
+        QTime m_time;
+    };
+    DeferredLocalTime m_creationTime;
+    DeferredLocalTime m_lastModificationTime;
 
     // A master and an occurrence hold their series; an exception attached to
     // its pattern holds it weakly, because the pattern holds the exception.

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 
 // Written against libical 3: its iterator takes the rule by value; later
@@ -125,6 +126,200 @@ icaltimetype versIcal(QDate jour)
     return t;
 }
 
+std::atomic<bool> arithmetiqueActive = true;
+
+// The days of the rules that regle() writes, worked out by plain date
+// arithmetic: a step costs next to nothing, where libical's iterator goes
+// through a full calendar computation for each one (and a week read meets
+// dozens of series, walked from their first day when they are counted). They
+// give the days libical gives for the same rule text, weeks beginning on
+// Monday; a text of any other shape is left to libical.
+class RegleSimple final
+{
+public:
+    static std::optional<RegleSimple> depuisTexte(const QString &texte, QDate premier)
+    {
+        QHash<QString, QString> parties;
+        for (const QString &partie : texte.split(u';')) {
+            const qsizetype egal = partie.indexOf(u'=');
+            if (egal <= 0 || parties.contains(partie.left(egal)))
+                return std::nullopt;
+            parties.insert(partie.left(egal), partie.mid(egal + 1));
+        }
+        RegleSimple r;
+        r.m_premier = premier;
+        r.m_plancher = premier;
+        auto nombre = [&](const QString &cle, int defaut, int &valeur) {
+            if (!parties.contains(cle)) {
+                valeur = defaut;
+                return true;
+            }
+            bool ok = false;
+            valeur = parties.take(cle).toInt(&ok);
+            return ok;
+        };
+        auto masque = [&](int &valeur) {
+            static const char *const codes[7] = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
+            valeur = 0;
+            for (const QString &jour : parties.take(QStringLiteral("BYDAY")).split(u',')) {
+                const auto it = std::find_if(std::begin(codes), std::end(codes), [&](const char *c) { return jour == QLatin1String(c); });
+                if (it == std::end(codes))
+                    return false;
+                valeur |= 1 << (it - std::begin(codes));
+            }
+            return valeur != 0;
+        };
+        const QString frequence = parties.take(QStringLiteral("FREQ"));
+        if (!nombre(QStringLiteral("INTERVAL"), 1, r.m_intervalle) || r.m_intervalle < 1)
+            return std::nullopt;
+        if (frequence == QLatin1String("DAILY")) {
+            r.m_genre = Genre::Jours;
+            if (parties.contains(QStringLiteral("BYDAY"))) {
+                // Every weekday: the weeks of one week each.
+                if (!masque(r.m_masque) || r.m_intervalle != 1)
+                    return std::nullopt;
+                r.m_genre = Genre::Semaines;
+            }
+        } else if (frequence == QLatin1String("WEEKLY")) {
+            if (parties.take(QStringLiteral("WKST")) != QLatin1String("MO") || !masque(r.m_masque))
+                return std::nullopt;
+            r.m_genre = Genre::Semaines;
+        } else if (frequence == QLatin1String("MONTHLY") || frequence == QLatin1String("YEARLY")) {
+            r.m_genre = Genre::Mois;
+            r.m_mois = premier.month();
+            if (frequence == QLatin1String("YEARLY")) {
+                if (r.m_intervalle != 1 || !nombre(QStringLiteral("BYMONTH"), 0, r.m_mois) || r.m_mois < 1 || r.m_mois > 12)
+                    return std::nullopt;
+                r.m_intervalle = 12;
+            }
+            if (!nombre(QStringLiteral("BYSETPOS"), 0, r.m_position) || r.m_position < -1 || r.m_position > 4)
+                return std::nullopt;
+            if (parties.contains(QStringLiteral("BYMONTHDAY"))) {
+                for (const QString &j : parties.take(QStringLiteral("BYMONTHDAY")).split(u',')) {
+                    bool ok = false;
+                    const int jour = j.toInt(&ok);
+                    if (!ok || jour < 1 || jour > 31 || (!r.m_joursDuMois.isEmpty() && jour <= r.m_joursDuMois.last()))
+                        return std::nullopt;
+                    r.m_joursDuMois.append(jour);
+                }
+                // One day, or the last existing one of a list.
+                if (r.m_position != (r.m_joursDuMois.size() == 1 && r.m_joursDuMois.first() <= 28 ? 0 : -1))
+                    return std::nullopt;
+            } else if (!masque(r.m_masque) || r.m_position == 0) {
+                return std::nullopt;
+            }
+            // Months counted from the month the series starts in (for a
+            // yearly rule, its month of the first day's year).
+            r.m_moisCourant = QDate(premier.year(), r.m_mois, 1);
+        } else {
+            return std::nullopt;
+        }
+        if (!parties.isEmpty())
+            return std::nullopt;
+        r.m_lundi = premier.addDays(1 - premier.dayOfWeek());
+        r.m_prochain = premier;
+        return r;
+    }
+
+    void allerA(QDate jour)
+    {
+        if (jour <= m_premier)
+            return;
+        switch (m_genre) {
+        case Genre::Jours: {
+            const qint64 pas = (m_premier.daysTo(jour) + m_intervalle - 1) / m_intervalle;
+            m_prochain = m_premier.addDays(pas * m_intervalle);
+            break;
+        }
+        case Genre::Semaines:
+            m_prochain = jour;
+            break;
+        case Genre::Mois: {
+            const QDate debut(m_premier.year(), m_mois, 1);
+            const int ecart = (jour.year() - debut.year()) * 12 + jour.month() - debut.month();
+            if (ecart > 0)
+                m_moisCourant = debut.addMonths(ecart / m_intervalle * m_intervalle);
+            m_plancher = jour;
+            break;
+        }
+        }
+    }
+
+    [[nodiscard]] QDate suivant()
+    {
+        switch (m_genre) {
+        case Genre::Jours: {
+            const QDate jour = m_prochain;
+            m_prochain = m_prochain.addDays(m_intervalle);
+            return jour;
+        }
+        case Genre::Semaines:
+            for (;;) {
+                const qint64 semaine = m_lundi.daysTo(m_prochain) / 7;
+                if (semaine % m_intervalle != 0) {
+                    // On to the Monday of the next week of the series.
+                    m_prochain = m_lundi.addDays(7 * (semaine + m_intervalle - semaine % m_intervalle));
+                    continue;
+                }
+                const QDate jour = m_prochain;
+                m_prochain = m_prochain.addDays(1);
+                if (m_masque & bitDuJour(jour))
+                    return jour;
+            }
+        case Genre::Mois:
+            for (;;) {
+                const QDate jour = dansLeMois(m_moisCourant);
+                m_moisCourant = m_moisCourant.addMonths(m_intervalle);
+                if (jour.isValid() && jour >= m_plancher)
+                    return jour;
+                if (m_moisCourant.year() > 9999 || !m_moisCourant.isValid())
+                    return {};
+            }
+        }
+        return {};
+    }
+
+private:
+    enum class Genre { Jours, Semaines, Mois };
+
+    // The day of the month (given by its first day) the rule picks.
+    [[nodiscard]] QDate dansLeMois(QDate mois) const
+    {
+        const int longueur = mois.daysInMonth();
+        if (!m_joursDuMois.isEmpty()) {
+            int choisi = 0;
+            for (const int j : m_joursDuMois) {
+                if (j <= longueur)
+                    choisi = j;
+            }
+            return choisi ? QDate(mois.year(), mois.month(), choisi) : QDate();
+        }
+        int trouves = 0;
+        QDate dernier;
+        for (int j = 1; j <= longueur; ++j) {
+            const QDate jour(mois.year(), mois.month(), j);
+            if (!(m_masque & bitDuJour(jour)))
+                continue;
+            dernier = jour;
+            if (++trouves == m_position)
+                return jour;
+        }
+        return m_position == -1 ? dernier : QDate();
+    }
+
+    Genre m_genre = Genre::Jours;
+    QDate m_premier;
+    QDate m_plancher;    // nothing before this day is given
+    QDate m_lundi;       // Monday of the first day's week
+    QDate m_prochain;    // next day to look at (days and weeks)
+    QDate m_moisCourant; // first day of the next month to look at
+    int m_intervalle = 1;
+    int m_masque = 0;
+    int m_mois = 1;
+    int m_position = 0;
+    QList<int> m_joursDuMois;
+};
+
 // The one owner of a libical iterator. Dates only: the time of day of the
 // series is put on afterwards, as a wall-clock time.
 class IterateurIcal final
@@ -134,6 +329,11 @@ public:
     {
         if (texte.isEmpty() || !debut.isValid())
             return;
+        if (arithmetiqueActive) {
+            m_simple = RegleSimple::depuisTexte(texte, debut);
+            if (m_simple)
+                return;
+        }
         const QByteArray octets = texte.toLatin1();
         icalrecurrencetype r = icalrecurrencetype_from_string(octets.constData());
         if (r.freq == ICAL_NO_RECURRENCE)
@@ -150,12 +350,21 @@ public:
 
     // Jumps ahead to the first occurrence on or after the day. The rule never
     // carries COUNT (we count ourselves), which libical requires for this.
-    bool allerA(QDate jour) { return m_it && icalrecur_iterator_set_start(m_it, versIcal(jour)) != 0; }
+    bool allerA(QDate jour)
+    {
+        if (m_simple) {
+            m_simple->allerA(jour);
+            return true;
+        }
+        return m_it && icalrecur_iterator_set_start(m_it, versIcal(jour)) != 0;
+    }
 
     [[nodiscard]] QDate suivant()
     {
-        if (!m_it || ++m_pas > pasMaximum)
+        if ((!m_it && !m_simple) || ++m_pas > pasMaximum)
             return {};
+        if (m_simple)
+            return m_simple->suivant();
         const icaltimetype t = icalrecur_iterator_next(m_it);
         if (icaltime_is_null_time(t))
             return {};
@@ -164,11 +373,12 @@ public:
 
 private:
     icalrecur_iterator *m_it = nullptr;
+    std::optional<RegleSimple> m_simple;
     int m_pas = 0;
 };
 
-// Days of a series, kept. Asking libical costs a calendar set-up for every
-// iterator and, for the sparse rules (yearly, nth day), up to a millisecond a
+// Days of a series, kept. Asking libical (for a rule of another shape than
+// ours) costs a calendar set-up for every iterator and up to a millisecond a
 // step (it computes through ICU); and the calendar asks again for the same days
 // every ten seconds. So each series keeps the days worked out so far over one
 // unbroken span, and the iterator that continues it: a later question inside
@@ -338,6 +548,11 @@ void parcourir(const CalendarRecurrencePattern &p, QDate depuis, Visite visite)
 void SetOccurrenceCacheEnabled(bool enabled)
 {
     cache().actif = enabled;
+}
+
+void SetRuleArithmeticEnabled(bool enabled)
+{
+    arithmetiqueActive = enabled;
 }
 
 namespace {

@@ -53,6 +53,11 @@ QList<QDateTime> OccurrenceStarts(const CalendarRecurrencePatternPtr &pattern, Q
 // question walks the series from its first day (for checks and diagnostics).
 void SetOccurrenceCacheEnabled(bool enabled);
 
+// The rules of the six kinds are worked out by date arithmetic; switched off,
+// libical's iterator gives their days (the reference the arithmetic is checked
+// against). Takes effect for series not yet kept.
+void SetRuleArithmeticEnabled(bool enabled);
+
 // The rule in the text form of recurrence rules (RRULE), as handed to the
 // iterator; for diagnostics and tests.
 QString RecurrenceRuleText(const CalendarRecurrencePattern &pattern);

@@ -24,6 +24,7 @@ class SQLDataHelper final
 public:
     // The provider that makes the empty records the mapping fills.
     void SetCalendar(CalendarDataProvider *provider) { m_provider = provider; }
+    [[nodiscard]] CalendarDataProvider *calendar() const { return m_provider; }
 
     [[nodiscard]] static QString MakeSQLDateTime(const QDateTime &dateTime);
     [[nodiscard]] static QString MakeSQLstr(const QString &text);

@@ -1,5 +1,6 @@
 #include "calendar/sqlitecalendarstore.h"
 
+#include "calendar/calendardataprovider.h"
 #include "shell/basesqlite.h"
 
 #include <sqlite3.h>
@@ -10,6 +11,12 @@
 #include <QSqlQuery>
 #include <QScopeGuard>
 #include <QSqlRecord>
+
+#include <array>
+#include <cstring>
+#include <iterator>
+#include <limits>
+#include <utility>
 
 namespace {
 
@@ -101,26 +108,89 @@ const char *const kSchema[] = {
 
 const QString kMoment = QStringLiteral("datetime(StartDateTime, (-ReminderMinutesBeforeStart) || ' minutes')");
 
-// The rows of a statement read straight from SQLite: the day reads are the
-// hot path of the views (every ten seconds on every workstation), and this
-// spares them the conversions of the general database layer.
-class CurseurSqlite final : public RecordCursor
+// The current row of a statement read straight from SQLite, by column. The
+// day reads and the reminder poll are the hot path of the views (every ten
+// seconds on every workstation); this spares them the name look-ups and the
+// QVariant round trip of the general database layer. A value of the expected
+// kind is taken as it is; anything else goes through the strict conversions
+// of the record mapping (RecordValue), which throw FieldError as it does.
+template<int N>
+class LigneSqlite
 {
 public:
-    explicit CurseurSqlite(sqlite3_stmt *st)
+    LigneSqlite(sqlite3_stmt *st, const char *const (&noms)[N])
         : m_st(st)
     {
+        // Positions are found once per statement, names in any case.
+        m_positions.fill(-1);
         const int n = sqlite3_column_count(st);
-        for (int i = 0; i < n; ++i)
-            m_colonnes.insert(QString::fromUtf8(sqlite3_column_name(st, i)), i);
-        next();
+        for (int quoi = 0; quoi < N; ++quoi) {
+            for (int i = 0; i < n && m_positions[quoi] < 0; ++i) {
+                if (sqlite3_stricmp(sqlite3_column_name(st, i), noms[quoi]) == 0)
+                    m_positions[quoi] = i;
+            }
+        }
     }
-    [[nodiscard]] bool atEnd() const override { return !m_ligne; }
-    [[nodiscard]] QVariant field(const QString &name) const override
+
+    [[nodiscard]] qint32 entier(int quoi) const
     {
-        const int i = m_colonnes.value(name, -1);
-        if (i < 0 || !m_ligne)
-            throw FieldError(QStringLiteral("colonne inconnue : ") + name);
+        const int i = position(quoi);
+        if (sqlite3_column_type(m_st, i) == SQLITE_INTEGER) {
+            const sqlite3_int64 n = sqlite3_column_int64(m_st, i);
+            if (n >= std::numeric_limits<qint32>::min() && n <= std::numeric_limits<qint32>::max())
+                return qint32(n);
+        }
+        return RecordValue::integer(valeur(i));
+    }
+
+    [[nodiscard]] QString texte(int quoi) const
+    {
+        const int i = position(quoi);
+        if (sqlite3_column_type(m_st, i) == SQLITE_TEXT) {
+            const int n = sqlite3_column_bytes(m_st, i);
+            // An empty text is a text, not a missing value.
+            return n == 0 ? QStringLiteral("")
+                          : QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_st, i)), n);
+        }
+        return RecordValue::text(valeur(i));
+    }
+
+    // A column in the stores' own date text, other than the zero date (which
+    // stands for no date): its date and time of day, taken without the
+    // general parser.
+    [[nodiscard]] bool enTexte(int quoi, QDate &j, QTime &h) const
+    {
+        const int i = position(quoi);
+        if (sqlite3_column_type(m_st, i) != SQLITE_TEXT)
+            return false;
+        const auto *octets = reinterpret_cast<const char *>(sqlite3_column_text(m_st, i));
+        return RecordValue::parseIsoText(QLatin1StringView(octets, sqlite3_column_bytes(m_st, i)), j, h)
+            && !(j == QDate(1899, 12, 30) && h == QTime(0, 0));
+    }
+
+    // Whether the column holds the zero date as text.
+    [[nodiscard]] bool dateZero(int quoi) const
+    {
+        const int i = position(quoi);
+        return sqlite3_column_type(m_st, i) == SQLITE_TEXT && sqlite3_column_bytes(m_st, i) == 19
+            && std::memcmp(sqlite3_column_text(m_st, i), "1899-12-30 00:00:00", 19) == 0;
+    }
+
+    // Any other form of a date-time column, read by the record mapping's rule.
+    [[nodiscard]] QDateTime dateGenerale(int quoi) const { return RecordValue::dateTime(valeur(position(quoi))); }
+
+private:
+    [[nodiscard]] int position(int quoi) const
+    {
+        const int i = m_positions[quoi];
+        if (i < 0)
+            throw FieldError(QStringLiteral("colonne absente : ") + QString::number(quoi));
+        return i;
+    }
+
+    // The value as the general database layer hands it.
+    [[nodiscard]] QVariant valeur(int i) const
+    {
         switch (sqlite3_column_type(m_st, i)) {
         case SQLITE_INTEGER:
             return qlonglong(sqlite3_column_int64(m_st, i));
@@ -134,26 +204,180 @@ public:
             return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_st, i)), sqlite3_column_bytes(m_st, i));
         }
     }
-    void next() override
+
+    sqlite3_stmt *m_st;
+    std::array<int, N> m_positions{};
+};
+
+const char *const kNomsEvenement[] = {
+    "EventID", "Subject", "Location", "Body", "IsMeeting", "IsPrivate", "LabelID", "BusyStatus", "ImportanceLevel",
+    "StartDateTime", "EndDateTime", "IsAllDayEvent", "IsReminder", "ReminderMinutesBeforeStart", "RemainderSoundFile",
+    "RecurrenceState", "RecurrencePatternID", "RExceptionStartTimeOrig", "RExceptionEndTimeOrig",
+    "ISRecurrenceExceptionDeleted", "CustomPropertiesXMLData", "CustomIconsIDs", "ScheduleID", "CreationTime",
+    "LastModificationTime"};
+
+// Event rows mapped as SQLDataHelper::CreateEventFromRS maps them, column for
+// column: a row with a missing or unreadable column is skipped. A start or
+// end met again in the same read is not placed in the local zone again (a
+// read meets the same slots of the day, ends that are starts); creation and
+// change times are placed only when asked for.
+class LecteurEvenements final : public LigneSqlite<std::size(kNomsEvenement)>
+{
+public:
+    enum Colonne {
+        EventID, Subject, Location, Body, IsMeeting, IsPrivate, LabelID, BusyStatus, ImportanceLevel, StartDateTime,
+        EndDateTime, IsAllDayEvent, IsReminder, ReminderMinutesBeforeStart, RemainderSoundFile, RecurrenceState,
+        RecurrencePatternID, RExceptionStartTimeOrig, RExceptionEndTimeOrig, ISRecurrenceExceptionDeleted,
+        CustomPropertiesXMLData, CustomIconsIDs, ScheduleID, CreationTime, LastModificationTime
+    };
+
+    LecteurEvenements(sqlite3_stmt *st, const CalendarDataProvider *calendrier)
+        : LigneSqlite(st, kNomsEvenement)
+        , m_calendrier(calendrier)
     {
-        const int rc = sqlite3_step(m_st);
-        m_ligne = rc == SQLITE_ROW;
-        m_echec = rc != SQLITE_ROW && rc != SQLITE_DONE;
     }
-    [[nodiscard]] bool echec() const { return m_echec; }
-    [[nodiscard]] QStringList colonnes() const
+
+    // The current row as a record; nothing when the row cannot be mapped.
+    [[nodiscard]] CalendarEventPtr lire(bool exception = false)
     {
-        QStringList noms(m_colonnes.size());
-        for (auto it = m_colonnes.cbegin(); it != m_colonnes.cend(); ++it)
-            noms[it.value()] = it.key();
-        return noms;
+        try {
+            const qint32 id = entier(EventID);
+            if (!m_calendrier)
+                return {};
+            CalendarEventPtr e = m_calendrier->CreateEventFromId(id);
+            if (!e)
+                return {};
+            e->setSubject(texte(Subject));
+            e->setLocation(texte(Location));
+            e->setBody(texte(Body));
+            e->setIsMeeting(entier(IsMeeting) != 0);
+            e->setIsPrivate(entier(IsPrivate) != 0);
+            e->setLabelID(entier(LabelID));
+            e->setBusyStatus(entier(BusyStatus));
+            e->setImportanceLevel(entier(ImportanceLevel));
+            e->setStartDateTime(date(StartDateTime));
+            e->setEndDateTime(date(EndDateTime));
+            e->setIsAllDayEvent(entier(IsAllDayEvent) != 0);
+            e->setIsReminder(entier(IsReminder) != 0);
+            e->setReminderMinutesBeforeStart(entier(ReminderMinutesBeforeStart));
+            e->setReminderSoundFile(texte(RemainderSoundFile));
+            e->CustomProperties().LoadFromString(texte(CustomPropertiesXMLData));
+            e->CustomIcons().LoadFromString(texte(CustomIconsIDs));
+            e->setScheduleID(entier(ScheduleID));
+            if (exception) {
+                e->MarkAsRecurrenceException();
+                e->setRExceptionStartTimeOrig(date(RExceptionStartTimeOrig));
+                e->setRExceptionEndTimeOrig(date(RExceptionEndTimeOrig));
+                e->setRExceptionDeleted(entier(ISRecurrenceExceptionDeleted) != 0);
+            } else {
+                e->CustomProperties().SetProperty(CustomProperties::RecurrenceStateEntry, entier(RecurrenceState));
+                e->CustomProperties().SetProperty(CustomProperties::RecurrencePatternIDEntry, entier(RecurrencePatternID));
+            }
+            try {
+                QDate j;
+                QTime h;
+                if (enTexte(CreationTime, j, h))
+                    e->setCreationTimeWallClock(j, h);
+                else
+                    e->setCreationTime(date(CreationTime));
+                if (enTexte(LastModificationTime, j, h))
+                    e->setLastModificationTimeWallClock(j, h);
+                else
+                    e->setLastModificationTime(date(LastModificationTime));
+            } catch (const FieldError &) {
+                // Times of a row written by another program: left unset.
+            }
+            return e;
+        } catch (const FieldError &) {
+            return {};
+        }
     }
 
 private:
-    sqlite3_stmt *m_st;
-    QHash<QString, int> m_colonnes;
-    bool m_ligne = false;
-    bool m_echec = false;
+    [[nodiscard]] QDateTime date(Colonne quoi)
+    {
+        QDate j;
+        QTime h;
+        if (enTexte(quoi, j, h)) {
+            const qint64 cle = j.toJulianDay() * 86400 + h.msecsSinceStartOfDay() / 1000;
+            auto it = m_dates.constFind(cle);
+            if (it == m_dates.cend())
+                it = m_dates.insert(cle, QDateTime(j, h));
+            return *it;
+        }
+        return dateZero(quoi) ? QDateTime() : dateGenerale(quoi);
+    }
+
+    const CalendarDataProvider *m_calendrier;
+    QHash<qint64, QDateTime> m_dates;
+};
+
+const char *const kNomsMotif[] = {
+    "RecurrencePatternID", "MasterEventID", "EventStartTime", "EventDuration", "PatternStartDate", "PatternEndMethod",
+    "PatternEndDate", "PatternEndAfterOccurrences", "OptionsData1", "OptionsData2", "OptionsData3", "OptionsData4",
+    "CustomPropertiesXMLData"};
+
+// Pattern rows mapped as SQLDataHelper::CreateRPatternFromRS maps them
+// (without the exceptions, which the caller attaches). Only the date or the
+// time of day of the date-time columns is kept, so they are taken from the
+// text as they stand, without placing them in the local zone.
+class LecteurMotifs final : public LigneSqlite<std::size(kNomsMotif)>
+{
+public:
+    enum Colonne {
+        RecurrencePatternID, MasterEventID, EventStartTime, EventDuration, PatternStartDate, PatternEndMethod,
+        PatternEndDate, PatternEndAfterOccurrences, OptionsData1, OptionsData2, OptionsData3, OptionsData4,
+        CustomPropertiesXMLData
+    };
+
+    LecteurMotifs(sqlite3_stmt *st, const CalendarDataProvider *calendrier)
+        : LigneSqlite(st, kNomsMotif)
+        , m_calendrier(calendrier)
+    {
+    }
+
+    [[nodiscard]] CalendarRecurrencePatternPtr lire() const
+    {
+        try {
+            const qint32 id = entier(RecurrencePatternID);
+            if (!m_calendrier)
+                return {};
+            CalendarRecurrencePatternPtr p = m_calendrier->CreateRPatternFromId(id);
+            if (!p)
+                return {};
+            p->setMasterEventID(entier(MasterEventID));
+            p->setStartTime(parties(EventStartTime).second);
+            p->setDurationMinutes(entier(EventDuration));
+            p->setStartDate(parties(PatternStartDate).first);
+            const int methode = entier(PatternEndMethod);
+            p->setEndMethod(methode);
+            if (methode == 0)
+                p->setEndDate(parties(PatternEndDate).first);
+            else if (methode == 1)
+                p->setEndAfterOccurrences(entier(PatternEndAfterOccurrences));
+            p->Options().setData(entier(OptionsData1), entier(OptionsData2), entier(OptionsData3), entier(OptionsData4));
+            p->CustomProperties().LoadFromString(texte(CustomPropertiesXMLData));
+            return p;
+        } catch (const FieldError &) {
+            return {};
+        }
+    }
+
+private:
+    // Date and time of day of a column; both invalid for the zero date.
+    [[nodiscard]] std::pair<QDate, QTime> parties(Colonne quoi) const
+    {
+        QDate j;
+        QTime h;
+        if (enTexte(quoi, j, h))
+            return {j, h};
+        if (dateZero(quoi))
+            return {};
+        const QDateTime d = dateGenerale(quoi);
+        return {d.date(), d.time()};
+    }
+
+    const CalendarDataProvider *m_calendrier;
 };
 
 } // namespace
@@ -197,8 +421,10 @@ void SqliteCalendarStore::Close()
     if (m_base && m_changeDepth > 0)
         m_base->executer(QStringLiteral("ROLLBACK"));
     m_changeDepth = 0;
-    sqlite3_finalize(m_rangeStmt);
-    m_rangeStmt = nullptr;
+    for (sqlite3_stmt **st : {&m_rangeStmt, &m_patternsStmt, &m_seriesExceptionsStmt, &m_upcomingStmt, &m_upcomingSinceStmt}) {
+        sqlite3_finalize(*st);
+        *st = nullptr;
+    }
     m_pattern.reset();
     m_exceptions.reset();
     m_base.reset();
@@ -213,6 +439,19 @@ QSqlQuery &SqliteCalendarStore::prepared(std::unique_ptr<QSqlQuery> &slot, const
     }
     slot->finish();
     return *slot;
+}
+
+bool SqliteCalendarStore::prepareKept(sqlite3_stmt *&slot, const QString &sql)
+{
+    if (slot)
+        return true;
+    const QByteArray texte = sql.toUtf8();
+    if (sqlite3_prepare_v2(m_base->poignee(), texte.constData(), int(texte.size()), &slot, nullptr) == SQLITE_OK)
+        return true;
+    m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
+    sqlite3_finalize(slot);
+    slot = nullptr;
+    return false;
 }
 
 bool SqliteCalendarStore::ensureSchema()
@@ -314,33 +553,20 @@ void SqliteCalendarStore::DoRetrieveRangeEvents(const QDate &first, const QDate 
     const QString fin = RecordValue::isoText(QDateTime(last.addDays(1), QTime(0, 0)));
     const QString avant = RecordValue::isoText(QDateTime(first.addDays(-1), QTime(0, 0)));
     m_readFailed = true;
-    if (!m_rangeStmt) {
-        const QByteArray sql = rangeStatement().toUtf8();
-        if (sqlite3_prepare_v2(m_base->poignee(), sql.constData(), int(sql.size()), &m_rangeStmt, nullptr) != SQLITE_OK) {
-            m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
-            sqlite3_finalize(m_rangeStmt);
-            m_rangeStmt = nullptr;
-            return;
-        }
-    }
+    if (!prepareKept(m_rangeStmt, rangeStatement()))
+        return;
     int i = 0;
     for (const QString &v : {avant, fin, debut, debut, fin}) {
         const QByteArray t = v.toUtf8();
         sqlite3_bind_text(m_rangeStmt, ++i, t.constData(), int(t.size()), SQLITE_TRANSIENT);
     }
-    CurseurSqlite rs(m_rangeStmt);
-    while (!rs.atEnd()) {
-        if (CalendarEventPtr e = m_helper.CreateEventFromRS(rs)) {
-            try {
-                e->setCreationTime(RecordValue::dateTime(rs.field(QStringLiteral("CreationTime"))));
-                e->setLastModificationTime(RecordValue::dateTime(rs.field(QStringLiteral("LastModificationTime"))));
-            } catch (const FieldError &) {
-            }
+    LecteurEvenements lecteur(m_rangeStmt, m_helper.calendar());
+    int rc = SQLITE_ROW;
+    while ((rc = sqlite3_step(m_rangeStmt)) == SQLITE_ROW) {
+        if (CalendarEventPtr e = lecteur.lire())
             events.append(e);
-        }
-        rs.next();
     }
-    m_readFailed = rs.echec();
+    m_readFailed = rc != SQLITE_DONE;
     if (m_readFailed)
         m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
     // A statement left open keeps the file locked for the other workstations.
@@ -414,56 +640,50 @@ QHash<int, CalendarRecurrencePatternPtr> SqliteCalendarStore::DoReadRPatterns(co
     QHash<int, CalendarRecurrencePatternPtr> lus;
     if (!m_base || patternIds.isEmpty())
         return lus;
-    // Keys are numbers: they go into the statement as text.
-    QStringList cles;
-    for (const int id : patternIds)
-        cles << QString::number(id);
-    const QString liste = QStringLiteral("(") + cles.join(QLatin1Char(',')) + QStringLiteral(")");
-
-    // A statement of this read, finalized when the read is over.
-    struct Instruction
-    {
-        sqlite3_stmt *st = nullptr;
-        ~Instruction() { sqlite3_finalize(st); }
-    };
-    auto preparer = [&](Instruction &i, const QString &sql) {
-        const QByteArray texte = sql.toUtf8();
-        if (sqlite3_prepare_v2(m_base->poignee(), texte.constData(), int(texte.size()), &i.st, nullptr) == SQLITE_OK)
-            return true;
-        m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
-        return false;
-    };
+    // The keys go in as one bound list, so that both statements stay
+    // prepared from one read to the next.
+    QByteArray liste = "[";
+    for (const int id : patternIds) {
+        if (liste.size() > 1)
+            liste += ',';
+        liste += QByteArray::number(id);
+    }
+    liste += ']';
+    if (!prepareKept(m_seriesExceptionsStmt,
+                     QStringLiteral("SELECT * FROM CalendarEvents WHERE RecurrenceState = 3"
+                                    " AND RecurrencePatternID IN (SELECT value FROM json_each(?))"))
+        || !prepareKept(m_patternsStmt, QStringLiteral("SELECT * FROM CalendarRecurrencePatterns"
+                                                       " WHERE RecurrencePatternID IN (SELECT value FROM json_each(?))")))
+        return CalendarStore::DoReadRPatterns(patternIds); // an SQLite without its JSON functions: one by one
+    // A statement left open keeps the file locked for the other workstations.
+    auto fermer = qScopeGuard([this] {
+        for (sqlite3_stmt *st : {m_seriesExceptionsStmt, m_patternsStmt}) {
+            sqlite3_reset(st);
+            sqlite3_clear_bindings(st);
+        }
+    });
 
     // All the exceptions of these series in one read, kept by series.
-    QHash<int, QList<MemoryRecord>> exceptions;
-    {
-        Instruction lecture;
-        if (!preparer(lecture, QStringLiteral("SELECT * FROM CalendarEvents WHERE RecurrenceState = 3 AND RecurrencePatternID IN ") + liste))
-            return lus;
-        CurseurSqlite rs(lecture.st);
-        const QStringList colonnes = rs.colonnes();
-        while (!rs.atEnd()) {
-            MemoryRecord ligne(colonnes);
-            for (const QString &c : colonnes)
-                ligne.setField(c, rs.field(c));
-            exceptions[ligne.field(QStringLiteral("RecurrencePatternID")).toInt()].append(ligne);
-            rs.next();
-        }
-    }
-    Instruction lecture;
-    if (!preparer(lecture, QStringLiteral("SELECT * FROM CalendarRecurrencePatterns WHERE RecurrencePatternID IN ") + liste))
-        return lus;
-    CurseurSqlite rs(lecture.st);
-    while (!rs.atEnd()) {
-        int id = 0;
+    QHash<int, QList<CalendarEventPtr>> exceptions;
+    sqlite3_bind_text(m_seriesExceptionsStmt, 1, liste.constData(), int(liste.size()), SQLITE_TRANSIENT);
+    LecteurEvenements lecteur(m_seriesExceptionsStmt, m_helper.calendar());
+    while (sqlite3_step(m_seriesExceptionsStmt) == SQLITE_ROW) {
         try {
-            id = RecordValue::integer(rs.field(QStringLiteral("RecurrencePatternID")));
+            const int serie = lecteur.entier(LecteurEvenements::RecurrencePatternID);
+            if (CalendarEventPtr e = lecteur.lire(true))
+                exceptions[serie].append(e);
         } catch (const FieldError &) {
         }
-        FixedRowsConnection connexion(exceptions.value(id));
-        if (CalendarRecurrencePatternPtr p = m_helper.CreateRPatternFromRS(rs, connexion))
+    }
+
+    sqlite3_bind_text(m_patternsStmt, 1, liste.constData(), int(liste.size()), SQLITE_TRANSIENT);
+    const LecteurMotifs motifs(m_patternsStmt, m_helper.calendar());
+    while (sqlite3_step(m_patternsStmt) == SQLITE_ROW) {
+        if (CalendarRecurrencePatternPtr p = motifs.lire()) {
+            for (const CalendarEventPtr &e : exceptions.value(p->RecurrencePatternID()))
+                p->SetException(e);
             lus.insert(p->RecurrencePatternID(), p);
-        rs.next();
+        }
     }
     return lus;
 }
@@ -591,22 +811,32 @@ void SqliteCalendarStore::DoGetUpcomingEvents(const QDateTime &start, int minute
     if (!m_base)
         return;
     m_readFailed = true;
-    const QString t = RecordValue::isoText(start.addSecs(qint64(minutes) * 60));
     const bool borne = since.isValid();
-    QSqlQuery q(m_base->db());
-    q.setForwardOnly(true);
-    q.prepare(upcomingStatement(borne));
-    q.addBindValue(t);
+    sqlite3_stmt *&st = borne ? m_upcomingSinceStmt : m_upcomingStmt;
+    if (!prepareKept(st, upcomingStatement(borne)))
+        return;
+    const QByteArray t = RecordValue::isoText(start.addSecs(qint64(minutes) * 60)).toUtf8();
+    const QByteArray depuis = RecordValue::isoText(since).toUtf8();
+    QList<const QByteArray *> valeurs{&t};
     if (borne)
-        q.addBindValue(RecordValue::isoText(since));
-    q.addBindValue(t);
-    q.addBindValue(t);
+        valeurs << &depuis;
+    valeurs << &t << &t;
     if (borne)
-        q.addBindValue(RecordValue::isoText(since));
-    if (execBound(q)) {
-        m_readFailed = false;
-        readEvents(q, events);
+        valeurs << &depuis;
+    for (int i = 0; i < valeurs.size(); ++i)
+        sqlite3_bind_text(st, i + 1, valeurs.at(i)->constData(), int(valeurs.at(i)->size()), SQLITE_TRANSIENT);
+    LecteurEvenements lecteur(st, m_helper.calendar());
+    int rc = SQLITE_ROW;
+    while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
+        if (CalendarEventPtr e = lecteur.lire())
+            events.append(e);
     }
+    m_readFailed = rc != SQLITE_DONE;
+    if (m_readFailed)
+        m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
+    // A statement left open keeps the file locked for the other workstations.
+    sqlite3_reset(st);
+    sqlite3_clear_bindings(st);
 }
 
 bool SqliteCalendarStore::BeginChange()

@@ -68,6 +68,7 @@ private:
     bool execBound(QSqlQuery &q);
     QSqlQuery &prepared(std::unique_ptr<QSqlQuery> &slot, const QString &sql);
     void readEvents(QSqlQuery &q, QList<CalendarEventPtr> &events);
+    bool prepareKept(sqlite3_stmt *&slot, const QString &sql);
 
     QString m_path;
     QString m_keptAside;
@@ -77,6 +78,10 @@ private:
     bool m_readFailed = false;
     // Statements asked again and again by the day reads, kept prepared.
     sqlite3_stmt *m_rangeStmt = nullptr;
+    sqlite3_stmt *m_patternsStmt = nullptr;
+    sqlite3_stmt *m_seriesExceptionsStmt = nullptr;
+    sqlite3_stmt *m_upcomingStmt = nullptr;
+    sqlite3_stmt *m_upcomingSinceStmt = nullptr;
     std::unique_ptr<QSqlQuery> m_pattern;
     std::unique_ptr<QSqlQuery> m_exceptions;
 };

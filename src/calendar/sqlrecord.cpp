@@ -51,27 +51,11 @@ QDateTime dateTime(const QVariant &v)
         throw FieldError(QStringLiteral("valeur nulle"));
     QDateTime d;
     if (v.typeId() == QMetaType::QString) {
-        // The stores' own form, read without the general parser: a week of
-        // the calendar holds hundreds of these.
         const QString s = v.toString();
-        if (s.size() == 19 && s.at(4) == u'-' && s.at(7) == u'-' && s.at(10) == u' ' && s.at(13) == u':' && s.at(16) == u':') {
-            if (s == QLatin1String("1899-12-30 00:00:00"))
-                return {};
-            auto n = [&](int from, int len) {
-                int r = 0;
-                for (int i = from; i < from + len; ++i) {
-                    const char16_t c = s.at(i).unicode();
-                    if (c < u'0' || c > u'9')
-                        return -1;
-                    r = r * 10 + (c - u'0');
-                }
-                return r;
-            };
-            const QDate j(n(0, 4), n(5, 2), n(8, 2));
-            const QTime h(n(11, 2), n(14, 2), n(17, 2));
-            if (j.isValid() && h.isValid())
-                return QDateTime(j, h);
-        }
+        QDate j;
+        QTime h;
+        if (parseIsoText(QStringView(s), j, h))
+            return j == QDate(1899, 12, 30) && h == QTime(0, 0) ? QDateTime() : QDateTime(j, h);
     }
     if (v.typeId() == QMetaType::QDateTime) {
         d = v.toDateTime();
@@ -93,6 +77,48 @@ QDateTime dateTime(const QVariant &v)
     if (d == zeroDate())
         return {};
     return d;
+}
+
+namespace {
+
+template<typename Texte>
+bool lireIso(const Texte &s, QDate &date, QTime &time)
+{
+    auto c = [&](int i) { return QChar(s[i]).unicode(); };
+    if (s.size() != 19 || c(4) != u'-' || c(7) != u'-' || c(10) != u' ' || c(13) != u':' || c(16) != u':')
+        return false;
+    bool chiffres = true;
+    auto n = [&](int from, int len) {
+        int r = 0;
+        for (int i = from; i < from + len; ++i) {
+            const char16_t k = c(i);
+            if (k < u'0' || k > u'9')
+                chiffres = false;
+            r = r * 10 + int(k - u'0');
+        }
+        return r;
+    };
+    const QDate j(n(0, 4), n(5, 2), n(8, 2));
+    const int heure = n(11, 2);
+    const int minute = n(14, 2);
+    const int seconde = n(17, 2);
+    if (!chiffres || !j.isValid() || !QTime::isValid(heure, minute, seconde))
+        return false;
+    date = j;
+    time = QTime(heure, minute, seconde);
+    return true;
+}
+
+} // namespace
+
+bool parseIsoText(QLatin1StringView text, QDate &date, QTime &time)
+{
+    return lireIso(text, date, time);
+}
+
+bool parseIsoText(QStringView text, QDate &date, QTime &time)
+{
+    return lireIso(text, date, time);
 }
 
 QString isoText(const QDateTime &d)

@@ -74,6 +74,12 @@ namespace RecordValue {
 [[nodiscard]] QDateTime zeroDate();
 // "yyyy-MM-dd HH:mm:ss", the zero date for an invalid value.
 [[nodiscard]] QString isoText(const QDateTime &d);
+// The stores' own text of a date-time, exactly "yyyy-MM-dd HH:mm:ss" (digits
+// only, a real date and time of day), read without the general parser: a week
+// of the calendar holds hundreds of them. False for any other text (the caller
+// then falls back on dateTime()).
+[[nodiscard]] bool parseIsoText(QLatin1StringView text, QDate &date, QTime &time);
+[[nodiscard]] bool parseIsoText(QStringView text, QDate &date, QTime &time);
 } // namespace RecordValue
 
 // A row held in memory, with a fixed list of columns in order. Used to fill

@@ -12,6 +12,8 @@ class tst_calendarrecords : public QObject
     Q_OBJECT
 
 private slots:
+    void heuresDifferees_data();
+    void heuresDifferees();
     void masqueDesJours_data();
     void masqueDesJours();
     void indexDuMasque_data();
@@ -511,6 +513,37 @@ void tst_calendarrecords::pasDeCycleDeReferences()
     QVERIFY(!masterFaible);
     QVERIFY(!patternFaible);
     QVERIFY(!exceptionFaible);
+}
+
+// The creation and change times a store hands over as wall-clock times read
+// as the local times they stand for, on the record and on its copies, and a
+// time set afterwards wins.
+void tst_calendarrecords::heuresDifferees_data()
+{
+    QTest::addColumn<QDate>("jour");
+    QTest::addColumn<QTime>("heure");
+    QTest::newRow("hiver") << QDate(2026, 1, 15) << QTime(9, 30);
+    QTest::newRow("été") << QDate(2026, 7, 1) << QTime(23, 59, 59);
+    QTest::newRow("nuit du passage à l'heure d'hiver") << QDate(2026, 10, 25) << QTime(2, 30);
+    QTest::newRow("minuit") << QDate(2026, 3, 29) << QTime(0, 0);
+}
+
+void tst_calendarrecords::heuresDifferees()
+{
+    QFETCH(QDate, jour);
+    QFETCH(QTime, heure);
+    const CalendarEventPtr e = CalendarEvent::create(5);
+    e->setCreationTimeWallClock(jour, heure);
+    e->setLastModificationTimeWallClock(jour.addDays(1), heure);
+    const CalendarEventPtr copie = e->CloneEvent();
+    QCOMPARE(e->CreationTime(), QDateTime(jour, heure));
+    QCOMPARE(e->CreationTime().timeSpec(), Qt::LocalTime);
+    QCOMPARE(copie->CreationTime(), QDateTime(jour, heure));
+    QCOMPARE(copie->LastModificationTime(), QDateTime(jour.addDays(1), heure));
+    copie->setLastModificationTimeWallClock(jour, heure);
+    copie->setLastModificationTime(QDateTime(QDate(2030, 1, 1), QTime(8, 0)));
+    QCOMPARE(copie->LastModificationTime(), QDateTime(QDate(2030, 1, 1), QTime(8, 0)));
+    QCOMPARE(e->LastModificationTime(), QDateTime(jour.addDays(1), heure));
 }
 
 QTEST_GUILESS_MAIN(tst_calendarrecords)

@@ -70,6 +70,8 @@ private slots:
     void serieLointaineSansParcoursComplet();
     void sautIdentiqueAuParcours_data();
     void sautIdentiqueAuParcours();
+    void arithmetiqueCommeLibical_data();
+    void arithmetiqueCommeLibical();
 };
 
 void tst_recurrence::jours_data()
@@ -549,6 +551,98 @@ void tst_recurrence::sautIdentiqueAuParcours()
         }
     }
     QVERIFY(vus > 0);
+}
+
+// The daily and weekly rules are worked out by date arithmetic: for every
+// first day of the week, open, counted and dated series, near and far ranges,
+// the days must be libical's own.
+void tst_recurrence::arithmetiqueCommeLibical_data()
+{
+    QTest::addColumn<QList<int>>("options");
+    QTest::newRow("every day") << QList<int>{1, 1, 0};
+    QTest::newRow("every 3 days") << QList<int>{1, 3, 0};
+    QTest::newRow("every 10 days") << QList<int>{1, 10, 0};
+    QTest::newRow("weekdays") << QList<int>{1, 1, 1};
+    QTest::newRow("weekly Monday, Thursday") << QList<int>{2, 1, 2 | 16};
+    QTest::newRow("every 2 weeks Sunday") << QList<int>{2, 2, 1};
+    QTest::newRow("every 3 weeks Sunday, Saturday") << QList<int>{2, 3, 1 | 64};
+    QTest::newRow("every 4 weeks all days") << QList<int>{2, 4, 127};
+    QTest::newRow("weekly, no day checked") << QList<int>{2, 1, 0};
+    QTest::newRow("every 2 weeks, no day checked") << QList<int>{2, 2, 0};
+    QTest::newRow("monthly 5th") << QList<int>{3, 1, 5};
+    QTest::newRow("monthly 28th") << QList<int>{3, 1, 28};
+    QTest::newRow("every 2 months 30th") << QList<int>{3, 2, 30};
+    QTest::newRow("every 3 months 31st") << QList<int>{3, 3, 31};
+    QTest::newRow("monthly first Monday") << QList<int>{4, 1, 1, 2};
+    QTest::newRow("every 2 months third Friday") << QList<int>{4, 2, 3, 32};
+    QTest::newRow("monthly fourth weekend day") << QList<int>{4, 1, 4, 65};
+    QTest::newRow("monthly last day") << QList<int>{4, 1, 5, 127};
+    QTest::newRow("every 5 months last weekday") << QList<int>{4, 5, 5, 62};
+    QTest::newRow("yearly 23 March") << QList<int>{5, 3, 23};
+    QTest::newRow("yearly 1 January") << QList<int>{5, 1, 1};
+    QTest::newRow("yearly 29 February") << QList<int>{5, 2, 29};
+    QTest::newRow("yearly 31 April") << QList<int>{5, 4, 31};
+    QTest::newRow("yearly second Tuesday of April") << QList<int>{6, 2, 4, 4};
+    QTest::newRow("yearly last Sunday of March") << QList<int>{6, 5, 1, 3};
+    QTest::newRow("yearly first weekday of September") << QList<int>{6, 1, 62, 9};
+}
+
+void tst_recurrence::arithmetiqueCommeLibical()
+{
+    QFETCH(QList<int>, options);
+    auto retablir = qScopeGuard([] {
+        SetRuleArithmeticEnabled(true);
+        SetOccurrenceCacheEnabled(true);
+    });
+    int vus = 0;
+    for (int premier = 0; premier < 7; ++premier) {
+        const QString debut = jour("2026-03-23").addDays(premier).toString(Qt::ISODate);
+        const QList<CalendarEventPtr> masters = {
+            serie(options, debut, QTime(2, 30), 45),
+            serie(options, debut, QTime(9, 0), 30, CalendarRecurrencePattern::EndAfterOccurrencesCount, QStringLiteral("23")),
+            serie(options, debut, QTime(18, 0), 90, CalendarRecurrencePattern::EndByDate, QStringLiteral("2026-08-14")),
+        };
+        for (const CalendarEventPtr &master : masters) {
+            const CalendarRecurrencePatternPtr p = master->RecurrencePattern();
+            const CalendarRecurrenceOptions &o = p->Options();
+            // libical counts the weeks of a rule every N weeks from the first
+            // checked day when the first day itself is not checked, and may
+            // then skip the first week (Sunday after a Monday start); ours
+            // begin on the Monday of the first day's week. Those cases are
+            // checked against that rule instead.
+            const bool semainesAPart = o.RecurrenceType() == 2 && o.IntervalWeeks() > 1 && (o.DayOfWeekMask() & 127) != 0
+                && !(o.DayOfWeekMask() & (1 << (p->StartDate().dayOfWeek() % 7)));
+            const QDate lundi = p->StartDate().addDays(1 - p->StartDate().dayOfWeek());
+            for (const int decalage : {-60, -40, -3, 0, 1, 5, 13, 29, 61, 150, 900}) {
+                const QDate de = jour("2026-03-23").addDays(decalage);
+                // Ten years at once, then short ranges here and there.
+                const QDate a = de.addDays(decalage == -60 ? 3700 : decalage % 2 ? 4 : 45);
+                const QDateTime apres(de, QTime(12, 0));
+                SetOccurrenceCacheEnabled(false);
+                SetRuleArithmeticEnabled(semainesAPart);
+                const QList<QDateTime> attendus = OccurrenceStarts(p, de, a);
+                const auto prochaineAttendue = NextOccurrenceStart(p, apres);
+                const SeriesSpan etendueAttendue = SeriesSpanOf(p);
+                SetRuleArithmeticEnabled(true);
+                if (semainesAPart) {
+                    for (const QDateTime &d : attendus) {
+                        QVERIFY(o.DayOfWeekMask() & (1 << (d.date().dayOfWeek() % 7)));
+                        QCOMPARE((lundi.daysTo(d.date()) / 7) % o.IntervalWeeks(), 0);
+                        QVERIFY(d.date() >= p->StartDate());
+                    }
+                }
+                QCOMPARE(joursSeuls(OccurrenceStarts(p, de, a)), joursSeuls(attendus));
+                QCOMPARE(NextOccurrenceStart(p, apres), prochaineAttendue);
+                QCOMPARE(SeriesSpanOf(p).lastEnd, etendueAttendue.lastEnd);
+                QCOMPARE(SeriesSpanOf(p).firstStart, etendueAttendue.firstStart);
+                SetRuleArithmeticEnabled(true);
+                SetOccurrenceCacheEnabled(true);
+                QCOMPARE(joursSeuls(OccurrenceStarts(p, de, a)), joursSeuls(attendus));
+                vus += int(attendus.size());
+            }
+        }
+    }
+    QVERIFY2(vus >= 50, qPrintable(QString::number(vus)));
 }
 
 QTEST_GUILESS_MAIN(tst_recurrence)

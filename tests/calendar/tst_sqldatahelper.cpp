@@ -425,6 +425,53 @@ private Q_SLOTS:
         QVERIFY(!h.CreateEventFromRS(r, true));
     }
 
+    // The stores' own date text is read by hand; anything that is not
+    // exactly that text, or not a real date and time, is refused and left to
+    // the general parser.
+    void texteIso_data()
+    {
+        QTest::addColumn<QString>("texte");
+        QTest::addColumn<QDateTime>("attendu");
+        const QDateTime refuse;
+        QTest::newRow("ordinaire") << "2026-03-09 10:15:00" << QDateTime(QDate(2026, 3, 9), QTime(10, 15));
+        QTest::newRow("secondes") << "2014-12-31 23:59:59" << QDateTime(QDate(2014, 12, 31), QTime(23, 59, 59));
+        QTest::newRow("date zéro") << "1899-12-30 00:00:00" << QDateTime(QDate(1899, 12, 30), QTime(0, 0));
+        QTest::newRow("29 février bissextile") << "2024-02-29 08:00:00" << QDateTime(QDate(2024, 2, 29), QTime(8, 0));
+        QTest::newRow("29 février commun") << "2026-02-29 08:00:00" << refuse;
+        QTest::newRow("mois 13") << "2026-13-01 08:00:00" << refuse;
+        QTest::newRow("jour 0") << "2026-03-00 08:00:00" << refuse;
+        QTest::newRow("24 h") << "2026-03-09 24:00:00" << refuse;
+        QTest::newRow("60 min") << "2026-03-09 10:60:00" << refuse;
+        QTest::newRow("lettre") << "2026-03-O9 10:15:00" << refuse;
+        QTest::newRow("signe") << "2026-03-+9 10:15:00" << refuse;
+        QTest::newRow("séparateur T") << "2026-03-09T10:15:00" << refuse;
+        QTest::newRow("barres") << "2026/03/09 10:15:00" << refuse;
+        QTest::newRow("sans secondes") << "2026-03-09 10:15" << refuse;
+        QTest::newRow("millisecondes") << "2026-03-09 10:15:00.000" << refuse;
+        QTest::newRow("blanc devant") << " 2026-03-09 10:15:0" << refuse;
+        QTest::newRow("vide") << "" << refuse;
+    }
+    void texteIso()
+    {
+        QFETCH(QString, texte);
+        QFETCH(QDateTime, attendu);
+        QDate j;
+        QTime h;
+        const bool lu = RecordValue::parseIsoText(QStringView(texte), j, h);
+        QCOMPARE(lu ? QDateTime(j, h) : QDateTime(), attendu);
+        const QByteArray octets = texte.toLatin1();
+        QDate j8;
+        QTime h8;
+        QCOMPARE(RecordValue::parseIsoText(QLatin1StringView(octets), j8, h8), lu);
+        QCOMPARE(j8, lu ? j : QDate());
+        QCOMPARE(h8, lu ? h : QTime());
+        // The general reading agrees wherever the text is the stores' own.
+        if (lu) {
+            const QDateTime general = RecordValue::dateTime(QVariant(texte));
+            QCOMPARE(general, attendu == RecordValue::zeroDate() ? QDateTime() : attendu);
+        }
+    }
+
     void sansFournisseurNiLigne()
     {
         SQLDataHelper h;
