@@ -688,45 +688,57 @@ QHash<int, CalendarRecurrencePatternPtr> SqliteCalendarStore::DoReadRPatterns(co
     return lus;
 }
 
-bool SqliteCalendarStore::DoCreateEvent(const CalendarEvent &event, int &newEventId)
+bool SqliteCalendarStore::insertRow(const QString &table, const MemoryRecord &row, int &newId)
 {
     if (!m_base)
         return false;
-    MemoryRecord row(kEventColumns);
-    m_helper.PutEventToRS(event, row);
-    row.setField(QStringLiteral("CreationTime"), event.CreationTime());
-    row.setField(QStringLiteral("LastModificationTime"), event.LastModificationTime());
     QStringList marques;
-    for (qsizetype i = 0; i < kEventColumns.size(); ++i)
+    for (qsizetype i = 0; i < row.columns().size(); ++i)
         marques << QStringLiteral("?");
     QSqlQuery q(m_base->db());
-    q.prepare(QStringLiteral("INSERT INTO CalendarEvents (") + kEventColumns.join(QStringLiteral(", ")) + QStringLiteral(") VALUES (")
-              + marques.join(QStringLiteral(", ")) + QStringLiteral(")"));
+    q.prepare(QStringLiteral("INSERT INTO ") + table + QStringLiteral(" (") + row.columns().join(QStringLiteral(", "))
+              + QStringLiteral(") VALUES (") + marques.join(QStringLiteral(", ")) + QStringLiteral(")"));
     for (const QVariant &v : row.values())
         q.addBindValue(bindable(v));
     if (!execBound(q))
         return false;
-    newEventId = q.lastInsertId().toInt();
-    return newEventId != 0;
+    newId = q.lastInsertId().toInt();
+    return newId != 0;
 }
 
-bool SqliteCalendarStore::DoUpdateEvent(const CalendarEvent &event)
+bool SqliteCalendarStore::updateRow(const QString &table, const MemoryRecord &row, const QString &keyColumn, int key)
 {
     if (!m_base)
         return false;
+    QStringList affectations;
+    for (const QString &c : row.columns())
+        affectations << c + QStringLiteral(" = ?");
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("UPDATE ") + table + QStringLiteral(" SET ") + affectations.join(QStringLiteral(", "))
+              + QStringLiteral(" WHERE ") + keyColumn + QStringLiteral(" = ?"));
+    for (const QVariant &v : row.values())
+        q.addBindValue(bindable(v));
+    q.addBindValue(key);
+    return execBound(q) && q.numRowsAffected() == 1;
+}
+
+MemoryRecord SqliteCalendarStore::eventRow(const CalendarEvent &event)
+{
     MemoryRecord row(kEventColumns);
     m_helper.PutEventToRS(event, row);
     row.setField(QStringLiteral("CreationTime"), event.CreationTime());
     row.setField(QStringLiteral("LastModificationTime"), event.LastModificationTime());
-    QStringList affectations;
-    for (const QString &c : kEventColumns)
-        affectations << c + QStringLiteral(" = ?");
-    QSqlQuery q(m_base->db());
-    q.prepare(QStringLiteral("UPDATE CalendarEvents SET ") + affectations.join(QStringLiteral(", ")) + QStringLiteral(" WHERE EventID = ?"));
-    for (const QVariant &v : row.values())
-        q.addBindValue(bindable(v));
-    q.addBindValue(event.EventID());
-    return execBound(q) && q.numRowsAffected() == 1;
+    return row;
+}
+
+bool SqliteCalendarStore::DoCreateEvent(const CalendarEvent &event, int &newEventId)
+{
+    return insertRow(QStringLiteral("CalendarEvents"), eventRow(event), newEventId);
+}
+
+bool SqliteCalendarStore::DoUpdateEvent(const CalendarEvent &event)
+{
+    return updateRow(QStringLiteral("CalendarEvents"), eventRow(event), QStringLiteral("EventID"), event.EventID());
 }
 
 bool SqliteCalendarStore::DoDeleteEvent(const CalendarEvent &event)
@@ -741,40 +753,17 @@ bool SqliteCalendarStore::DoDeleteEvent(const CalendarEvent &event)
 
 bool SqliteCalendarStore::DoCreateRPattern(const CalendarRecurrencePattern &pattern, int &newPatternId)
 {
-    if (!m_base)
-        return false;
     MemoryRecord row(kPatternColumns);
     m_helper.PutRPatternToRS(pattern, row);
-    QStringList marques;
-    for (qsizetype i = 0; i < kPatternColumns.size(); ++i)
-        marques << QStringLiteral("?");
-    QSqlQuery q(m_base->db());
-    q.prepare(QStringLiteral("INSERT INTO CalendarRecurrencePatterns (") + kPatternColumns.join(QStringLiteral(", "))
-              + QStringLiteral(") VALUES (") + marques.join(QStringLiteral(", ")) + QStringLiteral(")"));
-    for (const QVariant &v : row.values())
-        q.addBindValue(bindable(v));
-    if (!execBound(q))
-        return false;
-    newPatternId = q.lastInsertId().toInt();
-    return newPatternId != 0;
+    return insertRow(QStringLiteral("CalendarRecurrencePatterns"), row, newPatternId);
 }
 
 bool SqliteCalendarStore::DoUpdateRPattern(const CalendarRecurrencePattern &pattern)
 {
-    if (!m_base)
-        return false;
     MemoryRecord row(kPatternColumns);
     m_helper.PutRPatternToRS(pattern, row);
-    QStringList affectations;
-    for (const QString &c : kPatternColumns)
-        affectations << c + QStringLiteral(" = ?");
-    QSqlQuery q(m_base->db());
-    q.prepare(QStringLiteral("UPDATE CalendarRecurrencePatterns SET ") + affectations.join(QStringLiteral(", "))
-              + QStringLiteral(" WHERE RecurrencePatternID = ?"));
-    for (const QVariant &v : row.values())
-        q.addBindValue(bindable(v));
-    q.addBindValue(pattern.RecurrencePatternID());
-    return execBound(q) && q.numRowsAffected() == 1;
+    return updateRow(QStringLiteral("CalendarRecurrencePatterns"), row, QStringLiteral("RecurrencePatternID"),
+                     pattern.RecurrencePatternID());
 }
 
 bool SqliteCalendarStore::DoDeleteRPattern(const CalendarRecurrencePattern &pattern)

@@ -7,6 +7,7 @@
 #include <memory>
 
 class BaseSqlite;
+class MemoryRecord;
 class QSqlQuery;
 struct sqlite3_stmt;
 
@@ -66,6 +67,10 @@ public:
 private:
     bool ensureSchema();
     bool execBound(QSqlQuery &q);
+    // One row written with bound values, columns in the row's order.
+    bool insertRow(const QString &table, const MemoryRecord &row, int &newId);
+    bool updateRow(const QString &table, const MemoryRecord &row, const QString &keyColumn, int key);
+    [[nodiscard]] MemoryRecord eventRow(const CalendarEvent &event);
     QSqlQuery &prepared(std::unique_ptr<QSqlQuery> &slot, const QString &sql);
     void readEvents(QSqlQuery &q, QList<CalendarEventPtr> &events);
     bool prepareKept(sqlite3_stmt *&slot, const QString &sql);
