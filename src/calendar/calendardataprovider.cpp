@@ -11,6 +11,23 @@
 #include <algorithm>
 #include <limits>
 
+namespace {
+
+// An occurrence that is changed or deleted lives on as an exception row of
+// its series; an exception already kept for the same occurrence lends it its
+// row, so that one occurrence never has two.
+void KeepAsException(const CalendarEventPtr &event, const CalendarRecurrencePatternPtr &pattern)
+{
+    if (event->RecurrenceState() != CalendarEvent::Occurrence)
+        return;
+    event->MarkAsRecurrenceException();
+    if (const CalendarEventPtr ancienne = pattern->FindException(event->RExceptionStartTimeOrig()))
+        event->setEventID(ancienne->EventID());
+    pattern->SetException(event);
+}
+
+} // namespace
+
 CalendarDataProvider::CalendarDataProvider(QObject *parent)
     : QObject(parent)
 {
@@ -400,13 +417,7 @@ bool CalendarDataProvider::ChangeEvent(const CalendarEventPtr &event)
         if (!pattern || pattern->RecurrencePatternID() == 0)
             return false;
         const CalendarEventPtr master = pattern->MasterEvent();
-        if (event->RecurrenceState() == CalendarEvent::Occurrence) {
-            event->MarkAsRecurrenceException();
-            // An exception already kept for this occurrence keeps its row.
-            if (const CalendarEventPtr ancienne = pattern->FindException(event->RExceptionStartTimeOrig()))
-                event->setEventID(ancienne->EventID());
-            pattern->SetException(event);
-        }
+        KeepAsException(event, pattern);
         ok = inOneChange([&] { return writeException(event); });
         break;
     }
@@ -443,13 +454,7 @@ bool CalendarDataProvider::DeleteEvent(const CalendarEventPtr &event)
         if (!pattern || pattern->RecurrencePatternID() == 0)
             return false;
         const CalendarEventPtr master = pattern->MasterEvent();
-        if (event->RecurrenceState() == CalendarEvent::Occurrence) {
-            event->MarkAsRecurrenceException();
-            // An exception already kept for this occurrence keeps its row.
-            if (const CalendarEventPtr ancienne = pattern->FindException(event->RExceptionStartTimeOrig()))
-                event->setEventID(ancienne->EventID());
-            pattern->SetException(event);
-        }
+        KeepAsException(event, pattern);
         event->setRExceptionDeleted(true);
         event->setLastModificationTime(Horloge::maintenant());
         ok = inOneChange([&] { return writeException(event); });
