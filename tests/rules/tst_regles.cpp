@@ -38,17 +38,6 @@ private:
 
     QString dossier() const { return m_dir.path() + u'/'; }
 
-    static QStringList colonnes(const QSqlDatabase &db, const QString &table)
-    {
-        QSqlQuery q(db);
-        QStringList noms;
-        if (!q.exec(QStringLiteral("PRAGMA table_info(\"%1\")").arg(table)))
-            return noms;
-        while (q.next())
-            noms << q.value(1).toString();
-        return noms;
-    }
-
     static Regle versRegle(const RegleTest &t)
     {
         Regle r;
@@ -64,6 +53,16 @@ private:
         r.TypeText = t.typeText;
         r.TypeColor = t.couleur;
         return r;
+    }
+
+    // A lookup that found no rule: nothing of a rule in it.
+    static void verifierSansRegle(const RegleMatch &r)
+    {
+        QCOMPARE(int(r.PraticienNumero), 0);
+        QCOMPARE(r.Praticien, QString());
+        QCOMPARE(int(r.TypeRV), 0);
+        QCOMPARE(r.TypeText, QString());
+        QCOMPARE(r.TypeColor, 0);
     }
 
     static QDateTime moment(const char *texte)
@@ -91,19 +90,6 @@ private Q_SLOTS:
     {
         FermerConfig();
         m_config.reset();
-    }
-
-    void baseConfigTablesEtColonnes()
-    {
-        const QSqlDatabase db = m_config->base().db();
-        QCOMPARE(colonnes(db, QStringLiteral("Ini")),
-                 QStringList({QStringLiteral("Section"), QStringLiteral("Item"), QStringLiteral("Valeur")}));
-        QCOMPARE(colonnes(db, QStringLiteral("Regles")),
-                 QStringList({QStringLiteral("Compteur"), QStringLiteral("DateDebut"), QStringLiteral("DateFin"),
-                              QStringLiteral("HeureDebut"), QStringLiteral("HeureFin"), QStringLiteral("JourNumero"),
-                              QStringLiteral("Jour"), QStringLiteral("Semaine"), QStringLiteral("PraticienNumero"),
-                              QStringLiteral("Praticien"), QStringLiteral("TypeRV"), QStringLiteral("TypeText"),
-                              QStringLiteral("TypeColor")}));
     }
 
     void baseConfigExistanteIntacte()
@@ -142,16 +128,12 @@ private Q_SLOTS:
             << moment("2016-01-03 08:00:00.000") << QDate(2016, 1, 3) << QTime(8, 0) << 1 << "Dimanche" << 53 << 1;
         QTest::newRow("lundi 4 janvier 2016, semaine 1")
             << moment("2016-01-04 00:00:00.000") << QDate(2016, 1, 4) << QTime(0, 0) << 2 << "Lundi" << 1 << 1;
-        QTest::newRow("samedi 9 janvier 2016")
-            << moment("2016-01-09 23:59:59.000") << QDate(2016, 1, 9) << QTime(23, 59, 59) << 7 << "Samedi" << 1 << 1;
         QTest::newRow("lundi 11 janvier 2016, semaine paire")
             << moment("2016-01-11 14:00:00.000") << QDate(2016, 1, 11) << QTime(14, 0) << 2 << "Lundi" << 2 << 2;
         QTest::newRow("lundi 30 decembre 2024, semaine 1 de 2025")
             << moment("2024-12-30 09:00:00.000") << QDate(2024, 12, 30) << QTime(9, 0) << 2 << "Lundi" << 1 << 1;
         QTest::newRow("mercredi 10 juin 2026, semaine 24")
             << moment("2026-06-10 11:15:00.000") << QDate(2026, 6, 10) << QTime(11, 15) << 4 << "Mercredi" << 24 << 2;
-        QTest::newRow("jeudi 31 decembre 2020, semaine 53")
-            << moment("2020-12-31 17:45:00.000") << QDate(2020, 12, 31) << QTime(17, 45) << 5 << "Jeudi" << 53 << 1;
         QTest::newRow("mardi, millisecondes laissees")
             << moment("2016-01-05 12:00:00.750") << QDate(2016, 1, 5) << QTime(12, 0) << 3 << "Mardi" << 1 << 1;
     }
@@ -174,11 +156,7 @@ private Q_SLOTS:
         QCOMPARE(r.Jour, jour);
         QCOMPARE(int(r.NumeroSemaine), numeroSemaine);
         QCOMPARE(int(r.Semaine), semaine);
-        QCOMPARE(int(r.PraticienNumero), 0);
-        QCOMPARE(r.Praticien, QString());
-        QCOMPARE(int(r.TypeRV), 0);
-        QCOMPARE(r.TypeText, QString());
-        QCOMPARE(r.TypeColor, 0);
+        verifierSansRegle(r);
     }
 
     // The rules are added in the order of the list (the last is the newest);
@@ -207,7 +185,6 @@ private Q_SLOTS:
         QTest::newRow("date de debut incluse") << QList<RegleTest>{mardi5} << moment("2016-01-05 08:00:00.000") << 0;
         QTest::newRow("date de fin incluse, soir") << QList<RegleTest>{mardi5} << moment("2016-01-05 20:00:00.000") << 0;
         QTest::newRow("le mardi suivant") << QList<RegleTest>{mardi5} << moment("2016-01-12 10:00:00.000") << -1;
-        QTest::newRow("le mardi precedent") << QList<RegleTest>{mardi5} << moment("2015-12-29 10:00:00.000") << -1;
         QTest::newRow("apres la date de fin") << QList<RegleTest>{lundiMatin} << moment("2016-02-01 09:00:00.000") << -1;
         QTest::newRow("heure de debut incluse") << QList<RegleTest>{lundiMatin} << moment("2016-01-04 08:00:00.000") << 0;
         QTest::newRow("une seconde avant le debut") << QList<RegleTest>{lundiMatin} << moment("2016-01-04 07:59:59.000") << -1;
@@ -232,7 +209,6 @@ private Q_SLOTS:
         QTest::newRow("semaine 1, semaine impaire") << QList<RegleTest>{parite(1, 2)} << moment("2016-01-04 10:00:00.000") << 0;
         QTest::newRow("semaine 1, semaine paire") << QList<RegleTest>{parite(1, 2)} << moment("2016-01-11 10:00:00.000") << -1;
         QTest::newRow("semaine 2, semaine paire") << QList<RegleTest>{parite(2, 2)} << moment("2016-01-11 10:00:00.000") << 0;
-        QTest::newRow("semaine 2, semaine impaire") << QList<RegleTest>{parite(2, 2)} << moment("2016-01-04 10:00:00.000") << -1;
         QTest::newRow("semaine 3, semaine impaire") << QList<RegleTest>{parite(3, 2)} << moment("2016-01-04 10:00:00.000") << 0;
         QTest::newRow("semaine 3, semaine paire") << QList<RegleTest>{parite(3, 2)} << moment("2016-01-11 10:00:00.000") << 0;
         QTest::newRow("1er janvier 2016, semaine impaire") << QList<RegleTest>{parite(1, 6)} << moment("2016-01-01 10:00:00.000") << 0;
@@ -260,14 +236,8 @@ private Q_SLOTS:
         const RegleMatch r = GetRegleForDate(*m_config, quand, &erreur);
         QCOMPARE(erreur, QString());
         QCOMPARE(r.Date, quand.date());
-        if (gagnante < 0) {
-            QCOMPARE(int(r.PraticienNumero), 0);
-            QCOMPARE(r.Praticien, QString());
-            QCOMPARE(int(r.TypeRV), 0);
-            QCOMPARE(r.TypeText, QString());
-            QCOMPARE(r.TypeColor, 0);
-            return;
-        }
+        if (gagnante < 0)
+            return verifierSansRegle(r);
         const RegleTest &g = regles.at(gagnante);
         QCOMPARE(int(r.PraticienNumero), g.praticienNumero);
         QCOMPARE(r.Praticien, g.praticien);
@@ -283,11 +253,7 @@ private Q_SLOTS:
         QVERIFY(q.exec(QStringLiteral("INSERT INTO Regles (DateDebut, DateFin, HeureDebut, HeureFin, JourNumero, Semaine) "
                                       "VALUES ('2016-01-01', '2016-12-31', '08:00:00', '12:00:00', 2, 3)")));
         const RegleMatch r = GetRegleForDate(*m_config, moment("2016-01-04 09:00:00.000"));
-        QCOMPARE(int(r.PraticienNumero), 0);
-        QCOMPARE(r.Praticien, QString());
-        QCOMPARE(int(r.TypeRV), 0);
-        QCOMPARE(r.TypeText, QString());
-        QCOMPARE(r.TypeColor, 0);
+        verifierSansRegle(r);
         QCOMPARE(r.Jour, QStringLiteral("Lundi"));
     }
 
@@ -307,18 +273,10 @@ private Q_SLOTS:
                                       "PraticienNumero, Praticien, TypeRV, TypeText, TypeColor FROM Regles WHERE Compteur = %1")
                            .arg(premier)));
         QVERIFY(q.next());
-        QCOMPARE(q.value(0).toString(), QStringLiteral("2016-01-04"));
-        QCOMPARE(q.value(1).toString(), QStringLiteral("2016-02-29"));
-        QCOMPARE(q.value(2).toString(), QStringLiteral("08:05:00"));
-        QCOMPARE(q.value(3).toString(), QStringLiteral("12:00:00"));
-        QCOMPARE(q.value(4).toInt(), 2);
-        QCOMPARE(q.value(5).toString(), QStringLiteral("Lundi"));
-        QCOMPARE(q.value(6).toInt(), 1);
-        QCOMPARE(q.value(7).toInt(), 1);
-        QCOMPARE(q.value(8).toString(), QStringLiteral("Dr Martin"));
-        QCOMPARE(q.value(9).toInt(), 1);
-        QCOMPARE(q.value(10).toString(), QStringLiteral("Visite"));
-        QCOMPARE(q.value(11).toInt(), 0x00C0FF);
+        QStringList lus;
+        for (int i = 0; i < 12; ++i)
+            lus << q.value(i).toString();
+        QCOMPARE(lus.join(u'|'), QStringLiteral("2016-01-04|2016-02-29|08:05:00|12:00:00|2|Lundi|1|1|Dr Martin|1|Visite|49407"));
     }
 
     void dateInvalideDonneUnRecordVide()
@@ -331,8 +289,7 @@ private Q_SLOTS:
         QCOMPARE(r.Jour, QString());
         QCOMPARE(int(r.Semaine), 0);
         QCOMPARE(int(r.NumeroSemaine), 0);
-        QCOMPARE(r.Praticien, QString());
-        QCOMPARE(r.TypeColor, 0);
+        verifierSansRegle(r);
     }
 
     void configurationDuDemarrage()
@@ -382,9 +339,7 @@ private Q_SLOTS:
         QTest::newRow("dimanche avec regle") << moment("2016-03-13 12:30:00.000") << false << 0x0000FF << midi << deux << 0x0000FFu << true;
         QTest::newRow("la regle passe sur la pause") << moment("2016-03-07 12:30:00.000") << false << 0xFF8000 << midi << deux << 0xFF8000u << true;
         QTest::newRow("regle hors pause") << moment("2016-03-07 09:00:00.000") << false << 0x80FF80 << midi << deux << 0x80FF80u << true;
-        QTest::newRow("regle blanche") << moment("2016-03-07 09:00:00.000") << false << 0xFFFFFF << midi << deux << 0xFFFFFFu << true;
         QTest::newRow("couleur 0 hors pause") << moment("2016-03-07 09:00:00.000") << false << 0 << midi << deux << calendrier << false;
-        QTest::newRow("couleur 0 dans la pause") << moment("2016-03-07 13:00:00.000") << false << 0 << midi << deux << gris << true;
         QTest::newRow("debut de pause inclus") << moment("2016-03-07 12:00:00.000") << false << 0 << midi << deux << gris << true;
         QTest::newRow("juste avant la pause") << moment("2016-03-07 11:59:59.000") << false << 0 << midi << deux << calendrier << false;
         QTest::newRow("derniere seconde de la pause") << moment("2016-03-07 13:59:59.000") << false << 0 << midi << deux << gris << true;
