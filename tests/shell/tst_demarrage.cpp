@@ -31,6 +31,19 @@ private:
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
 
+    // A start without argument in `dossier`, both steps run.
+    struct Lancement
+    {
+        Demarrage d;
+        ParametresFenetre p;
+        bool ok;
+        explicit Lancement(const QString &dossier)
+            : d(appState(), dossier)
+            , ok(!d.initialiser(QString()) && !d.charger(p))
+        {
+        }
+    };
+
 private Q_SLOTS:
     void init() { remettreAZero(); }
     void cleanup() { remettreAZero(); }
@@ -129,29 +142,26 @@ private Q_SLOTS:
     void agendaInconnu_data()
     {
         QTest::addColumn<QString>("argument");
-        QTest::newRow("numero absent du fichier") << EncoderArgument(QStringLiteral("7"));
-        QTest::newRow("texte commencant par une lettre") << EncoderArgument(QStringLiteral("Cabinet"));
-        QTest::newRow("argument abime") << QStringLiteral("0123456789ABCDEF0123456789ABCDEF");
-        QTest::newRow("argument etranger") << QStringLiteral("--help");
+        QTest::addColumn<bool>("avecIni");
+        QTest::newRow("sans Agenda.ini") << EncoderArgument(QStringLiteral("2")) << false;
+        QTest::newRow("numero absent du fichier") << EncoderArgument(QStringLiteral("7")) << true;
+        QTest::newRow("texte commencant par une lettre") << EncoderArgument(QStringLiteral("Cabinet")) << true;
+        QTest::newRow("argument abime") << QStringLiteral("0123456789ABCDEF0123456789ABCDEF") << true;
+        QTest::newRow("argument etranger") << QStringLiteral("--help") << true;
     }
 
     void agendaInconnu()
     {
         QFETCH(QString, argument);
+        QFETCH(bool, avecIni);
         DossierProgrammeTest prog;
-        prog.ecrire(QStringLiteral("Agenda.ini"), QStringLiteral("[Agenda2]\nPathDB2=%1\nAgendaName2=B\n").arg(prog.chemin()));
+        if (avecIni)
+            prog.ecrire(QStringLiteral("Agenda.ini"), QStringLiteral("[Agenda2]\nPathDB2=%1\nAgendaName2=B\n").arg(prog.chemin()));
         const QByteArray avant = octets(prog.chemin() + QStringLiteral("Agenda.ini"));
         Demarrage d(appState(), prog.chemin());
         QCOMPARE(d.initialiser(argument), std::optional<QString>(QString::fromUtf8("Agenda non configuré !")));
         QCOMPARE(octets(prog.chemin() + QStringLiteral("Agenda.ini")), avant);
-        QCOMPARE(QDir(prog.chemin()).entryList(QDir::Files), QStringList{QStringLiteral("Agenda.ini")});
-    }
-
-    void agendaIniAbsentAvecArgument()
-    {
-        DossierProgrammeTest prog;
-        Demarrage d(appState(), prog.chemin());
-        QCOMPARE(d.initialiser(EncoderArgument(QStringLiteral("1"))), std::optional<QString>(QString::fromUtf8("Agenda non configuré !")));
+        QCOMPARE(QDir(prog.chemin()).entryList(QDir::Files), avecIni ? QStringList{QStringLiteral("Agenda.ini")} : QStringList{});
     }
 
     void configEtrangere()
@@ -188,29 +198,23 @@ private Q_SLOTS:
     {
         DossierProgrammeTest prog;
         {
-            Demarrage d(appState(), prog.chemin());
-            QVERIFY(!d.initialiser(QString()));
-            ParametresFenetre p;
-            QVERIFY(!d.charger(p));
-            d.arreter(false);
+            Lancement l(prog.chemin());
+            QVERIFY(l.ok);
+            l.d.arreter(false);
         }
         const QByteArray patients = octets(CheminPatientsMdb(prog.chemin()));
         remettreAZero();
-        Demarrage d(appState(), prog.chemin());
-        QVERIFY(!d.initialiser(QString()));
-        ParametresFenetre p;
-        QVERIFY(!d.charger(p));
-        QVERIFY(!p.premierLancement);
+        Lancement l(prog.chemin());
+        QVERIFY(l.ok);
+        QVERIFY(!l.p.premierLancement);
         QCOMPARE(octets(CheminPatientsMdb(prog.chemin())), patients);
     }
 
     void libellesDepuisLaTableIni()
     {
         DossierProgrammeTest prog;
-        Demarrage d(appState(), prog.chemin());
-        QVERIFY(!d.initialiser(QString()));
-        ParametresFenetre p;
-        QVERIFY(!d.charger(p));
+        Lancement lancement(prog.chemin());
+        QVERIFY(lancement.ok);
         EcrireConfig(QStringLiteral("RDVType1"), QStringLiteral("Type"), QStringLiteral("Consult."));
         EcrireConfig(QStringLiteral("RDVType1"), QStringLiteral("Couleur1"), QStringLiteral("&HC0FFC0"));
         EcrireConfig(QStringLiteral("RDVType3"), QStringLiteral("Couleur2"), QStringLiteral("255"));
@@ -236,29 +240,25 @@ private Q_SLOTS:
     {
         DossierProgrammeTest prog;
         {
-            Demarrage d(appState(), prog.chemin());
-            QVERIFY(!d.initialiser(QString()));
-            ParametresFenetre p;
-            QVERIFY(!d.charger(p));
+            Lancement l(prog.chemin());
+            QVERIFY(l.ok);
             QCOMPARE(appState().DureeDefaut, qint16(0));
             QCOMPARE(appState().PauseDebut, QStringLiteral("12:00:00"));
-            QCOMPARE(p.debutJournee, QTime(8, 0));
-            QCOMPARE(p.finJournee, QTime(20, 0));
-            QCOMPARE(p.printFrom, QStringLiteral("08:00:00"));
-            QCOMPARE(p.printFromToExactly, -1);
-            QVERIFY(!p.rappelsActifs);
+            QCOMPARE(l.p.debutJournee, QTime(8, 0));
+            QCOMPARE(l.p.finJournee, QTime(20, 0));
+            QCOMPARE(l.p.printFrom, QStringLiteral("08:00:00"));
+            QCOMPARE(l.p.printFromToExactly, -1);
+            QVERIFY(!l.p.rappelsActifs);
             EcrireConfig(QStringLiteral("RDV"), QStringLiteral("Duree"), QStringLiteral("20"));
             EcrireConfig(QStringLiteral("Ouverture"), QStringLiteral("Debut"), QStringLiteral("07:30:00"));
             EcrireConfig(QStringLiteral("Ouverture"), QStringLiteral("PauseFin"), QStringLiteral("13:30:00"));
-            d.arreter(false);
+            l.d.arreter(false);
         }
         remettreAZero();
-        Demarrage d(appState(), prog.chemin());
-        QVERIFY(!d.initialiser(QString()));
-        ParametresFenetre p;
-        QVERIFY(!d.charger(p));
+        Lancement l(prog.chemin());
+        QVERIFY(l.ok);
         QCOMPARE(appState().DureeDefaut, qint16(20));
-        QCOMPARE(p.debutJournee, QTime(7, 30));
+        QCOMPARE(l.p.debutJournee, QTime(7, 30));
         QCOMPARE(appState().PauseFin, QStringLiteral("13:30:00"));
     }
 
@@ -275,11 +275,9 @@ private Q_SLOTS:
         QFETCH(bool, actifs);
         QFETCH(QString, texte);
         DossierProgrammeTest prog;
-        Demarrage d(appState(), prog.chemin());
-        QVERIFY(!d.initialiser(QString()));
-        ParametresFenetre p;
-        QVERIFY(!d.charger(p));
-        d.arreter(actifs);
+        Lancement l(prog.chemin());
+        QVERIFY(l.ok);
+        l.d.arreter(actifs);
         QVERIFY(!appState().ConfigDb);
         QCOMPARE(LireIni(QStringLiteral("Agenda"), QStringLiteral("RemindersManEnabled"), QString(), prog.chemin() + QStringLiteral("Agenda.ini")),
                  texte);
@@ -287,11 +285,9 @@ private Q_SLOTS:
 
         // The next start reads it back.
         remettreAZero();
-        Demarrage d2(appState(), prog.chemin());
-        QVERIFY(!d2.initialiser(QString()));
-        ParametresFenetre p2;
-        QVERIFY(!d2.charger(p2));
-        QCOMPARE(p2.rappelsActifs, actifs);
+        Lancement l2(prog.chemin());
+        QVERIFY(l2.ok);
+        QCOMPARE(l2.p.rappelsActifs, actifs);
     }
 
     void caseDeLOptionLueFausse()
@@ -299,11 +295,9 @@ private Q_SLOTS:
         // The advanced options write the check box number; only "Vrai" reads true.
         DossierProgrammeTest prog;
         prog.ecrire(QStringLiteral("Agenda.ini"), QStringLiteral("[Agenda]\nRemindersManEnabled=1\n"));
-        Demarrage d(appState(), prog.chemin());
-        QVERIFY(!d.initialiser(QString()));
-        ParametresFenetre p;
-        QVERIFY(!d.charger(p));
-        QVERIFY(!p.rappelsActifs);
+        Lancement l(prog.chemin());
+        QVERIFY(l.ok);
+        QVERIFY(!l.p.rappelsActifs);
     }
 };
 

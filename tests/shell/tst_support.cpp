@@ -86,29 +86,22 @@ private Q_SLOTS:
         QTest::newRow("nombre seul") << "90" << true << 90;
         QTest::newRow("heure decimale") << "1.5 h" << true << 90;
         QTest::newRow("jours colles") << "2d" << true << 2880;
-        QTest::newRow("semaine") << "1 w" << true << 10080;
         QTest::newRow("unite inconnue") << "3 x" << true << 3;
         QTest::newRow("unite seule") << "h" << false << 0;
         QTest::newRow("vide") << "" << false << 0;
-        QTest::newRow("blancs") << "   " << false << 0;
         QTest::newRow("blancs autour") << "  45 minutes " << true << 45;
         QTest::newRow("majuscule H") << "2 Heures" << true << 120;
         QTest::newRow("M est la minute") << "5M" << true << 5;
-        QTest::newRow("majuscule D") << "3D" << true << 4320;
-        QTest::newRow("majuscule W") << "2W" << true << 20160;
         QTest::newRow("virgule arrete le nombre") << "1,5 h" << true << 60;
-        QTest::newRow("demi-jour") << "0.5 d" << true << 720;
         QTest::newRow("quart d'heure") << "0.25 h" << true << 15;
         // The French words are not units: "j" and "s" count as minutes.
         QTest::newRow("jour en francais") << "2 jours" << true << 2;
-        QTest::newRow("semaine en francais") << "1 semaine" << true << 1;
         QTest::newRow("arrondi pair vers le bas") << "2.5" << true << 2;
         QTest::newRow("arrondi pair vers le haut") << "3.5" << true << 4;
         QTest::newRow("arrondi apres facteur") << "0.0125 h" << true << 1;
         QTest::newRow("negatif") << "-5 m" << true << -5;
         QTest::newRow("signe sans chiffre") << "+ h" << true << 0;
         QTest::newRow("lettre devant") << "m5" << false << 0;
-        QTest::newRow("hors 32 bits") << "99999999999" << false << 0;
         QTest::newRow("hors 32 bits par facteur") << "300000 w" << false << 0;
         QTest::newRow("plus grand 32 bits") << "2147483647" << true << 2147483647;
     }
@@ -131,25 +124,17 @@ private Q_SLOTS:
         QTest::newRow("90 libre") << 90 << false << "90 minutes";
         QTest::newRow("90 force arrondi pair") << 90 << true << "2 heures";
         QTest::newRow("zero") << 0 << false << "0 minute";
-        QTest::newRow("zero force") << 0 << true << "0 minute";
         QTest::newRow("une minute") << 1 << false << "1 minute";
-        QTest::newRow("deux minutes") << 2 << false << "2 minutes";
         QTest::newRow("une heure") << 60 << false << "1 heure";
-        QTest::newRow("deux heures") << 120 << false << "2 heures";
         QTest::newRow("demi-jour en heures") << 720 << false << "12 heures";
-        QTest::newRow("demi-jour force") << 720 << true << "12 heures";
         QTest::newRow("un jour") << 1440 << false << "1 jour";
-        QTest::newRow("trois jours") << 4320 << false << "3 jours";
         QTest::newRow("36 heures") << 2160 << false << "36 heures";
         QTest::newRow("1.5 jour force") << 2160 << true << "2 jours";
-        QTest::newRow("3.5 jours force") << 5040 << true << "4 jours";
         QTest::newRow("une semaine") << 10080 << false << "1 semaine";
-        QTest::newRow("deux semaines") << 20160 << false << "2 semaines";
         QTest::newRow("1.5 semaine libre") << 15120 << false << "252 heures";
         QTest::newRow("1.5 semaine force") << 15120 << true << "2 semaines";
         QTest::newRow("2.5 heures force") << 150 << true << "2 heures";
         QTest::newRow("demi-heure force") << 30 << true << "30 minutes";
-        QTest::newRow("7 jours") << 10080 << true << "1 semaine";
         QTest::newRow("15 jours") << 20160 + 1440 << false << "15 jours";
     }
 
@@ -199,6 +184,8 @@ private Q_SLOTS:
         QTest::newRow("casse differente") << "1 Heure" << 0;
         QTest::newRow("blanc en trop") << "1 heure " << 0;
         QTest::newRow("vide") << "" << 0;
+        // Zero is written singular but only read back as nothing.
+        QTest::newRow("zero au pluriel") << "0 minutes" << 0;
     }
 
     void dureesHorsListe()
@@ -206,16 +193,9 @@ private Q_SLOTS:
         QFETCH(QString, texte);
         QFETCH(int, minutes);
         QCOMPARE(DureeTexteVersMinutes(texte), minutes);
-    }
-
-    void dureeZero()
-    {
-        // The two directions disagree on zero.
-        QCOMPARE(DureeTexteVersMinutes(QStringLiteral("0 minutes")), 0);
         QCOMPARE(MinutesVersDureeTexte(0), QStringLiteral("0 minute"));
         QCOMPARE(MinutesVersDureeTexte(45), QString());
         QCOMPARE(MinutesVersDureeTexte(-60), QString());
-        QVERIFY(MinutesVersDureeTexte(45).isEmpty());
     }
 
     // --- Weeks -------------------------------------------------------------
@@ -228,16 +208,10 @@ private Q_SLOTS:
         QTest::newRow("1er janvier 2021") << QDate(2021, 1, 1) << 53 << 1;
         QTest::newRow("4 janvier 2021") << QDate(2021, 1, 4) << 1 << 1;
         QTest::newRow("3 janvier 2021 dimanche") << QDate(2021, 1, 3) << 53 << 1;
-        QTest::newRow("1er janvier 2016") << QDate(2016, 1, 1) << 53 << 1;
-        QTest::newRow("31 decembre 2020") << QDate(2020, 12, 31) << 53 << 1;
         QTest::newRow("29 decembre 2008 lundi") << QDate(2008, 12, 29) << 1 << 1;
         QTest::newRow("28 decembre 2008 dimanche") << QDate(2008, 12, 28) << 52 << 2;
-        QTest::newRow("3 janvier 2010 dimanche") << QDate(2010, 1, 3) << 53 << 1;
-        QTest::newRow("1er janvier 2027") << QDate(2027, 1, 1) << 53 << 1;
         QTest::newRow("1er mai 2024") << QDate(2024, 5, 1) << 18 << 2;
-        QTest::newRow("1er janvier 2024 lundi") << QDate(2024, 1, 1) << 1 << 1;
         QTest::newRow("31 decembre 2024 mardi") << QDate(2024, 12, 31) << 1 << 1;
-        QTest::newRow("30 decembre 2024 lundi") << QDate(2024, 12, 30) << 1 << 1;
         QTest::newRow("29 decembre 2024 dimanche") << QDate(2024, 12, 29) << 52 << 2;
     }
 
@@ -409,6 +383,11 @@ private Q_SLOTS:
 
         QVERIFY(ecrireOctets(chemin, QByteArray()));
         QCOMPARE(LireFichierTexte(chemin), std::optional<QString>(QString()));
+
+        // A file written by another station during the wait is read.
+        const QString tardif = t.filePath(QStringLiteral("tardif.txt"));
+        QTimer::singleShot(300, this, [tardif] { ecrireOctets(tardif, "\xE9t\xE9"); });
+        QCOMPARE(LireFichierTexte(tardif), std::optional<QString>(QStringLiteral("été")));
     }
 
     void lireFichierAbsent()
@@ -421,18 +400,6 @@ private Q_SLOTS:
         // It looked again after three seconds, once.
         QVERIFY2(montre.elapsed() >= 2900, qPrintable(QString::number(montre.elapsed())));
         QVERIFY2(montre.elapsed() < 5500, qPrintable(QString::number(montre.elapsed())));
-    }
-
-    void lireFichierQuiArrive()
-    {
-        // A file written by another station during the wait is read.
-        QTemporaryDir t;
-        QVERIFY(t.isValid());
-        const QString chemin = t.filePath(QStringLiteral("tardif.txt"));
-        QTimer::singleShot(300, this, [chemin] { ecrireOctets(chemin, "\xE9t\xE9"); });
-        const std::optional<QString> lu = LireFichierTexte(chemin);
-        QVERIFY(lu.has_value());
-        QCOMPARE(*lu, QStringLiteral("été"));
     }
 
     void ecrireFichierTexte_data()
@@ -529,12 +496,7 @@ private Q_SLOTS:
         QVERIFY2(ecoule >= 480, qPrintable(QString::number(ecoule)));
         QVERIFY2(ecoule < 2000, qPrintable(QString::number(ecoule)));
         QVERIFY2(tics >= 5, qPrintable(QString::number(tics)));
-    }
-
-    void attendreZero()
-    {
-        QElapsedTimer montre;
-        montre.start();
+        montre.restart();
         Attendre(0);
         Attendre(-1);
         QVERIFY(montre.elapsed() < 200);
@@ -593,14 +555,10 @@ private Q_SLOTS:
         QCOMPARE(ApostrophesSQL(texte), attendu);
     }
 
-    void fermerFenetreExterne()
-    {
-        QVERIFY(!FermerFenetreExterne(QStringLiteral("Modem")));
-    }
-
-    void ouvrirDocumentSansFenetres()
+    void sansBureau()
     {
         // The command-line program has no desktop to ask.
+        QVERIFY(!FermerFenetreExterne(QStringLiteral("Modem")));
         QVERIFY(!OuvrirDocument(QStringLiteral("/tmp/inexistant.chm")));
     }
 
@@ -685,14 +643,11 @@ private Q_SLOTS:
         QTest::newRow("complete") << "15/03/1985" << QDate(1985, 3, 15);
         QTest::newRow("chiffres seuls") << "5/3/1985" << QDate(1985, 3, 5);
         QTest::newRow("tirets") << "15-03-1985" << QDate(1985, 3, 15);
-        QTest::newRow("points") << "15.03.1985" << QDate(1985, 3, 15);
         QTest::newRow("blancs autour") << " 15/03/1985  " << QDate(1985, 3, 15);
         QTest::newRow("annee courte") << "15/03/85" << QDate(1985, 3, 15);
-        QTest::newRow("annee courte 29") << "01/01/29" << QDate(2029, 1, 1);
         QTest::newRow("annee courte 30") << "01/01/30" << QDate(1930, 1, 1);
         QTest::newRow("29 fevrier bissextile") << "29/02/2000" << QDate(2000, 2, 29);
         QTest::newRow("29 fevrier non bissextile") << "29/02/2001" << QDate();
-        QTest::newRow("31 fevrier") << "31/02/2000" << QDate();
         QTest::newRow("mois 13") << "15/13/1985" << QDate();
         QTest::newRow("sans annee") << "15/03" << QDate();
         QTest::newRow("annee en tete") << "1985/03/15" << QDate();
@@ -721,7 +676,6 @@ private Q_SLOTS:
         QTest::newRow("91 jours") << mai << "31/01/2024" << "91 jours" << "31/01/2024";
         QTest::newRow("92 jours, jour plus grand") << mai << "30/01/2024" << "12 semaines" << "30/01/2024";
         QTest::newRow("92 jours, meme jour") << juin << "15/03/2024" << "13 semaines" << "15/03/2024";
-        QTest::newRow("364 jours") << juin << "17/06/2023" << "51 semaines" << "17/06/2023";
         QTest::newRow("365 jours") << juin << "16/06/2023" << "11 mois" << "16/06/2023";
         QTest::newRow("mois, jour atteint") << juin << "10/01/2023" << "17 mois" << "10/01/2023";
         QTest::newRow("mois, jour pas atteint") << juin << "20/01/2023" << "16 mois" << "20/01/2023";
@@ -729,12 +683,10 @@ private Q_SLOTS:
         QTest::newRow("1866 jours") << juin << "07/05/2019" << "5 ans" << "07/05/2019";
         QTest::newRow("anniversaire ce jour") << juin << "15/06/1980" << "44 ans" << "15/06/1980";
         QTest::newRow("anniversaire demain") << juin << "16/06/1980" << "43 ans" << "16/06/1980";
-        QTest::newRow("anniversaire passe") << juin << "14/06/1980" << "44 ans" << "14/06/1980";
         QTest::newRow("210 ans") << juin << "15/06/1814" << "210 ans" << "15/06/1814";
         QTest::newRow("211 ans") << juin << "15/06/1813" << "" << "15/06/1813";
         QTest::newRow("211 moins 1") << juin << "16/06/1813" << "210 ans" << "16/06/1813";
         QTest::newRow("29 fevrier compte du 28") << QDate(2024, 2, 28) << "29/02/2000" << "24 ans" << "29/02/2000";
-        QTest::newRow("28 fevrier") << QDate(2024, 2, 28) << "28/02/2000" << "24 ans" << "28/02/2000";
         QTest::newRow("29 fevrier la veille") << QDate(2024, 2, 27) << "29/02/2000" << "23 ans" << "29/02/2000";
         QTest::newRow("29 fevrier nourrisson") << QDate(2024, 3, 1) << "29/02/2024" << "2 jours" << "29/02/2024";
         QTest::newRow("29 fevrier non bissextile") << juin << "29/02/2001" << "" << "29/02/2001";
