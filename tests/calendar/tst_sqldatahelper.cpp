@@ -489,15 +489,8 @@ private Q_SLOTS:
         CalendarEventPtr e = rendezVous();
         MemoryRecord r(colonnesEvenement());
         h.PutEventToRS(*e, r);
-        const QStringList ordre = {QStringLiteral("Subject"), QStringLiteral("Location"), QStringLiteral("Body"),
-                                   QStringLiteral("IsMeeting"), QStringLiteral("IsPrivate"), QStringLiteral("LabelID"),
-                                   QStringLiteral("BusyStatus"), QStringLiteral("ImportanceLevel"), QStringLiteral("StartDateTime"),
-                                   QStringLiteral("EndDateTime"), QStringLiteral("IsAllDayEvent"), QStringLiteral("IsReminder"),
-                                   QStringLiteral("ReminderMinutesBeforeStart"), QStringLiteral("RemainderSoundFile"),
-                                   QStringLiteral("RecurrenceState"), QStringLiteral("RecurrencePatternID"),
-                                   QStringLiteral("RExceptionStartTimeOrig"), QStringLiteral("RExceptionEndTimeOrig"),
-                                   QStringLiteral("ISRecurrenceExceptionDeleted"), QStringLiteral("CustomPropertiesXMLData"),
-                                   QStringLiteral("CustomIconsIDs"), QStringLiteral("ScheduleID")};
+        // Every column but the key, in the table's order.
+        const QStringList ordre = colonnesEvenement().mid(1);
         QCOMPARE(r.writeOrder(), ordre);
         QCOMPARE(r.field(QStringLiteral("RemainderSoundFile")).toString(), QStringLiteral("C:\\son.wav"));
 
@@ -544,24 +537,17 @@ private Q_SLOTS:
         illisible.setField(QStringLiteral("Subject"), QVariant());
         connexion.lignes = {exc, illisible};
 
-        MemoryRecord r(QStringList{QStringLiteral("RecurrencePatternID"), QStringLiteral("MasterEventID"), QStringLiteral("EventStartTime"),
-                                   QStringLiteral("EventDuration"), QStringLiteral("PatternStartDate"), QStringLiteral("PatternEndMethod"),
-                                   QStringLiteral("PatternEndDate"), QStringLiteral("PatternEndAfterOccurrences"),
-                                   QStringLiteral("OptionsData1"), QStringLiteral("OptionsData2"), QStringLiteral("OptionsData3"),
-                                   QStringLiteral("OptionsData4"), QStringLiteral("CustomPropertiesXMLData")});
-        r.setField(QStringLiteral("RecurrencePatternID"), 5);
-        r.setField(QStringLiteral("MasterEventID"), 17);
-        r.setField(QStringLiteral("EventStartTime"), QStringLiteral("1899-12-30 10:00:00"));
-        r.setField(QStringLiteral("EventDuration"), 20);
-        r.setField(QStringLiteral("PatternStartDate"), QStringLiteral("2015-01-02 00:00:00"));
-        r.setField(QStringLiteral("PatternEndMethod"), methode);
-        r.setField(QStringLiteral("PatternEndDate"), QStringLiteral("2015-06-30 00:00:00"));
-        r.setField(QStringLiteral("PatternEndAfterOccurrences"), 12);
-        r.setField(QStringLiteral("OptionsData1"), 1);
-        r.setField(QStringLiteral("OptionsData2"), 1);
-        r.setField(QStringLiteral("OptionsData3"), 0);
-        r.setField(QStringLiteral("OptionsData4"), 0);
-        r.setField(QStringLiteral("CustomPropertiesXMLData"), QString());
+        const QList<QPair<QString, QVariant>> champs = {
+            {"RecurrencePatternID", 5}, {"MasterEventID", 17}, {"EventStartTime", "1899-12-30 10:00:00"},
+            {"EventDuration", 20}, {"PatternStartDate", "2015-01-02 00:00:00"}, {"PatternEndMethod", methode},
+            {"PatternEndDate", "2015-06-30 00:00:00"}, {"PatternEndAfterOccurrences", 12}, {"OptionsData1", 1},
+            {"OptionsData2", 1}, {"OptionsData3", 0}, {"OptionsData4", 0}, {"CustomPropertiesXMLData", QString()}};
+        QStringList colonnes;
+        for (const auto &c : champs)
+            colonnes << c.first;
+        MemoryRecord r(colonnes);
+        for (const auto &[nom, valeur] : champs)
+            r.setField(nom, valeur);
 
         CalendarDataProvider fournisseur;
         SQLDataHelper h;
