@@ -32,197 +32,187 @@ class TstDiagnosticModem : public QObject
 {
     Q_OBJECT
 
-private slots:
-    void init();
-    void cleanup();
-
-    void smsTest_data();
-    void smsTest();
-    void statutConnexion();
-
-    void commandeAdmin_data();
-    void commandeAdmin();
-    void commandeAdminSansPort();
-
 private:
-    bool demarrer(QString *erreur);
-    // Runs tavonel-admin while the simulated modem answers on this thread.
-    Sortie lancerAdmin(const QStringList &arguments);
-
     std::unique_ptr<DossierProgrammeTest> m_dossier;
     std::unique_ptr<ModemSimule> m_modem;
     std::unique_ptr<RepondeurScripte> m_repondeur;
-};
 
-void TstDiagnosticModem::init()
-{
-    m_dossier = std::make_unique<DossierProgrammeTest>();
-    m_repondeur = std::make_unique<RepondeurScripte>();
-    m_modem = std::make_unique<ModemSimule>();
-    GsmModem::fixerDureeUnite(300ms);
-    etatModem() = EtatModem();
-}
+private slots:
+    void init()
+    {
+        m_dossier = std::make_unique<DossierProgrammeTest>();
+        m_repondeur = std::make_unique<RepondeurScripte>();
+        m_modem = std::make_unique<ModemSimule>();
+        GsmModem::fixerDureeUnite(300ms);
+        etatModem() = EtatModem();
+    }
 
-void TstDiagnosticModem::cleanup()
-{
-    GsmModem::fixerDureeUnite(GsmModem::DureeUniteNormale);
-    GsmModem::restaurerPointeur();
-    qunsetenv("TAVONEL_MODEM_DEVICE_2");
-    m_modem.reset();
-    m_repondeur.reset();
-    m_dossier.reset();
-}
+    void cleanup()
+    {
+        GsmModem::fixerDureeUnite(GsmModem::DureeUniteNormale);
+        GsmModem::restaurerPointeur();
+        qunsetenv("TAVONEL_MODEM_DEVICE_2");
+        m_modem.reset();
+        m_repondeur.reset();
+        m_dossier.reset();
+    }
 
-bool TstDiagnosticModem::demarrer(QString *erreur)
-{
-    if (!m_modem->demarrer(erreur))
-        return false;
-    qputenv("TAVONEL_MODEM_DEVICE_2", QFile::encodeName(m_modem->peripherique()));
-    return true;
-}
+private:
+    // Starts a simulator and points port PortTest at it; fails the test when
+    // socat cannot start.
+    bool demarrer(QString *erreur)
+    {
+        if (!m_modem->demarrer(erreur))
+            return false;
+        qputenv("TAVONEL_MODEM_DEVICE_2", QFile::encodeName(m_modem->peripherique()));
+        return true;
+    }
 
-// Fails the test, with the reason, when the simulated modem cannot start.
+    // Fails the test, with the reason, when the simulated modem cannot start.
 #define DEMARRER_MODEM()                                                                                       \
-    do {                                                                                                       \
-        QString raison;                                                                                        \
-        QVERIFY2(demarrer(&raison), qPrintable(QStringLiteral("le modem simulé ne démarre pas : ") + raison)); \
-    } while (false)
+        do {                                                                                                       \
+            QString raison;                                                                                        \
+            QVERIFY2(demarrer(&raison), qPrintable(QStringLiteral("le modem simulé ne démarre pas : ") + raison)); \
+        } while (false)
 
-Sortie TstDiagnosticModem::lancerAdmin(const QStringList &arguments)
-{
-    QProcess p;
-    p.start(QStringLiteral(TAVONEL_ADMIN_EXE), arguments);
-    Sortie s;
-    if (!p.waitForStarted(10000))
-        return s;
-    // The modem lives on this thread's event loop: keep it turning.
-    QDeadlineTimer limite(60000);
-    while (p.state() != QProcess::NotRunning && !limite.hasExpired())
-        QTest::qWait(20);
-    if (p.state() != QProcess::NotRunning) {
-        p.kill();
-        p.waitForFinished(3000);
+    // Runs tavonel-admin while the simulated modem answers on this thread.
+    Sortie lancerAdmin(const QStringList &arguments)
+    {
+        QProcess p;
+        p.start(QStringLiteral(TAVONEL_ADMIN_EXE), arguments);
+        Sortie s;
+        if (!p.waitForStarted(10000))
+            return s;
+        // The modem lives on this thread's event loop: keep it turning.
+        QDeadlineTimer limite(60000);
+        while (p.state() != QProcess::NotRunning && !limite.hasExpired())
+            QTest::qWait(20);
+        if (p.state() != QProcess::NotRunning) {
+            p.kill();
+            p.waitForFinished(3000);
+            return s;
+        }
+        s.code = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+        s.texte = QString::fromUtf8(p.readAllStandardOutput());
+        s.erreurs = QString::fromUtf8(p.readAllStandardError());
         return s;
     }
-    s.code = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    s.texte = QString::fromUtf8(p.readAllStandardOutput());
-    s.erreurs = QString::fromUtf8(p.readAllStandardError());
-    return s;
-}
 
-void TstDiagnosticModem::smsTest_data()
-{
-    QTest::addColumn<Reponse>("reponseCmgf");
-    QTest::addColumn<Reponse>("reponseCorps");
-    QTest::addColumn<bool>("resultat");
-    QTest::addColumn<QStringList>("statuts");
-    QTest::addColumn<QStringList>("boites");
+private slots:
+    void smsTest_data()
+    {
+        QTest::addColumn<Reponse>("reponseCmgf");
+        QTest::addColumn<Reponse>("reponseCorps");
+        QTest::addColumn<bool>("resultat");
+        QTest::addColumn<QStringList>("statuts");
+        QTest::addColumn<QStringList>("boites");
 
-    const QString encours = QStringLiteral("Envoi en cours au 06 12 34 56 78...");
-    const QString echec = QStringLiteral("Une erreur s'est produite lors de l'envoi du message...");
-    QTest::newRow("envoye") << ModemSimule::Ok() << ModemSimule::Texte("+CMGS: 3") << true
-                            << QStringList{QStringLiteral("Envoi du Message... "), encours,
-                                           QStringLiteral("Envoi effectué.")}
-                            << QStringList{};
-    QTest::newRow("mode texte refuse")
-        << ModemSimule::Erreur() << ModemSimule::Texte("+CMGS: 3") << false
-        << QStringList{QStringLiteral("Envoi du Message... "),
-                       QStringLiteral("Une erreur s'est produite lors de la configuration du Modem...")}
-        << QStringList{};
-    QTest::newRow("message refuse") << ModemSimule::Ok() << ModemSimule::Erreur() << false
-                                    << QStringList{QStringLiteral("Envoi du Message... "), encours, echec}
-                                    << QStringList{echec};
-}
-
-void TstDiagnosticModem::smsTest()
-{
-    QFETCH(Reponse, reponseCmgf);
-    QFETCH(Reponse, reponseCorps);
-    QFETCH(bool, resultat);
-    QFETCH(QStringList, statuts);
-    QFETCH(QStringList, boites);
-    DEMARRER_MODEM();
-    m_modem->fixerInvitesDansCorps(false);
-    m_modem->script(QStringLiteral("AT+CMGF=1"), reponseCmgf);
-    m_modem->scriptCorps(reponseCorps);
-    GsmModem modem(GsmModem::Copie::Diagnostic);
-    QCOMPARE(modem.msComConnect(PortTest), PortTest);
-
-    // Longer than a reminder may be: the test message is not cut.
-    const QString first(170, u'a');
-    QStringList vus;
-    QCOMPARE(EnvoyerSMSTest(modem, first, QStringLiteral("Docteur Hervé"), QStringLiteral("Le lundi à 18h:15"),
-                            QStringLiteral("Fin"), QStringLiteral("06 12 34 56 78"),
-                            [&](const QString &s) { vus << s; }),
-             resultat);
-    QCOMPARE(vus, statuts);
-    QCOMPARE(m_repondeur->textes(), boites);
-    QCOMPARE(m_modem->commandes().value(0), QStringLiteral("AT+CMGF=1"));
-    if (statuts.size() > 2) {
-        // The number goes as typed.
-        QCOMPARE(m_modem->commandes().value(1), QStringLiteral("AT+CMGS=\"06 12 34 56 78\""));
-        QCOMPARE(m_modem->corps().value(0),
-                 QByteArray(170, 'a') + "\rDocteur Herv\x85\rLe lundi \x7F 18h:15\rFin");
-    } else {
-        QCOMPARE(m_modem->commandes().size(), 1);
+        const QString encours = QStringLiteral("Envoi en cours au 06 12 34 56 78...");
+        const QString echec = QStringLiteral("Une erreur s'est produite lors de l'envoi du message...");
+        QTest::newRow("envoye") << ModemSimule::Ok() << ModemSimule::Texte("+CMGS: 3") << true
+                                << QStringList{QStringLiteral("Envoi du Message... "), encours,
+                                               QStringLiteral("Envoi effectué.")}
+                                << QStringList{};
+        QTest::newRow("mode texte refuse")
+            << ModemSimule::Erreur() << ModemSimule::Texte("+CMGS: 3") << false
+            << QStringList{QStringLiteral("Envoi du Message... "),
+                           QStringLiteral("Une erreur s'est produite lors de la configuration du Modem...")}
+            << QStringList{};
+        QTest::newRow("message refuse") << ModemSimule::Ok() << ModemSimule::Erreur() << false
+                                        << QStringList{QStringLiteral("Envoi du Message... "), encours, echec}
+                                        << QStringList{echec};
     }
-}
 
-void TstDiagnosticModem::statutConnexion()
-{
-    QCOMPARE(StatutConnexion(3, true), QStringLiteral("...Connecté au port COM3 : Le modem possède la fonction GSM-SMS."));
-    QCOMPARE(StatutConnexion(12, false),
-             QStringLiteral("...Connecté au port COM12 : Le modem ne possède PAS la fonction GSM-SMS."));
-}
+    void smsTest()
+    {
+        QFETCH(Reponse, reponseCmgf);
+        QFETCH(Reponse, reponseCorps);
+        QFETCH(bool, resultat);
+        QFETCH(QStringList, statuts);
+        QFETCH(QStringList, boites);
+        DEMARRER_MODEM();
+        m_modem->fixerInvitesDansCorps(false);
+        m_modem->script(QStringLiteral("AT+CMGF=1"), reponseCmgf);
+        m_modem->scriptCorps(reponseCorps);
+        GsmModem modem(GsmModem::Copie::Diagnostic);
+        QCOMPARE(modem.msComConnect(PortTest), PortTest);
 
-void TstDiagnosticModem::commandeAdmin_data()
-{
-    QTest::addColumn<QByteArray>("jeux");
-    QTest::addColumn<int>("code");
-    QTest::addColumn<QString>("modeTexte");
-    QTest::newRow("GSM") << QByteArray("+CSCS: (\"IRA\",\"GSM\",\"UCS2\")") << 0
-                         << QStringLiteral("Mode texte GSM : disponible");
-    QTest::newRow("sans GSM") << QByteArray("+CSCS: (\"IRA\",\"UCS2\")") << 1
-                              << QStringLiteral("Mode texte GSM : non disponible");
-}
+        // Longer than a reminder may be: the test message is not cut.
+        const QString first(170, u'a');
+        QStringList vus;
+        QCOMPARE(EnvoyerSMSTest(modem, first, QStringLiteral("Docteur Hervé"), QStringLiteral("Le lundi à 18h:15"),
+                                QStringLiteral("Fin"), QStringLiteral("06 12 34 56 78"),
+                                [&](const QString &s) { vus << s; }),
+                 resultat);
+        QCOMPARE(vus, statuts);
+        QCOMPARE(m_repondeur->textes(), boites);
+        QCOMPARE(m_modem->commandes().value(0), QStringLiteral("AT+CMGF=1"));
+        if (statuts.size() > 2) {
+            // The number goes as typed.
+            QCOMPARE(m_modem->commandes().value(1), QStringLiteral("AT+CMGS=\"06 12 34 56 78\""));
+            QCOMPARE(m_modem->corps().value(0),
+                     QByteArray(170, 'a') + "\rDocteur Herv\x85\rLe lundi \x7F 18h:15\rFin");
+        } else {
+            QCOMPARE(m_modem->commandes().size(), 1);
+        }
+    }
 
-void TstDiagnosticModem::commandeAdmin()
-{
-    QFETCH(QByteArray, jeux);
-    QFETCH(int, code);
-    QFETCH(QString, modeTexte);
-    DEMARRER_MODEM();
-    m_modem->script(QStringLiteral("AT+CSCS=?"), ModemSimule::Texte(jeux));
-    const Sortie s = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
-    QVERIFY2(s.code == code, qPrintable(s.texte + s.erreurs));
-    const QStringList lignes = s.texte.split(u'\n');
-    QVERIFY2(lignes.contains(QStringLiteral("Fabricant : huawei")), qPrintable(s.texte));
-    QVERIFY2(lignes.contains(QStringLiteral("Opérateur : Orange F")), qPrintable(s.texte));
-    QVERIFY2(lignes.contains(modeTexte), qPrintable(s.texte));
-    QVERIFY2(s.texte.contains(QLatin1String("Vitesse : ")) && s.texte.contains(QLatin1String("115200")),
-             qPrintable(s.texte));
-    QVERIFY2(lignes.contains(QStringLiteral("Type : ATI | Manufacturer: huawei | Model: E1750 | Revision: "
-                                            "11.126.16.00.00 | OK")),
-             qPrintable(s.texte));
-    QCOMPARE(m_modem->commandes().size(), 13);
-    if (code != 0)
-        QVERIFY2(s.erreurs.contains(QStringLiteral("ne possède PAS la fonction GSM-SMS")), qPrintable(s.erreurs));
-}
+    void statutConnexion()
+    {
+        QCOMPARE(StatutConnexion(3, true), QStringLiteral("...Connecté au port COM3 : Le modem possède la fonction GSM-SMS."));
+        QCOMPARE(StatutConnexion(12, false),
+                 QStringLiteral("...Connecté au port COM12 : Le modem ne possède PAS la fonction GSM-SMS."));
+    }
 
-void TstDiagnosticModem::commandeAdminSansPort()
-{
-    qputenv("TAVONEL_MODEM_DEVICE_2", QFile::encodeName(m_dossier->chemin() + QStringLiteral("absent")));
-    QElapsedTimer chrono;
-    chrono.start();
-    const Sortie absent = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
-    QCOMPARE(absent.code, 1);
-    QVERIFY2(absent.erreurs.contains(QStringLiteral("Désolé, connexion impossible.")), qPrintable(absent.erreurs));
-    QVERIFY(chrono.elapsed() < 10000);
+    void commandeAdmin_data()
+    {
+        QTest::addColumn<QByteArray>("jeux");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("modeTexte");
+        QTest::newRow("GSM") << QByteArray("+CSCS: (\"IRA\",\"GSM\",\"UCS2\")") << 0
+                             << QStringLiteral("Mode texte GSM : disponible");
+        QTest::newRow("sans GSM") << QByteArray("+CSCS: (\"IRA\",\"UCS2\")") << 1
+                                  << QStringLiteral("Mode texte GSM : non disponible");
+    }
 
-    const Sortie mauvais = lancerAdmin({QStringLiteral("modem-check"), QStringLiteral("COM")});
-    QCOMPARE(mauvais.code, 2);
-    QVERIFY(mauvais.erreurs.contains(QStringLiteral("numéro de port attendu")));
-}
+    void commandeAdmin()
+    {
+        QFETCH(QByteArray, jeux);
+        QFETCH(int, code);
+        QFETCH(QString, modeTexte);
+        DEMARRER_MODEM();
+        m_modem->script(QStringLiteral("AT+CSCS=?"), ModemSimule::Texte(jeux));
+        const Sortie s = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
+        QVERIFY2(s.code == code, qPrintable(s.texte + s.erreurs));
+        const QStringList lignes = s.texte.split(u'\n');
+        QVERIFY2(lignes.contains(QStringLiteral("Fabricant : huawei")), qPrintable(s.texte));
+        QVERIFY2(lignes.contains(QStringLiteral("Opérateur : Orange F")), qPrintable(s.texte));
+        QVERIFY2(lignes.contains(modeTexte), qPrintable(s.texte));
+        QVERIFY2(s.texte.contains(QLatin1String("Vitesse : ")) && s.texte.contains(QLatin1String("115200")),
+                 qPrintable(s.texte));
+        QVERIFY2(lignes.contains(QStringLiteral("Type : ATI | Manufacturer: huawei | Model: E1750 | Revision: "
+                                                "11.126.16.00.00 | OK")),
+                 qPrintable(s.texte));
+        QCOMPARE(m_modem->commandes().size(), 13);
+        if (code != 0)
+            QVERIFY2(s.erreurs.contains(QStringLiteral("ne possède PAS la fonction GSM-SMS")), qPrintable(s.erreurs));
+    }
+
+    void commandeAdminSansPort()
+    {
+        qputenv("TAVONEL_MODEM_DEVICE_2", QFile::encodeName(m_dossier->chemin() + QStringLiteral("absent")));
+        QElapsedTimer chrono;
+        chrono.start();
+        const Sortie absent = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
+        QCOMPARE(absent.code, 1);
+        QVERIFY2(absent.erreurs.contains(QStringLiteral("Désolé, connexion impossible.")), qPrintable(absent.erreurs));
+        QVERIFY(chrono.elapsed() < 10000);
+
+        const Sortie mauvais = lancerAdmin({QStringLiteral("modem-check"), QStringLiteral("COM")});
+        QCOMPARE(mauvais.code, 2);
+        QVERIFY(mauvais.erreurs.contains(QStringLiteral("numéro de port attendu")));
+    }
+};
 
 QTEST_GUILESS_MAIN(TstDiagnosticModem)
 #include "tst_diagnosticmodem.moc"

@@ -100,403 +100,382 @@ class TestMail : public QObject
     Q_OBJECT
 
 private slots:
-    void lireServeur_data();
-    void lireServeur();
-    void enTete_data();
-    void enTete();
-    void quotedPrintable_data();
-    void quotedPrintable();
-    void composition();
-    void miseEnPage();
-    void miseEnPage2_data();
-    void miseEnPage2();
-
-    void envoiRappel();
-    void refus_data();
-    void refus();
-    void sansFichierDeTravail();
-    void adressesManquantes();
-    void boucleEvenementsVivante();
-    void commandeTestMail();
-};
-
-void TestMail::lireServeur_data()
-{
-    QTest::addColumn<QString>("texte");
-    QTest::addColumn<QString>("hote");
-    QTest::addColumn<int>("port");
-    QTest::newRow("name") << "smtp.orange.fr" << "smtp.orange.fr" << 25;
-    QTest::newRow("blanks") << "  smtp.free.fr " << "smtp.free.fr" << 25;
-    QTest::newRow("port") << "127.0.0.1:2525" << "127.0.0.1" << 2525;
-    QTest::newRow("v6 with port") << "[::1]:2526" << "::1" << 2526;
-    QTest::newRow("scheme") << "smtp://mail.example.org:587/" << "mail.example.org" << 587;
-    QTest::newRow("bad port") << "mail:abc" << "mail" << 25;
-    QTest::newRow("port out of range") << "mail:70000" << "mail" << 25;
-    QTest::newRow("empty") << "" << "" << 25;
-}
-
-void TestMail::lireServeur()
-{
-    QFETCH(QString, texte);
-    QFETCH(QString, hote);
-    QFETCH(int, port);
-    const ServeurSmtp s = LireServeurSmtp(texte);
-    QCOMPARE(s.hote, hote);
-    QCOMPARE(s.port, port);
-}
-
-void TestMail::enTete_data()
-{
-    QTest::addColumn<QString>("valeur");
-    QTest::addColumn<bool>("encode");
-    QTest::newRow("ascii") << "Rappel de votre Rendez-Vous" << false;
-    QTest::newRow("accents") << "Rappel de Rendez-Vous médical" << true;
-    QTest::newRow("long accents")
-        << QString(QStringLiteral("Très long sujet àéèùç ").repeated(8)) << true;
-    QTest::newRow("outside the BMP") << QStringLiteral("Rendez-vous \U0001F4C5 demain") << true;
-    QTest::newRow("line break removed") << "Sujet\r\nBcc: pirate@example.org" << false;
-}
-
-void TestMail::enTete()
-{
-    QFETCH(QString, valeur);
-    QFETCH(bool, encode);
-    const QByteArray entete = EncoderEnTete(valeur);
-    QString attendu = valeur;
-    attendu.replace(QLatin1String("\r\n"), QLatin1String(" "));
-    QCOMPARE(entete.startsWith("=?UTF-8?B?"), encode);
-    // Never a bare line break: continuation lines start with a blank.
-    const QList<QByteArray> lignes = entete.split('\n');
-    for (qsizetype i = 0; i < lignes.size(); ++i) {
-        QByteArray ligne = lignes.at(i);
-        if (i + 1 < lignes.size()) {
-            QVERIFY2(ligne.endsWith('\r'), ligne.constData());
-            ligne.chop(1);
-        }
-        if (i > 0)
-            QVERIFY2(ligne.startsWith(' '), ligne.constData());
-        if (encode)
-            QVERIFY2(ligne.trimmed().size() <= 75, ligne.constData());
-        for (const char c : ligne)
-            QVERIFY(static_cast<unsigned char>(c) >= 0x20 && static_cast<unsigned char>(c) < 0x7f);
+    void lireServeur_data()
+    {
+        QTest::addColumn<QString>("texte");
+        QTest::addColumn<QString>("hote");
+        QTest::addColumn<int>("port");
+        QTest::newRow("name") << "smtp.orange.fr" << "smtp.orange.fr" << 25;
+        QTest::newRow("blanks") << "  smtp.free.fr " << "smtp.free.fr" << 25;
+        QTest::newRow("port") << "127.0.0.1:2525" << "127.0.0.1" << 2525;
+        QTest::newRow("v6 with port") << "[::1]:2526" << "::1" << 2526;
+        QTest::newRow("scheme") << "smtp://mail.example.org:587/" << "mail.example.org" << 587;
+        QTest::newRow("bad port") << "mail:abc" << "mail" << 25;
+        QTest::newRow("port out of range") << "mail:70000" << "mail" << 25;
+        QTest::newRow("empty") << "" << "" << 25;
     }
-    QCOMPARE(decoderEnTete(entete), attendu);
-}
 
-void TestMail::quotedPrintable_data()
-{
-    QTest::addColumn<QByteArray>("octets");
-    QTest::addColumn<QByteArray>("attendu");
-    QTest::newRow("plain") << QByteArray("<b>x</b>") << QByteArray("<b>x</b>");
-    QTest::newRow("equals sign") << QByteArray("a=b") << QByteArray("a=3Db");
-    QTest::newRow("utf-8") << QStringLiteral("é").toUtf8() << QByteArray("=C3=A9");
-    QTest::newRow("blank at line end") << QByteArray("a \r\nb ") << QByteArray("a=20\r\nb=20");
-    QTest::newRow("dot at line start") << QByteArray(".\r\n.a") << QByteArray("=2E\r\n=2Ea");
-    QTest::newRow("long line") << QByteArray(100, 'x') << QByteArray(75, 'x') + "=\r\n" + QByteArray(25, 'x');
-    QTest::newRow("escape not cut by a soft break")
-        << QByteArray(74, 'x') + "=" << QByteArray(74, 'x') + "=\r\n=3D";
-}
+    void lireServeur()
+    {
+        QFETCH(QString, texte);
+        QFETCH(QString, hote);
+        QFETCH(int, port);
+        const ServeurSmtp s = LireServeurSmtp(texte);
+        QCOMPARE(s.hote, hote);
+        QCOMPARE(s.port, port);
+    }
 
-void TestMail::quotedPrintable()
-{
-    QFETCH(QByteArray, octets);
-    QFETCH(QByteArray, attendu);
-    const QByteArray code = EncoderQuotedPrintable(octets);
-    QCOMPARE(code, attendu);
-    QCOMPARE(decoderQuotedPrintable(code), octets);
-    for (const QByteArray &ligne : code.split('\n'))
-        QVERIFY(ligne.size() <= 77);
-}
+    void enTete_data()
+    {
+        QTest::addColumn<QString>("valeur");
+        QTest::addColumn<bool>("encode");
+        QTest::newRow("ascii") << "Rappel de votre Rendez-Vous" << false;
+        QTest::newRow("accents") << "Rappel de Rendez-Vous médical" << true;
+        QTest::newRow("long accents")
+            << QString(QStringLiteral("Très long sujet àéèùç ").repeated(8)) << true;
+        QTest::newRow("outside the BMP") << QStringLiteral("Rendez-vous \U0001F4C5 demain") << true;
+        QTest::newRow("line break removed") << "Sujet\r\nBcc: pirate@example.org" << false;
+    }
 
-void TestMail::composition()
-{
-    MessageMail m;
-    m.expediteur = QStringLiteral(" secretariat@cabinet.example.org ");
-    m.nomExpediteur = QStringLiteral("Rappel de Rendez-Vous");
-    m.destinataire = QStringLiteral("patient@example.org\r\nBcc: pirate@example.org");
-    m.sujet = QStringLiteral("Rappel de votre Rendez-Vous");
-    m.html = QStringLiteral("<b>Le secr&eacute;tariat</b> ") + QString(200, u'x');
-    const QDateTime date(QDate(2026, 8, 3), QTime(9, 5, 7));
-    // The date header is in English whatever the program's language.
-    QLocale::setDefault(QLocale(QLocale::French, QLocale::France));
-    const QByteArray texte = ComposerMessageMail(m, date, QStringLiteral("abc@cabinet.example.org"));
-    QLocale::setDefault(QLocale::c());
+    void enTete()
+    {
+        QFETCH(QString, valeur);
+        QFETCH(bool, encode);
+        const QByteArray entete = EncoderEnTete(valeur);
+        QString attendu = valeur;
+        attendu.replace(QLatin1String("\r\n"), QLatin1String(" "));
+        QCOMPARE(entete.startsWith("=?UTF-8?B?"), encode);
+        // Never a bare line break: continuation lines start with a blank.
+        const QList<QByteArray> lignes = entete.split('\n');
+        for (qsizetype i = 0; i < lignes.size(); ++i) {
+            QByteArray ligne = lignes.at(i);
+            if (i + 1 < lignes.size()) {
+                QVERIFY2(ligne.endsWith('\r'), ligne.constData());
+                ligne.chop(1);
+            }
+            if (i > 0)
+                QVERIFY2(ligne.startsWith(' '), ligne.constData());
+            if (encode)
+                QVERIFY2(ligne.trimmed().size() <= 75, ligne.constData());
+            for (const char c : ligne)
+                QVERIFY(static_cast<unsigned char>(c) >= 0x20 && static_cast<unsigned char>(c) < 0x7f);
+        }
+        QCOMPARE(decoderEnTete(entete), attendu);
+    }
 
-    const MailRecu recu = analyser(texte);
-    QCOMPARE(recu.entetes.value("from"), QByteArray("\"Rappel de Rendez-Vous\" <secretariat@cabinet.example.org>"));
-    // A line break in an address cannot add a header.
-    QCOMPARE(recu.entetes.value("to"), QByteArray("<patient@example.orgBcc: pirate@example.org>"));
-    QVERIFY(!recu.entetes.contains("bcc"));
-    QCOMPARE(recu.entetes.value("subject"), QByteArray("Rappel de votre Rendez-Vous"));
-    QCOMPARE(recu.entetes.value("message-id"), QByteArray("<abc@cabinet.example.org>"));
-    QCOMPARE(recu.entetes.value("mime-version"), QByteArray("1.0"));
-    QCOMPARE(recu.entetes.value("content-type"), QByteArray("text/html; charset=UTF-8"));
-    QCOMPARE(recu.entetes.value("content-transfer-encoding"), QByteArray("quoted-printable"));
-    QCOMPARE(recu.entetes.value("date"), QByteArray("03 Aug 2026 09:05:07 +0200"));
-    QCOMPARE(QDateTime::fromString(QString::fromLatin1(recu.entetes.value("date")), Qt::RFC2822Date), date);
-    QCOMPARE(QString::fromUtf8(decoderQuotedPrintable(recu.corps)).trimmed(), m.html);
+    void quotedPrintable_data()
+    {
+        QTest::addColumn<QByteArray>("octets");
+        QTest::addColumn<QByteArray>("attendu");
+        QTest::newRow("plain") << QByteArray("<b>x</b>") << QByteArray("<b>x</b>");
+        QTest::newRow("equals sign") << QByteArray("a=b") << QByteArray("a=3Db");
+        QTest::newRow("utf-8") << QStringLiteral("é").toUtf8() << QByteArray("=C3=A9");
+        QTest::newRow("blank at line end") << QByteArray("a \r\nb ") << QByteArray("a=20\r\nb=20");
+        QTest::newRow("dot at line start") << QByteArray(".\r\n.a") << QByteArray("=2E\r\n=2Ea");
+        QTest::newRow("long line") << QByteArray(100, 'x') << QByteArray(75, 'x') + "=\r\n" + QByteArray(25, 'x');
+        QTest::newRow("escape not cut by a soft break")
+            << QByteArray(74, 'x') + "=" << QByteArray(74, 'x') + "=\r\n=3D";
+    }
 
-    // A display name beyond ASCII is encoded, not quoted.
-    m.nomExpediteur = QStringLiteral("Cabinet Médical");
-    const MailRecu accentue = analyser(ComposerMessageMail(m, date, QStringLiteral("id@x")));
-    const QByteArray from = accentue.entetes.value("from");
-    QVERIFY2(from.startsWith("=?UTF-8?B?") && from.endsWith("?= <secretariat@cabinet.example.org>"), from.constData());
-    QCOMPARE(decoderEnTete(from.left(from.indexOf(" <"))), m.nomExpediteur);
-}
+    void quotedPrintable()
+    {
+        QFETCH(QByteArray, octets);
+        QFETCH(QByteArray, attendu);
+        const QByteArray code = EncoderQuotedPrintable(octets);
+        QCOMPARE(code, attendu);
+        QCOMPARE(decoderQuotedPrintable(code), octets);
+        for (const QByteArray &ligne : code.split('\n'))
+            QVERIFY(ligne.size() <= 77);
+    }
 
-void TestMail::miseEnPage()
-{
-    // The whole message: one centred table in Arial; 11 points is size 3,
-    // 14 points size 4, 9 points size 2; the last line bold italic.
-    const QString html = ComposerHtmlRappel(QStringLiteral("Premier"), QStringLiteral("Dr X"),
-                                            QStringLiteral("Le jour"), QStringLiteral("Dernier"));
-    QCOMPARE(html,
-             QStringLiteral("<table width=100%><tr><td align=\"center\">"
-                            "<font face=\"Arial\" size=3>Premier</font><br>"
-                            "<font face=\"Arial\" size=4>Dr X<br>Le jour</font><br>"
-                            "<font face=\"Arial\" size=3>Dernier</font><br><br>"
-                            "<b><i><font face=\"Arial\" size=2>Ne pas r&eacute;pondre : Aucune demande ne pourra "
-                            "&ecirc;tre trait&eacute;e en r&eacute;ponse &agrave; cet e-mail</font></i></b>"
-                            "</td></tr></table>"));
-}
+    void composition()
+    {
+        MessageMail m;
+        m.expediteur = QStringLiteral(" secretariat@cabinet.example.org ");
+        m.nomExpediteur = QStringLiteral("Rappel de Rendez-Vous");
+        m.destinataire = QStringLiteral("patient@example.org\r\nBcc: pirate@example.org");
+        m.sujet = QStringLiteral("Rappel de votre Rendez-Vous");
+        m.html = QStringLiteral("<b>Le secr&eacute;tariat</b> ") + QString(200, u'x');
+        const QDateTime date(QDate(2026, 8, 3), QTime(9, 5, 7));
+        // The date header is in English whatever the program's language.
+        QLocale::setDefault(QLocale(QLocale::French, QLocale::France));
+        const QByteArray texte = ComposerMessageMail(m, date, QStringLiteral("abc@cabinet.example.org"));
+        QLocale::setDefault(QLocale::c());
 
-void TestMail::miseEnPage2_data()
-{
-    QTest::addColumn<QString>("premier");
-    QTest::addColumn<QString>("dernier");
-    QTest::addColumn<QString>("attendu");
+        const MailRecu recu = analyser(texte);
+        QCOMPARE(recu.entetes.value("from"), QByteArray("\"Rappel de Rendez-Vous\" <secretariat@cabinet.example.org>"));
+        // A line break in an address cannot add a header.
+        QCOMPARE(recu.entetes.value("to"), QByteArray("<patient@example.orgBcc: pirate@example.org>"));
+        QVERIFY(!recu.entetes.contains("bcc"));
+        QCOMPARE(recu.entetes.value("subject"), QByteArray("Rappel de votre Rendez-Vous"));
+        QCOMPARE(recu.entetes.value("message-id"), QByteArray("<abc@cabinet.example.org>"));
+        QCOMPARE(recu.entetes.value("mime-version"), QByteArray("1.0"));
+        QCOMPARE(recu.entetes.value("content-type"), QByteArray("text/html; charset=UTF-8"));
+        QCOMPARE(recu.entetes.value("content-transfer-encoding"), QByteArray("quoted-printable"));
+        QCOMPARE(recu.entetes.value("date"), QByteArray("03 Aug 2026 09:05:07 +0200"));
+        QCOMPARE(QDateTime::fromString(QString::fromLatin1(recu.entetes.value("date")), Qt::RFC2822Date), date);
+        QCOMPARE(QString::fromUtf8(decoderQuotedPrintable(recu.corps)).trimmed(), m.html);
 
-    QTest::newRow("empty last text: two empty lines")
-        << "Premier" << ""
-        << "Le jour</font><br><br><br><b><i><font face=\"Arial\" size=2>Ne pas r&eacute;pondre";
-    QTest::newRow("last text of several lines")
-        << "Premier" << "Ligne 1\r\nLigne 2\nLigne 3"
-        << "<font face=\"Arial\" size=3>Ligne 1<br>Ligne 2<br>Ligne 3</font><br><br><b><i>";
-    QTest::newRow("last text starting with a line end")
-        << "Premier" << "\r\nMerci"
-        << "Le jour</font><br><br><font face=\"Arial\" size=3>Merci</font>";
-    QTest::newRow("accents as entities")
-        << "Le secrétariat, Noël, à bientôt" << ""
-        << "<font face=\"Arial\" size=3>Le secr&eacute;tariat, No&euml;l, &agrave; bient&ocirc;t</font>";
-    QTest::newRow("a diaeresis becomes a superscript TM")
-        << "Bäcker" << "" << "B<sup>TM</sup>cker";
-    QTest::newRow("braces and backslash kept")
-        << "a{b}c\\d" << "" << ">a{b}c\\d</font>";
-}
+        // A display name beyond ASCII is encoded, not quoted.
+        m.nomExpediteur = QStringLiteral("Cabinet Médical");
+        const MailRecu accentue = analyser(ComposerMessageMail(m, date, QStringLiteral("id@x")));
+        const QByteArray from = accentue.entetes.value("from");
+        QVERIFY2(from.startsWith("=?UTF-8?B?") && from.endsWith("?= <secretariat@cabinet.example.org>"), from.constData());
+        QCOMPARE(decoderEnTete(from.left(from.indexOf(" <"))), m.nomExpediteur);
+    }
 
-void TestMail::miseEnPage2()
-{
-    QFETCH(QString, premier);
-    QFETCH(QString, dernier);
-    QFETCH(QString, attendu);
-    const QString html = ComposerHtmlRappel(premier, QStringLiteral("Dr X"), QStringLiteral("Le jour"), dernier);
-    QVERIFY2(html.contains(attendu), qPrintable(html));
-}
+    void miseEnPage()
+    {
+        // The whole message: one centred table in Arial; 11 points is size 3,
+        // 14 points size 4, 9 points size 2; the last line bold italic.
+        const QString html = ComposerHtmlRappel(QStringLiteral("Premier"), QStringLiteral("Dr X"),
+                                                QStringLiteral("Le jour"), QStringLiteral("Dernier"));
+        QCOMPARE(html,
+                 QStringLiteral("<table width=100%><tr><td align=\"center\">"
+                                "<font face=\"Arial\" size=3>Premier</font><br>"
+                                "<font face=\"Arial\" size=4>Dr X<br>Le jour</font><br>"
+                                "<font face=\"Arial\" size=3>Dernier</font><br><br>"
+                                "<b><i><font face=\"Arial\" size=2>Ne pas r&eacute;pondre : Aucune demande ne pourra "
+                                "&ecirc;tre trait&eacute;e en r&eacute;ponse &agrave; cet e-mail</font></i></b>"
+                                "</td></tr></table>"));
+    }
 
-void TestMail::envoiRappel()
-{
-    DossierProgrammeTest dossier;
-    QVERIFY(dossier.estValide());
-    SmtpSink sink;
-    QString erreur;
-    QVERIFY2(sink.demarrer(&erreur), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + erreur));
-    const QDateTime maintenant(QDate(2026, 7, 31), QTime(10, 15, 0));
-    Horloge::Fixee horloge(maintenant);
+    void miseEnPage2_data()
+    {
+        QTest::addColumn<QString>("premier");
+        QTest::addColumn<QString>("dernier");
+        QTest::addColumn<QString>("attendu");
 
-    const QString resultat =
-        SendMailReminder(QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("patient@example.org"),
-                         sink.adresse(), QStringLiteral("Rappel de votre Rendez-Vous"), kPremier, kDernier, kDate,
-                         kPraticien);
-    QVERIFY2(resultat.isEmpty(), qPrintable(resultat));
+        QTest::newRow("empty last text: two empty lines")
+            << "Premier" << ""
+            << "Le jour</font><br><br><br><b><i><font face=\"Arial\" size=2>Ne pas r&eacute;pondre";
+        QTest::newRow("last text of several lines")
+            << "Premier" << "Ligne 1\r\nLigne 2\nLigne 3"
+            << "<font face=\"Arial\" size=3>Ligne 1<br>Ligne 2<br>Ligne 3</font><br><br><b><i>";
+        QTest::newRow("last text starting with a line end")
+            << "Premier" << "\r\nMerci"
+            << "Le jour</font><br><br><font face=\"Arial\" size=3>Merci</font>";
+        QTest::newRow("accents as entities")
+            << "Le secrétariat, Noël, à bientôt" << ""
+            << "<font face=\"Arial\" size=3>Le secr&eacute;tariat, No&euml;l, &agrave; bient&ocirc;t</font>";
+        QTest::newRow("a diaeresis becomes a superscript TM")
+            << "Bäcker" << "" << "B<sup>TM</sup>cker";
+        QTest::newRow("braces and backslash kept")
+            << "a{b}c\\d" << "" << ">a{b}c\\d</font>";
+    }
 
-    const QList<SmtpSink::Message> messages = sink.messages();
-    QCOMPARE(messages.size(), 1);
-    const SmtpSink::Message &m = messages.first();
-    QCOMPARE(m.mailFrom, QStringLiteral("secretariat@cabinet.example.org"));
-    QCOMPARE(m.rcptTo, QStringList{QStringLiteral("patient@example.org")});
+    void miseEnPage2()
+    {
+        QFETCH(QString, premier);
+        QFETCH(QString, dernier);
+        QFETCH(QString, attendu);
+        const QString html = ComposerHtmlRappel(premier, QStringLiteral("Dr X"), QStringLiteral("Le jour"), dernier);
+        QVERIFY2(html.contains(attendu), qPrintable(html));
+    }
 
-    const MailRecu recu = analyser(m.data);
-    QCOMPARE(recu.entetes.value("from"), QByteArray("\"Rappel de Rendez-Vous\" <secretariat@cabinet.example.org>"));
-    QCOMPARE(recu.entetes.value("to"), QByteArray("<patient@example.org>"));
-    QCOMPARE(recu.entetes.value("subject"), QByteArray("Rappel de votre Rendez-Vous"));
-    QCOMPARE(recu.entetes.value("content-type"), QByteArray("text/html; charset=UTF-8"));
-    QCOMPARE(QDateTime::fromString(QString::fromLatin1(recu.entetes.value("date")), Qt::RFC2822Date), maintenant);
-    QVERIFY2(QRegularExpression(QStringLiteral("^<[^@<> ]+@cabinet\\.example\\.org>$"))
-                 .match(QString::fromLatin1(recu.entetes.value("message-id")))
-                 .hasMatch(),
-             recu.entetes.value("message-id").constData());
+    void envoiRappel()
+    {
+        DossierProgrammeTest dossier;
+        QVERIFY(dossier.estValide());
+        SmtpSink sink;
+        QString erreur;
+        QVERIFY2(sink.demarrer(&erreur), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + erreur));
+        const QDateTime maintenant(QDate(2026, 7, 31), QTime(10, 15, 0));
+        Horloge::Fixee horloge(maintenant);
 
-    const QString corps = QString::fromUtf8(decoderQuotedPrintable(recu.corps)).trimmed();
-    QCOMPARE(corps, ComposerHtmlRappel(kPremier, kPraticien, kDate, kDernier));
-    QVERIFY(corps.contains(QLatin1String("Le secr&eacute;tariat du Cabinet m&eacute;dical")));
-    QVERIFY(corps.contains(QLatin1String("Docteur H&eacute;l&egrave;ne Brunet")));
-    QVERIFY(corps.contains(QLatin1String("ao&ucirc;t 2026 &agrave; 14H30 ")));
+        const QString resultat =
+            SendMailReminder(QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("patient@example.org"),
+                             sink.adresse(), QStringLiteral("Rappel de votre Rendez-Vous"), kPremier, kDernier, kDate,
+                             kPraticien);
+        QVERIFY2(resultat.isEmpty(), qPrintable(resultat));
 
-    // The working file stays in the program folder.
-    QFile travail(dossier.chemin() + QStringLiteral("Html.htm"));
-    QVERIFY(travail.open(QIODevice::ReadOnly));
-    QCOMPARE(QString::fromUtf8(travail.readAll()), corps);
-}
+        const QList<SmtpSink::Message> messages = sink.messages();
+        QCOMPARE(messages.size(), 1);
+        const SmtpSink::Message &m = messages.first();
+        QCOMPARE(m.mailFrom, QStringLiteral("secretariat@cabinet.example.org"));
+        QCOMPARE(m.rcptTo, QStringList{QStringLiteral("patient@example.org")});
 
-void TestMail::refus_data()
-{
-    QTest::addColumn<int>("codeMailFrom");
-    QTest::addColumn<int>("codeRcpt");
-    QTest::addColumn<int>("codeFin");
-    QTest::addColumn<bool>("muet");
-    QTest::addColumn<bool>("ferme");
-    QTest::addColumn<QString>("motif");
+        // The headers themselves are checked with the composition.
+        const MailRecu recu = analyser(m.data);
+        QCOMPARE(recu.entetes.value("to"), QByteArray("<patient@example.org>"));
+        QCOMPARE(QDateTime::fromString(QString::fromLatin1(recu.entetes.value("date")), Qt::RFC2822Date), maintenant);
+        QVERIFY2(QRegularExpression(QStringLiteral("^<[^@<> ]+@cabinet\\.example\\.org>$"))
+                     .match(QString::fromLatin1(recu.entetes.value("message-id")))
+                     .hasMatch(),
+                 recu.entetes.value("message-id").constData());
 
-    QTest::newRow("recipient refused") << 250 << 550 << 250 << false << false << "a refusé le message (code 550)";
-    QTest::newRow("sender refused") << 553 << 250 << 250 << false << false << "a refusé le message (code 553)";
-    QTest::newRow("message refused") << 250 << 250 << 554 << false << false << "a refusé le message (code 554)";
-    QTest::newRow("server that never answers") << 250 << 250 << 250 << true << false << "ne répond pas dans le délai";
-    QTest::newRow("nothing listening") << 250 << 250 << 250 << false << true << "Connexion impossible";
-}
+        const QString corps = QString::fromUtf8(decoderQuotedPrintable(recu.corps)).trimmed();
+        QCOMPARE(corps, ComposerHtmlRappel(kPremier, kPraticien, kDate, kDernier));
+        QVERIFY(corps.contains(QLatin1String("Le secr&eacute;tariat du Cabinet m&eacute;dical")));
+        QVERIFY(corps.contains(QLatin1String("Docteur H&eacute;l&egrave;ne Brunet")));
+        QVERIFY(corps.contains(QLatin1String("ao&ucirc;t 2026 &agrave; 14H30 ")));
 
-void TestMail::refus()
-{
-    QFETCH(int, codeMailFrom);
-    QFETCH(int, codeRcpt);
-    QFETCH(int, codeFin);
-    QFETCH(bool, muet);
-    QFETCH(bool, ferme);
-    QFETCH(QString, motif);
+        // The working file stays in the program folder.
+        QFile travail(dossier.chemin() + QStringLiteral("Html.htm"));
+        QVERIFY(travail.open(QIODevice::ReadOnly));
+        QCOMPARE(QString::fromUtf8(travail.readAll()), corps);
+    }
 
-    DossierProgrammeTest dossier;
-    SmtpSink sink;
-    sink.setCodeMailFrom(codeMailFrom);
-    sink.setCodeRcpt(codeRcpt);
-    sink.setCodeFinDonnees(codeFin);
-    sink.setMuet(muet);
-    QString erreur;
-    QVERIFY2(sink.demarrer(&erreur), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + erreur));
-    QString serveur = sink.adresse();
-    if (ferme) {
+    void refus_data()
+    {
+        QTest::addColumn<int>("codeMailFrom");
+        QTest::addColumn<int>("codeRcpt");
+        QTest::addColumn<int>("codeFin");
+        QTest::addColumn<bool>("muet");
+        QTest::addColumn<bool>("ferme");
+        QTest::addColumn<QString>("motif");
+
+        QTest::newRow("recipient refused") << 250 << 550 << 250 << false << false << "a refusé le message (code 550)";
+        QTest::newRow("sender refused") << 553 << 250 << 250 << false << false << "a refusé le message (code 553)";
+        QTest::newRow("message refused") << 250 << 250 << 554 << false << false << "a refusé le message (code 554)";
+        QTest::newRow("server that never answers") << 250 << 250 << 250 << true << false << "ne répond pas dans le délai";
+        QTest::newRow("nothing listening") << 250 << 250 << 250 << false << true << "Connexion impossible";
+    }
+
+    void refus()
+    {
+        QFETCH(int, codeMailFrom);
+        QFETCH(int, codeRcpt);
+        QFETCH(int, codeFin);
+        QFETCH(bool, muet);
+        QFETCH(bool, ferme);
+        QFETCH(QString, motif);
+
+        DossierProgrammeTest dossier;
+        SmtpSink sink;
+        sink.setCodeMailFrom(codeMailFrom);
+        sink.setCodeRcpt(codeRcpt);
+        sink.setCodeFinDonnees(codeFin);
+        sink.setMuet(muet);
+        QString erreur;
+        QVERIFY2(sink.demarrer(&erreur), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + erreur));
+        QString serveur = sink.adresse();
+        if (ferme) {
+            const quint16 port = portFerme();
+            QVERIFY2(port != 0, "no free port on 127.0.0.1");
+            serveur = QStringLiteral("127.0.0.1:%1").arg(port);
+        }
+
+        OptionsSmtp options;
+        options.delaiConnexionMs = 2000;
+        options.delaiTotalMs = 3000;
+        QElapsedTimer chrono;
+        chrono.start();
+        const QString resultat =
+            SendMailReminder(QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("patient@example.org"),
+                             serveur, QStringLiteral("Rappel"), kPremier, kDernier, kDate, kPraticien, options);
+        QVERIFY2(chrono.elapsed() < 10000, qPrintable(QString::number(chrono.elapsed())));
+        QVERIFY2(resultat.contains(motif), qPrintable(resultat));
+        QVERIFY(sink.messages().isEmpty());
+    }
+
+    void sansFichierDeTravail()
+    {
+        // A program folder that cannot be written: nothing is sent, and no error.
+        QTemporaryDir racine;
+        QVERIFY(racine.isValid());
+        const QByteArray ancien = qgetenv("TAVONEL_PROGRAM_DIR");
+        qputenv("TAVONEL_PROGRAM_DIR", (racine.path() + QStringLiteral("/absent/dossier")).toUtf8());
+        SmtpSink sink;
+        QString erreur;
+        QVERIFY2(sink.demarrer(&erreur), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + erreur));
+        const QString resultat =
+            SendMailReminder(QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("patient@example.org"),
+                             sink.adresse(), QStringLiteral("Rappel"), kPremier, kDernier, kDate, kPraticien);
+        qputenv("TAVONEL_PROGRAM_DIR", ancien);
+        QCOMPARE(resultat, QString());
+        QCOMPARE(sink.connexions(), 0);
+    }
+
+    void adressesManquantes()
+    {
+        DossierProgrammeTest dossier;
+        SmtpSink sink;
+        QString erreur;
+        QVERIFY2(sink.demarrer(&erreur), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + erreur));
+        const QString sansDestinataire = SendMailReminder(QStringLiteral("a@b.example.org"), QStringLiteral("  "),
+                                                          sink.adresse(), QStringLiteral("R"), kPremier, kDernier, kDate,
+                                                          kPraticien);
+        QCOMPARE(sansDestinataire, QStringLiteral("L'adresse du destinataire est vide."));
+        const QString sansServeur = SendMailReminder(QStringLiteral("a@b.example.org"), QStringLiteral("c@d.example.org"),
+                                                     QString(), QStringLiteral("R"), kPremier, kDernier, kDate, kPraticien);
+        QCOMPARE(sansServeur, QStringLiteral("Aucun serveur SMTP n'est indiqué."));
+        QCOMPARE(sink.connexions(), 0);
+    }
+
+    void boucleEvenementsVivante()
+    {
+        // A slow server: timers of the interface thread keep running meanwhile.
+        DossierProgrammeTest dossier;
+        SmtpSink sink;
+        sink.setDelaiReponseMs(150);
+        QString erreur;
+        QVERIFY2(sink.demarrer(&erreur), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + erreur));
+        int tics = 0;
+        QTimer minuterie;
+        minuterie.setInterval(20);
+        connect(&minuterie, &QTimer::timeout, this, [&tics] { ++tics; });
+        minuterie.start();
+        QElapsedTimer chrono;
+        chrono.start();
+        const QString resultat =
+            SendMailReminder(QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("patient@example.org"),
+                             sink.adresse(), QStringLiteral("Rappel"), kPremier, kDernier, kDate, kPraticien);
+        const qint64 duree = chrono.elapsed();
+        minuterie.stop();
+        QVERIFY2(resultat.isEmpty(), qPrintable(resultat));
+        QCOMPARE(sink.messages().size(), 1);
+        // Seven answers at 150 ms: about a second, in which a 20 ms timer fires
+        // many times unless the thread was blocked.
+        QVERIFY2(duree >= 900, qPrintable(QString::number(duree)));
+        QVERIFY2(tics >= 10, qPrintable(QStringLiteral("%1 ticks in %2 ms").arg(tics).arg(duree)));
+    }
+
+    void commandeTestMail()
+    {
+        DossierProgrammeTest dossier;
+        SmtpSink sink;
+        QString erreur;
+        QVERIFY2(sink.demarrer(&erreur), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + erreur));
+
+        const auto lancer = [&](const QString &serveur, const QString &destinataire, QString *sortie, QString *erreurs) {
+            QProcess p;
+            p.start(QStringLiteral(TAVONEL_ADMIN_EXE),
+                    {QStringLiteral("test-mail"), QStringLiteral("--smtp"), serveur, QStringLiteral("--from"),
+                     QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("--to"), destinataire});
+            if (!p.waitForFinished(30000) || p.exitStatus() != QProcess::NormalExit)
+                return -1;
+            *sortie = QString::fromUtf8(p.readAllStandardOutput());
+            *erreurs = QString::fromUtf8(p.readAllStandardError());
+            return p.exitCode();
+        };
+
+        QString sortie;
+        QString erreurs;
+        QCOMPARE(lancer(sink.adresse(), QStringLiteral("patient@example.org"), &sortie, &erreurs), 0);
+        QCOMPARE(sortie.trimmed(), QStringLiteral("L'envoi s'est correctement déroulé. Veuillez consulter votre boite "
+                                                  "mail pour vérification."));
+        QCOMPARE(sink.messages().size(), 1);
+        const SmtpSink::Message m = sink.messages().first();
+        QCOMPARE(m.rcptTo, QStringList{QStringLiteral("patient@example.org")});
+        const QString corps = QString::fromUtf8(decoderQuotedPrintable(analyser(m.data).corps));
+        QVERIFY2(corps.contains(QLatin1String("Docteur Xxxxxx YYYYYYYY")), qPrintable(corps));
+        QVERIFY2(corps.contains(QLatin1String("&agrave; 18h:15")), qPrintable(corps));
+
         const quint16 port = portFerme();
         QVERIFY2(port != 0, "no free port on 127.0.0.1");
-        serveur = QStringLiteral("127.0.0.1:%1").arg(port);
+        QCOMPARE(lancer(QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("patient@example.org"), &sortie, &erreurs),
+                 1);
+        QVERIFY2(erreurs.startsWith(QStringLiteral("L'envoi ne s'est pas correctement déroulé. Veuillez vérifier vos "
+                                                   "paramètres.")),
+                 qPrintable(erreurs));
+        QVERIFY2(erreurs.contains(QLatin1String("Connexion impossible")), qPrintable(erreurs));
+
+        // A test address without "@" is refused before any sending.
+        QCOMPARE(lancer(sink.adresse(), QStringLiteral("patient"), &sortie, &erreurs), 2);
+        QCOMPARE(sink.connexions(), 1);
     }
-
-    OptionsSmtp options;
-    options.delaiConnexionMs = 2000;
-    options.delaiTotalMs = 3000;
-    QElapsedTimer chrono;
-    chrono.start();
-    const QString resultat =
-        SendMailReminder(QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("patient@example.org"),
-                         serveur, QStringLiteral("Rappel"), kPremier, kDernier, kDate, kPraticien, options);
-    QVERIFY2(chrono.elapsed() < 10000, qPrintable(QString::number(chrono.elapsed())));
-    QVERIFY2(resultat.contains(motif), qPrintable(resultat));
-    QVERIFY(sink.messages().isEmpty());
-}
-
-void TestMail::sansFichierDeTravail()
-{
-    // A program folder that cannot be written: nothing is sent, and no error.
-    QTemporaryDir racine;
-    QVERIFY(racine.isValid());
-    const QByteArray ancien = qgetenv("TAVONEL_PROGRAM_DIR");
-    qputenv("TAVONEL_PROGRAM_DIR", (racine.path() + QStringLiteral("/absent/dossier")).toUtf8());
-    SmtpSink sink;
-    QString erreur;
-    QVERIFY2(sink.demarrer(&erreur), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + erreur));
-    const QString resultat =
-        SendMailReminder(QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("patient@example.org"),
-                         sink.adresse(), QStringLiteral("Rappel"), kPremier, kDernier, kDate, kPraticien);
-    qputenv("TAVONEL_PROGRAM_DIR", ancien);
-    QCOMPARE(resultat, QString());
-    QCOMPARE(sink.connexions(), 0);
-}
-
-void TestMail::adressesManquantes()
-{
-    DossierProgrammeTest dossier;
-    SmtpSink sink;
-    QString erreur;
-    QVERIFY2(sink.demarrer(&erreur), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + erreur));
-    const QString sansDestinataire = SendMailReminder(QStringLiteral("a@b.example.org"), QStringLiteral("  "),
-                                                      sink.adresse(), QStringLiteral("R"), kPremier, kDernier, kDate,
-                                                      kPraticien);
-    QCOMPARE(sansDestinataire, QStringLiteral("L'adresse du destinataire est vide."));
-    const QString sansServeur = SendMailReminder(QStringLiteral("a@b.example.org"), QStringLiteral("c@d.example.org"),
-                                                 QString(), QStringLiteral("R"), kPremier, kDernier, kDate, kPraticien);
-    QCOMPARE(sansServeur, QStringLiteral("Aucun serveur SMTP n'est indiqué."));
-    QCOMPARE(sink.connexions(), 0);
-}
-
-void TestMail::boucleEvenementsVivante()
-{
-    // A slow server: timers of the interface thread keep running meanwhile.
-    DossierProgrammeTest dossier;
-    SmtpSink sink;
-    sink.setDelaiReponseMs(150);
-    QString erreur;
-    QVERIFY2(sink.demarrer(&erreur), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + erreur));
-    int tics = 0;
-    QTimer minuterie;
-    minuterie.setInterval(20);
-    connect(&minuterie, &QTimer::timeout, this, [&tics] { ++tics; });
-    minuterie.start();
-    QElapsedTimer chrono;
-    chrono.start();
-    const QString resultat =
-        SendMailReminder(QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("patient@example.org"),
-                         sink.adresse(), QStringLiteral("Rappel"), kPremier, kDernier, kDate, kPraticien);
-    const qint64 duree = chrono.elapsed();
-    minuterie.stop();
-    QVERIFY2(resultat.isEmpty(), qPrintable(resultat));
-    QCOMPARE(sink.messages().size(), 1);
-    // Seven answers at 150 ms: about a second, in which a 20 ms timer fires
-    // many times unless the thread was blocked.
-    QVERIFY2(duree >= 900, qPrintable(QString::number(duree)));
-    QVERIFY2(tics >= 10, qPrintable(QStringLiteral("%1 ticks in %2 ms").arg(tics).arg(duree)));
-}
-
-void TestMail::commandeTestMail()
-{
-    DossierProgrammeTest dossier;
-    SmtpSink sink;
-    QString erreur;
-    QVERIFY2(sink.demarrer(&erreur), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + erreur));
-
-    const auto lancer = [&](const QString &serveur, const QString &destinataire, QString *sortie, QString *erreurs) {
-        QProcess p;
-        p.start(QStringLiteral(TAVONEL_ADMIN_EXE),
-                {QStringLiteral("test-mail"), QStringLiteral("--smtp"), serveur, QStringLiteral("--from"),
-                 QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("--to"), destinataire});
-        if (!p.waitForFinished(30000) || p.exitStatus() != QProcess::NormalExit)
-            return -1;
-        *sortie = QString::fromUtf8(p.readAllStandardOutput());
-        *erreurs = QString::fromUtf8(p.readAllStandardError());
-        return p.exitCode();
-    };
-
-    QString sortie;
-    QString erreurs;
-    QCOMPARE(lancer(sink.adresse(), QStringLiteral("patient@example.org"), &sortie, &erreurs), 0);
-    QCOMPARE(sortie.trimmed(), QStringLiteral("L'envoi s'est correctement déroulé. Veuillez consulter votre boite "
-                                              "mail pour vérification."));
-    QCOMPARE(sink.messages().size(), 1);
-    const SmtpSink::Message m = sink.messages().first();
-    QCOMPARE(m.rcptTo, QStringList{QStringLiteral("patient@example.org")});
-    const QString corps = QString::fromUtf8(decoderQuotedPrintable(analyser(m.data).corps));
-    QVERIFY2(corps.contains(QLatin1String("Docteur Xxxxxx YYYYYYYY")), qPrintable(corps));
-    QVERIFY2(corps.contains(QLatin1String("&agrave; 18h:15")), qPrintable(corps));
-
-    const quint16 port = portFerme();
-    QVERIFY2(port != 0, "no free port on 127.0.0.1");
-    QCOMPARE(lancer(QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("patient@example.org"), &sortie, &erreurs),
-             1);
-    QVERIFY2(erreurs.startsWith(QStringLiteral("L'envoi ne s'est pas correctement déroulé. Veuillez vérifier vos "
-                                               "paramètres.")),
-             qPrintable(erreurs));
-    QVERIFY2(erreurs.contains(QLatin1String("Connexion impossible")), qPrintable(erreurs));
-
-    // A test address without "@" is refused before any sending.
-    QCOMPARE(lancer(sink.adresse(), QStringLiteral("patient"), &sortie, &erreurs), 2);
-    QCOMPARE(sink.connexions(), 1);
-}
+};
 
 QTEST_GUILESS_MAIN(TestMail)
 #include "tst_mail.moc"
