@@ -412,13 +412,7 @@ bool CalendarDataProvider::ChangeEvent(const CalendarEventPtr &event)
         break;
     case CalendarEvent::Occurrence:
     case CalendarEvent::Exception: {
-        // A changed occurrence is kept as an exception row of its series.
-        const CalendarRecurrencePatternPtr pattern = event->RecurrencePattern();
-        if (!pattern || pattern->RecurrencePatternID() == 0)
-            return false;
-        const CalendarEventPtr master = pattern->MasterEvent();
-        KeepAsException(event, pattern);
-        ok = inOneChange([&] { return writeException(event); });
+        ok = writeAsException(event, false);
         break;
     }
     default:
@@ -427,6 +421,23 @@ bool CalendarDataProvider::ChangeEvent(const CalendarEventPtr &event)
     if (ok)
         emit eventChanged(event);
     return ok;
+}
+
+// A changed or deleted occurrence (or an exception changed again) is
+// written as the exception row of its series.
+bool CalendarDataProvider::writeAsException(const CalendarEventPtr &event, bool deleted)
+{
+    const CalendarRecurrencePatternPtr pattern = event->RecurrencePattern();
+    if (!pattern || pattern->RecurrencePatternID() == 0)
+        return false;
+    // The series refers to its master only weakly: hold it while writing.
+    const CalendarEventPtr master = pattern->MasterEvent();
+    KeepAsException(event, pattern);
+    if (deleted) {
+        event->setRExceptionDeleted(true);
+        event->setLastModificationTime(Horloge::maintenant());
+    }
+    return inOneChange([&] { return writeException(event); });
 }
 
 bool CalendarDataProvider::DeleteEvent(const CalendarEventPtr &event)
@@ -450,14 +461,7 @@ bool CalendarDataProvider::DeleteEvent(const CalendarEventPtr &event)
     case CalendarEvent::Occurrence:
     case CalendarEvent::Exception: {
         // The occurrence stays masked by a deleted exception row.
-        const CalendarRecurrencePatternPtr pattern = event->RecurrencePattern();
-        if (!pattern || pattern->RecurrencePatternID() == 0)
-            return false;
-        const CalendarEventPtr master = pattern->MasterEvent();
-        KeepAsException(event, pattern);
-        event->setRExceptionDeleted(true);
-        event->setLastModificationTime(Horloge::maintenant());
-        ok = inOneChange([&] { return writeException(event); });
+        ok = writeAsException(event, true);
         break;
     }
     default:

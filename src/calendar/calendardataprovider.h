@@ -114,6 +114,7 @@ private:
     bool syncExceptions(const CalendarRecurrencePatternPtr &pattern);
     bool deleteSeriesRows(int patternId, int keepEventId);
     bool writeException(const CalendarEventPtr &exception);
+    bool writeAsException(const CalendarEventPtr &event, bool deleted);
     template<typename F>
     bool inOneChange(F &&work);
 
