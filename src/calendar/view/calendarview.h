@@ -1,0 +1,123 @@
+#pragma once
+
+#include "calendar/calendarevent.h"
+#include "calendar/calendarlabel.h"
+#include "calendar/view/viewtypes.h"
+
+#include <QColor>
+#include <QDate>
+#include <QList>
+#include <QTime>
+#include <QWidget>
+
+#include <functional>
+
+class CalendarDataProvider;
+
+// The calendar the secretary works on: a day / work-week view with a time
+// scale, a week view and a month view over one data provider. It reads the
+// appointments of the shown days on Populate() only, and writes changes made
+// with the mouse or the keyboard (drag, resize, delete, paste) through the
+// provider's AddEvent / ChangeEvent / DeleteEvent. Opening and creating
+// appointments is the main window's: the view only reports the clicks.
+class CalendarView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit CalendarView(QWidget *parent = nullptr);
+    ~CalendarView() override;
+
+    // The store read by Populate and written by the edit operations; not owned.
+    void setDataProvider(CalendarDataProvider *provider);
+    [[nodiscard]] CalendarDataProvider *dataProvider() const;
+    // Label colours and names by LabelID.
+    void setLabels(const CalendarLabelList &labels);
+
+    // Reloads the appointments of the shown days from the store and redraws,
+    // keeping scroll position and selection.
+    void Populate();
+    // Repaints without reading the store.
+    void RedrawControl();
+    // The appointments last read, ordered by start.
+    [[nodiscard]] const QList<CalendarEventPtr> &shownEvents() const;
+
+    // View type 0 day, 1 work week, 2 week, 3 month. Emits viewChanged.
+    void setViewType(CalendarViewType type);
+    [[nodiscard]] CalendarViewType viewType() const;
+    // Step of the day view's time scale: 60, 30, 15, 10 or 5 minutes.
+    void setTimeScale(int minutes);
+    [[nodiscard]] int timeScale() const;
+    // Working hours of the day view (shaded as such on weekdays).
+    void setWorkingHours(QTime begin, QTime end);
+    [[nodiscard]] QTime workDayBegin() const;
+    [[nodiscard]] QTime workDayEnd() const;
+    // Visual theme 0 to 3 (see CalendarTheme).
+    void setTheme(int number);
+    [[nodiscard]] int theme() const;
+
+    // Days on show: one in the day view, Monday to Friday of the work week,
+    // seven in the week view, the weeks of the month view.
+    [[nodiscard]] int shownDaysCount() const;
+    [[nodiscard]] QDate shownDay(int i) const;
+    // Brings the day on show in the current view type and selects it (the
+    // working day's begin in time views). Emits viewChanged.
+    void ShowDay(const QDate &day);
+
+    [[nodiscard]] CalendarSelection selection() const;
+    void setSelection(const CalendarSelection &selection);
+    // The appointments selected by a click (at most one unless Ctrl is held).
+    [[nodiscard]] QList<CalendarEventPtr> selectedEvents() const;
+
+    // Vertical scroll of the day view, in pixels.
+    [[nodiscard]] int scrollPosition() const;
+    void setScrollPosition(int pixels);
+    // Scroll switches of the advanced options.
+    void setScrolling(bool dayVertical, bool dayHorizontal, bool weekVertical, bool monthVertical);
+
+    [[nodiscard]] bool CanCut() const;
+    [[nodiscard]] bool CanCopy() const;
+    [[nodiscard]] bool CanPaste() const;
+    void Cut();
+    void Copy();
+    void Paste();
+
+    // What is under a point given in this widget's coordinates.
+    [[nodiscard]] CalendarHit hitTest(const QPoint &pos) const;
+
+    // Hook run before each day-view cell is drawn; it may set the background.
+    using CellPainter = std::function<void(DayViewCell &)>;
+    void setCellPainter(CellPainter painter);
+    // Guard asked before an operation (codes of CalendarEditOperation) on the
+    // given appointments; answering true refuses it.
+    using OperationGuard = std::function<bool(int operation, const QList<CalendarEventPtr> &events)>;
+    void setOperationGuard(OperationGuard guard);
+    // Asked before an edit operation is carried out; answering false cancels it.
+    using EditConfirmation = std::function<bool(int operation, const QList<CalendarEventPtr> &events)>;
+    void setEditConfirmation(EditConfirmation confirm);
+
+signals:
+    // Shown days or view type changed.
+    void viewChanged();
+    void selectionChanged();
+    void keyPressed(int key);
+    // Clicks, with the point in this widget's coordinates; the receiver runs
+    // hitTest itself.
+    void doubleClicked(const QPoint &pos);
+    void rightClicked(const QPoint &pos);
+    // An appointment was moved, resized, pasted or deleted through the view.
+    void eventsEdited();
+
+public:
+    // For the panes (day, week and month widgets inside the view).
+    [[nodiscard]] const CalendarLabelList &labels() const;
+    [[nodiscard]] QColor labelColor(int labelId) const;
+    [[nodiscard]] const CalendarTheme &themeColors() const;
+    [[nodiscard]] const CellPainter &cellPainter() const;
+    [[nodiscard]] bool isEventSelected(const CalendarEventPtr &event) const;
+    // A click of a pane selects a period and the appointments under it.
+    void selectFromPane(const CalendarSelection &selection, const QList<CalendarEventPtr> &events);
+
+private:
+    // Members are the implementation's (plain members, no d-pointer).
+};

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "calendar/calendarevent.h"
+
+#include <QColor>
+#include <QDateTime>
+#include <QList>
+#include <QString>
+
+// Plain records shared by the calendar widgets, the main window and printing.
+
+// The four ways of showing the book; the numbers are the ones the commands use.
+enum class CalendarViewType { Day = 0, WorkWeek = 1, Week = 2, Month = 3 };
+
+// Areas answered by the hit test. TimeScale is 4096, the value the main window
+// tests for its time-scale menu; the others are ours.
+enum CalendarHitArea : int {
+    HitNothing = 0,
+    HitDayCell = 1,        // a time cell of a day column
+    HitAllDayBand = 2,     // the all-day band above the day columns
+    HitDayHeader = 3,      // the date header of a day column
+    HitEvent = 4,          // an appointment's body
+    HitEventResizeBegin = 5,
+    HitEventResizeEnd = 6,
+    HitWeekDay = 7,        // a day box of the week view
+    HitMonthDay = 8,       // a day box of the month view
+    HitTimeScale = 4096,
+};
+
+// What lies under a point of the view.
+struct CalendarHit
+{
+    CalendarEventPtr event;   // the appointment under the point, or none
+    int area = HitNothing;
+    QDateTime time;           // begin of the cell (time views) or the day at 00:00
+    bool allDay = false;      // the point is in the all-day band or a day box
+};
+
+// The selected period of the view. An all-day selection ends at 00:00 of the
+// day after its last day.
+struct CalendarSelection
+{
+    QDateTime begin;
+    QDateTime end;
+    bool allDay = false;
+    [[nodiscard]] bool isValid() const { return begin.isValid() && end.isValid(); }
+    friend bool operator==(const CalendarSelection &, const CalendarSelection &) = default;
+};
+
+// One day-view cell about to be drawn: the handler may set the background.
+struct DayViewCell
+{
+    QDateTime begin;
+    QDateTime end;
+    bool selected = false;
+    QColor background;
+};
+
+// Operations the view asks about before doing them (guard) and before an
+// edit (confirmation). The numbers follow the codes the main window's rules
+// are written with: 1-4 drag and resize, 12-13 delete by keyboard, 14
+// create in place.
+enum CalendarEditOperation : int {
+    OpDragMove = 1,
+    OpDragCopy = 2,
+    OpResizeBegin = 3,
+    OpResizeEnd = 4,
+    OpDeleteSelected = 12,
+    OpDeleteEvent = 13,
+    OpCreateInPlace = 14,
+};
+
+// Colours of the widgets for one of the four visual themes (0 "Office 2000",
+// 1 "Office XP", 2 "Office 2003", 3 "Office 2013").
+struct CalendarTheme
+{
+    int number = 3;
+    QColor window;           // background outside working hours
+    QColor workingHours;     // background of working-hour cells
+    QColor gridLine;         // hour lines
+    QColor gridSubLine;      // lines between the steps of an hour
+    QColor timeScaleBack;
+    QColor timeScaleText;
+    QColor headerBack;
+    QColor headerText;
+    QColor todayHeaderBack;
+    QColor selection;
+    QColor allDayBand;
+    QColor eventBorder;
+    QColor eventText;
+    QColor monthOtherMonth;  // month days outside the shown month
+
+    [[nodiscard]] static CalendarTheme forNumber(int number);
+};
