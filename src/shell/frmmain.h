@@ -171,6 +171,10 @@ public:
     // The last appointment handed to the editor (none for a new one).
     [[nodiscard]] CalendarEventPtr dernierEvenementOuvert() const { return m_dernierOuvert; }
 
+    // The guard the calendar asks before its own operations (codes of
+    // CalendarEditOperation): true refuses.
+    [[nodiscard]] bool refuserOperation(int operation, const QList<CalendarEventPtr> &evenements) const;
+
     // Theme 0 to 3 with the check marks of the themes menu.
     void appliquerTheme(int numero);
     // Reads the calendar again and redraws the picker (Timer1).
@@ -194,7 +198,6 @@ private:
     void afficherMenuContextuel(QMenu *menu);
     void signalerIndisponible(const QString &texte);
     [[nodiscard]] CalendarEventPtr maitreDe(const CalendarEventPtr &evenement) const;
-    [[nodiscard]] bool refuserOperation(int operation, const QList<CalendarEventPtr> &evenements) const;
     [[nodiscard]] bool confirmerOperation(int operation) const;
     void changerDefilement(int index, bool on);
 

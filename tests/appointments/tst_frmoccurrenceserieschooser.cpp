@@ -75,10 +75,16 @@ private Q_SLOTS:
         ExecuteurInstalle executeur([&](QDialog &d) {
             d.show();
             titreVu = d.findChild<QLabel *>(QStringLiteral("txtAction"))->text();
+            // A radio button reacts on its indicator and text, not on the
+            // blank stretch at its right.
+            auto cocher = [&](const QString &nom) {
+                auto *r = d.findChild<QRadioButton *>(nom);
+                QTest::mouseClick(r, Qt::LeftButton, {}, QPoint(6, r->height() / 2));
+            };
             if (option == QStringLiteral("optOccurrence"))
-                QTest::mouseClick(d.findChild<QRadioButton *>(QStringLiteral("optSeries")), Qt::LeftButton);
+                cocher(QStringLiteral("optSeries"));
             if (!option.isEmpty())
-                QTest::mouseClick(d.findChild<QRadioButton *>(option), Qt::LeftButton);
+                cocher(option);
             if (bouton.isEmpty())
                 d.close();
             else
