@@ -161,8 +161,7 @@ void frmMain::construireDisposition()
     wndDatePicker = new DatePicker(centre);
     wndDatePicker->setObjectName(QStringLiteral("wndDatePicker"));
     wndDatePicker->setFixedWidth(wndDatePicker->sizeHint().width());
-    droite->addWidget(wndDatePicker, 0);
-    droite->addStretch(1);
+    droite->addWidget(wndDatePicker, 1);
     lignes->addLayout(droite, 0);
     setCentralWidget(centre);
 
