@@ -1,8 +1,12 @@
 #include "calendar/view/weekpane.h"
 
 #include "calendar/view/calendarview.h"
+#include "shell/horloge.h"
 
-WeekPane::WeekPane(CalendarView *view, QWidget *parent) : CalendarPane(view, parent) {}
+#include <QLocale>
+#include <QPainter>
+
+WeekPane::WeekPane(CalendarView *view, QWidget *parent) : DayBoxPane(view, parent) {}
 
 QList<QDate> WeekPane::daysFor(const QDate &anchor) const
 {
@@ -13,8 +17,65 @@ QList<QDate> WeekPane::daysFor(const QDate &anchor) const
     return days;
 }
 
-void WeekPane::setDays(const QList<QDate> &days) { m_days = days; }
+QString WeekPane::headerText(const QDate &day)
+{
+    static const QLocale french(QLocale::French, QLocale::France);
+    return french.toString(day, QStringLiteral("ddd, dd MMMM"));
+}
 
-void WeekPane::eventsChanged() { update(); }
+QDate WeekPane::stepDay(int direction) const { return m_days.first().addDays(7 * direction); }
 
-CalendarHit WeekPane::hitTest(const QPoint &) const { return {}; }
+void WeekPane::placeBoxes()
+{
+    const int header = fontMetrics().height() + 6;
+    const int w = width();
+    const int h = height();
+    // Each day takes slots of a sixth of the height: three days on the left;
+    // two days and the shared weekend box on the right.
+    static constexpr int sixths[7][2] = {{0, 2}, {2, 4}, {4, 6}, {0, 2}, {2, 4}, {4, 5}, {5, 6}};
+    for (int i = 0; i < m_boxes.size() && i < 7; ++i) {
+        Box &b = m_boxes[i];
+        const int col = i < 3 ? 0 : 1;
+        const int from = sixths[i][0];
+        const int to = sixths[i][1];
+        const int x0 = col * w / 2;
+        const int x1 = (col + 1) * w / 2;
+        const int y0 = from * h / 6;
+        const int y1 = to * h / 6;
+        b.rect = QRect(x0, y0, x1 - x0, y1 - y0);
+        b.header = QRect(x0, y0, x1 - x0, std::min(header, y1 - y0));
+        b.body = QRect(x0, b.header.bottom() + 1, x1 - x0, std::max(0, y1 - b.header.bottom() - 1));
+        b.headerText = headerText(b.day);
+    }
+}
+
+void WeekPane::paintEvent(QPaintEvent *)
+{
+    QPainter p(this);
+    const CalendarTheme &theme = m_view->themeColors();
+    p.fillRect(rect(), theme.workingHours);
+    const QDate today = Horloge::aujourdhui();
+    for (const Box &b : std::as_const(m_boxes)) {
+        const bool isToday = b.day == today;
+        if (isSelectedDay(b.day))
+            p.fillRect(b.body, theme.selection.lighter(112));
+        p.fillRect(b.header, isToday ? theme.todayHeaderBack : theme.headerBack);
+        p.setPen(theme.gridLine);
+        p.drawLine(b.header.bottomLeft(), b.header.bottomRight());
+        QFont f = font();
+        f.setBold(isToday);
+        p.setFont(f);
+        p.setPen(theme.headerText);
+        p.drawText(b.header.adjusted(6, 0, -6, 0), Qt::AlignVCenter | Qt::AlignRight,
+                   QFontMetrics(f).elidedText(b.headerText, Qt::ElideRight, b.header.width() - 12));
+        p.setFont(font());
+        if (overflow(b.day) > 0) {
+            // More appointments than lines: the day view shows them all.
+            p.setPen(theme.eventBorder);
+            p.drawText(b.header.adjusted(6, 0, -6, 0), Qt::AlignVCenter | Qt::AlignLeft, QStringLiteral("…"));
+        }
+        p.setPen(theme.gridLine);
+        p.drawRect(b.rect.adjusted(0, 0, -1, -1));
+    }
+    paintLines(p);
+}
