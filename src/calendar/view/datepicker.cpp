@@ -110,7 +110,10 @@ void DatePicker::applyFormats()
     // Clears every format set before, then marks the shown range and the
     // days with appointments.
     setDateTextFormat(QDate(), QTextCharFormat());
-    const QColor range = palette().color(QPalette::Highlight).lighter(175);
+    const QColor base = palette().color(QPalette::Base);
+    const QColor mark = palette().color(QPalette::Highlight);
+    const QColor range = QColor::fromRgbF(base.redF() * 0.8 + mark.redF() * 0.2, base.greenF() * 0.8 + mark.greenF() * 0.2,
+                                          base.blueF() * 0.8 + mark.blueF() * 0.2);
     for (const QDate &d : std::as_const(m_shown)) {
         QTextCharFormat f = dateTextFormat(d);
         f.setBackground(range);

@@ -25,6 +25,13 @@ QColor textOn(const QColor &back, const QColor &normal)
     return back.lightness() < 110 ? QColor(Qt::white) : normal;
 }
 
+// a with a share t of b.
+QColor blend(const QColor &a, const QColor &b, qreal t)
+{
+    return QColor::fromRgbF(a.redF() + (b.redF() - a.redF()) * t, a.greenF() + (b.greenF() - a.greenF()) * t,
+                            a.blueF() + (b.blueF() - a.blueF()) * t);
+}
+
 } // namespace
 
 // ---------------------------------------------------------------- DayBoxPane
@@ -53,6 +60,50 @@ bool DayBoxPane::isSelectedDay(const QDate &day) const
     if (!s.isValid())
         return false;
     return day >= s.begin.date() && QDateTime(day, QTime(0, 0)) < s.end;
+}
+
+void DayBoxPane::paintBox(QPainter &p, const Box &b, const QColor &back, const QColor &headerBack,
+                          Qt::Alignment dateSide, const QString &more, bool dim) const
+{
+    const CalendarTheme &theme = m_view->themeColors();
+    const bool selected = isSelectedDay(b.day);
+    const bool today = b.day == Horloge::aujourdhui();
+    // A selected day is tinted, and its date line takes the selection colour.
+    p.fillRect(b.rect, selected ? blend(back, theme.selection, 0.22) : back);
+    QColor head = headerBack;
+    if (selected)
+        head = theme.selection;
+    else if (today)
+        head = theme.todayHeaderBack;
+    if (head.isValid())
+        p.fillRect(b.header, head);
+    QFont f = font();
+    f.setBold(today || b.day.day() == 1);
+    p.setFont(f);
+    QColor text = head.isValid() ? textOn(head, theme.headerText) : theme.headerText;
+    if (dim && !selected)
+        text = blend(text, back, 0.45);
+    p.setPen(text);
+    const QRect line = b.header.adjusted(5, 0, -5, 0);
+    p.drawText(line, Qt::AlignVCenter | dateSide, QFontMetrics(f).elidedText(b.headerText, Qt::ElideRight, line.width()));
+    p.setFont(font());
+    if (!more.isEmpty()) {
+        p.setPen(head.isValid() ? textOn(head, theme.eventBorder) : theme.eventBorder);
+        p.drawText(line, Qt::AlignVCenter | (dateSide & Qt::AlignRight ? Qt::AlignLeft : Qt::AlignRight), more);
+    }
+}
+
+void DayBoxPane::paintToday(QPainter &p) const
+{
+    // Today is framed, whatever is selected.
+    const CalendarTheme &theme = m_view->themeColors();
+    for (const Box &b : std::as_const(m_boxes)) {
+        if (b.day != Horloge::aujourdhui())
+            continue;
+        p.setPen(QPen(theme.todayHeaderBack.darker(135), 2));
+        p.setBrush(Qt::NoBrush);
+        p.drawRect(QRectF(b.rect).adjusted(1, 1, -1, -1));
+    }
 }
 
 QString DayBoxPane::lineText(const CalendarEvent &event, const QDate &day)
@@ -121,9 +172,14 @@ QRect DayBoxPane::eventRect(const CalendarEventPtr &event, const QDate &day) con
     const int i = m_days.indexOf(day);
     if (i < 0 || i >= m_lines.size())
         return {};
-    for (const Line &l : m_lines.at(i))
-        if (m_events.at(l.line.item) == event)
+    // The view reads new records on every populate: a record kept from
+    // before is known by its key and start.
+    for (const Line &l : m_lines.at(i)) {
+        const CalendarEventPtr &e = m_events.at(l.line.item);
+        if (e == event
+            || (event && e->EventID() == event->EventID() && e->StartDateTime() == event->StartDateTime()))
             return l.rect;
+    }
     return {};
 }
 
@@ -210,85 +266,86 @@ void DayBoxPane::wheelEvent(QWheelEvent *event)
 
 void DayBoxPane::paintLines(QPainter &p) const
 {
-    // Texts of bars go last so that the parts of a bar in the next boxes do
-    // not cover them.
-    for (int pass = 0; pass < 2; ++pass)
-        for (int i = 0; i < m_lines.size() && i < m_boxes.size(); ++i)
-            paintLines(p, i, pass == 1);
+    const CalendarTheme &theme = m_view->themeColors();
+    for (int i = 0; i < m_lines.size() && i < m_boxes.size(); ++i) {
+        const QDate day = m_boxes.at(i).day;
+        for (const Line &l : m_lines.at(i)) {
+            if (l.line.bar && l.line.spanInRow == 0)
+                continue; // drawn from its first box of the row
+            p.save();
+            paintLine(p, l, i, day, theme);
+            p.restore();
+        }
+    }
 }
 
-void DayBoxPane::paintLines(QPainter &p, int i, bool barTexts) const
+void DayBoxPane::paintLine(QPainter &p, const Line &l, int i, const QDate &day, const CalendarTheme &theme) const
 {
-    const CalendarTheme &theme = m_view->themeColors();
-    const QDate day = m_boxes.at(i).day;
-    for (const Line &l : m_lines.at(i)) {
-        if (barTexts && !(l.line.bar && l.line.spanInRow > 0))
-            continue;
-        const CalendarEventPtr &e = m_events.at(l.line.item);
-        const QColor label = m_view->labelColor(e->LabelID());
-        const bool selected = m_view->isEventSelected(e);
-        const QRect r = l.rect;
-        p.save();
-        if (l.line.bar && !barTexts) {
-            // A coloured bar; its ends are rounded only where it ends.
-            QPainterPath path;
-            const qreal radius = 3;
-            path.addRoundedRect(QRectF(r).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
-            if (l.line.continuesBefore)
-                path.addRect(QRectF(r.left(), r.top() + 0.5, radius + 1, r.height() - 1));
-            if (l.line.continuesAfter)
-                path.addRect(QRectF(r.right() - radius, r.top() + 0.5, radius + 1, r.height() - 1));
-            path.setFillRule(Qt::WindingFill);
-            p.setRenderHint(QPainter::Antialiasing);
-            p.fillPath(path.simplified(), selected ? theme.selection.darker(115) : label);
-            p.setPen(QPen(selected ? theme.eventText : theme.eventBorder, selected ? 1.5 : 1));
-            p.drawPath(path.simplified());
-            p.setRenderHint(QPainter::Antialiasing, false);
-        } else if (barTexts) {
-            // The text goes once per row, over all the boxes the bar crosses.
-            QRect text = r;
-            bool goesOn = l.line.continuesAfter;
-            for (int k = 1; k < l.line.spanInRow && i + k < m_lines.size(); ++k)
-                for (const Line &next : m_lines.at(i + k))
-                    if (next.line.item == l.line.item) {
-                        text.setRight(next.rect.right());
-                        goesOn = next.line.continuesAfter;
-                    }
-            text.adjust(5, 0, -4, 0);
-            QString s = lineText(*e, day);
-            if (l.line.continuesBefore)
-                s.prepend(QStringLiteral("« "));
-            if (goesOn)
-                s.append(QStringLiteral(" »"));
-            p.setPen(textOn(selected ? theme.selection.darker(115) : label, theme.eventText));
-            p.drawText(text, Qt::AlignVCenter | Qt::AlignLeft, fontMetrics().elidedText(s, Qt::ElideRight, text.width()));
-        } else {
-            // A timed appointment: a marker in its label's colour, then the
-            // time and the subject.
-            if (selected) {
-                p.fillRect(r, theme.selection);
-                p.setPen(theme.eventBorder);
-                p.drawRect(r.adjusted(0, 0, -1, -1));
-            }
-            const int m = std::max(6, r.height() - 8);
-            const QRect marker(r.left() + 3, r.top() + (r.height() - m) / 2, m, m);
-            p.fillRect(marker, label);
+    const CalendarEventPtr &e = m_events.at(l.line.item);
+    const QColor label = m_view->labelColor(e->LabelID());
+    const bool selected = m_view->isEventSelected(e);
+    const QRect r = l.rect;
+    if (l.line.bar) {
+        // One bar over all the boxes of the row it crosses, rounded only
+        // where the appointment begins or ends.
+        QRect whole = r;
+        bool goesOn = l.line.continuesAfter;
+        for (int k = 1; k < l.line.spanInRow && i + k < m_lines.size(); ++k)
+            for (const Line &next : m_lines.at(i + k))
+                if (next.line.item == l.line.item) {
+                    whole.setRight(next.rect.right());
+                    goesOn = next.line.continuesAfter;
+                }
+        const QRectF body = QRectF(whole).adjusted(0.5, 0.5, -0.5, -0.5);
+        const qreal radius = 3;
+        QPainterPath path;
+        path.addRoundedRect(body, radius, radius);
+        if (l.line.continuesBefore)
+            path.addRect(QRectF(body.left(), body.top(), 2 * radius, body.height()));
+        if (goesOn)
+            path.addRect(QRectF(body.right() - 2 * radius, body.top(), 2 * radius, body.height()));
+        path.setFillRule(Qt::WindingFill);
+        path = path.simplified();
+        const QColor back = selected ? theme.selection.darker(115) : label;
+        p.setRenderHint(QPainter::Antialiasing);
+        p.fillPath(path, back);
+        p.setPen(QPen(selected ? theme.eventText : theme.eventBorder, selected ? 1.5 : 1));
+        p.drawPath(path);
+        p.setRenderHint(QPainter::Antialiasing, false);
+
+        const QRect text = whole.adjusted(5, 0, -4, 0);
+        QString s = lineText(*e, day);
+        if (l.line.continuesBefore)
+            s.prepend(QStringLiteral("« "));
+        if (goesOn)
+            s.append(QStringLiteral(" »"));
+        p.setPen(textOn(back, theme.eventText));
+        p.drawText(text, Qt::AlignVCenter | Qt::AlignLeft, fontMetrics().elidedText(s, Qt::ElideRight, text.width()));
+    } else {
+        // A timed appointment: a marker in its label's colour, then the
+        // time and the subject.
+        if (selected) {
+            p.fillRect(r, theme.selection);
             p.setPen(theme.eventBorder);
-            p.drawRect(marker.adjusted(0, 0, -1, -1));
-            const QRect text = r.adjusted(marker.width() + 7, 0, -2, 0);
-            const QString time = e->StartDateTime().toString(QStringLiteral("HH:mm"));
-            p.setPen(selected ? textOn(theme.selection, theme.eventText) : theme.eventText);
-            QFont f = font();
-            f.setBold(true);
-            p.setFont(f);
-            const int tw = QFontMetrics(f).horizontalAdvance(time + u' ');
-            p.drawText(text, Qt::AlignVCenter | Qt::AlignLeft, time);
-            p.setFont(font());
-            const QRect rest = text.adjusted(tw, 0, 0, 0);
-            p.drawText(rest, Qt::AlignVCenter | Qt::AlignLeft,
-                       fontMetrics().elidedText(e->Subject(), Qt::ElideRight, rest.width()));
+            p.drawRect(r.adjusted(0, 0, -1, -1));
         }
-        p.restore();
+        const int m = std::max(6, r.height() - 8);
+        const QRect marker(r.left() + 3, r.top() + (r.height() - m) / 2, m, m);
+        p.fillRect(marker, label);
+        p.setPen(theme.eventBorder);
+        p.drawRect(marker.adjusted(0, 0, -1, -1));
+        const QRect text = r.adjusted(marker.width() + 7, 0, -2, 0);
+        const QString time = e->StartDateTime().toString(QStringLiteral("HH:mm"));
+        p.setPen(selected ? textOn(theme.selection, theme.eventText) : theme.eventText);
+        QFont f = font();
+        f.setBold(true);
+        p.setFont(f);
+        const int tw = QFontMetrics(f).horizontalAdvance(time + u' ');
+        p.drawText(text, Qt::AlignVCenter | Qt::AlignLeft, time);
+        p.setFont(font());
+        const QRect rest = text.adjusted(tw, 0, 0, 0);
+        p.drawText(rest, Qt::AlignVCenter | Qt::AlignLeft,
+                   fontMetrics().elidedText(e->Subject(), Qt::ElideRight, rest.width()));
     }
 }
 
@@ -377,28 +434,11 @@ void MonthPane::paintEvent(QPaintEvent *)
     p.setFont(font());
 
     const int month = shownMonth();
-    const QDate today = Horloge::aujourdhui();
-    for (int i = 0; i < m_boxes.size(); ++i) {
-        const Box &b = m_boxes.at(i);
-        const bool selected = isSelectedDay(b.day);
-        QColor back = b.day.month() == month ? theme.workingHours : theme.monthOtherMonth;
-        if (selected)
-            back = theme.selection.lighter(112);
-        p.fillRect(b.rect, back);
-        if (b.day == today) {
-            p.fillRect(b.header, theme.todayHeaderBack);
-        }
-        QFont f = font();
-        f.setBold(b.day == today || b.day.day() == 1);
-        p.setFont(f);
-        p.setPen(b.day.month() == month ? theme.headerText : theme.headerText.lighter(160));
-        p.drawText(b.header.adjusted(5, 0, -4, 0), Qt::AlignVCenter | Qt::AlignLeft, b.headerText);
-        p.setFont(font());
-        if (const int more = overflow(b.day); more > 0) {
-            p.setPen(theme.eventBorder);
-            p.drawText(b.header.adjusted(4, 0, -5, 0), Qt::AlignVCenter | Qt::AlignRight,
-                       QStringLiteral("+%1").arg(more));
-        }
+    for (const Box &b : std::as_const(m_boxes)) {
+        const bool other = b.day.month() != month;
+        const int more = overflow(b.day);
+        paintBox(p, b, other ? theme.monthOtherMonth : theme.workingHours, QColor(), Qt::AlignLeft,
+                 more > 0 ? QStringLiteral("+%1").arg(more) : QString(), other);
     }
     // Grid, then the lines over it (bars run across the box borders).
     p.setPen(theme.gridLine);
@@ -411,4 +451,5 @@ void MonthPane::paintEvent(QPaintEvent *)
     p.drawLine(m_weekdayBand.bottomLeft(), m_weekdayBand.bottomRight());
     p.drawRect(rect().adjusted(0, 0, -1, -1));
     paintLines(p);
+    paintToday(p);
 }

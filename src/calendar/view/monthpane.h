@@ -36,7 +36,8 @@ public:
     [[nodiscard]] const QList<QDate> &days() const { return m_days; }
     [[nodiscard]] const QList<Box> &boxes() const { return m_boxes; }
     // Where the line of an appointment stands in a day's box (empty when it
-    // is not shown there).
+    // is not shown there). A record read before is recognised by its key
+    // and start.
     [[nodiscard]] QRect eventRect(const CalendarEventPtr &event, const QDate &day) const;
     // How many appointments of the day did not fit its box.
     [[nodiscard]] int overflow(const QDate &day) const;
@@ -59,6 +60,11 @@ protected:
 
     [[nodiscard]] int lineHeight() const;
     [[nodiscard]] bool isSelectedDay(const QDate &day) const;
+    // Background and date line of a box; `more` is the overflow mark, drawn
+    // on the other side of the date line; `dim` greys the date.
+    void paintBox(QPainter &painter, const Box &box, const QColor &back, const QColor &headerBack,
+                  Qt::Alignment dateSide, const QString &more, bool dim) const;
+    void paintToday(QPainter &painter) const;
     // The appointment lines of every box (bars run over into their row's
     // boxes).
     void paintLines(QPainter &painter) const;
@@ -78,7 +84,7 @@ private:
         QRect rect;
     };
     void relayout();
-    void paintLines(QPainter &painter, int i, bool barTexts) const;
+    void paintLine(QPainter &painter, const Line &line, int box, const QDate &day, const CalendarTheme &theme) const;
     void selectAt(const QPoint &pos, bool add);
 
     QList<CalendarEventPtr> m_events;       // appointments of the shown days

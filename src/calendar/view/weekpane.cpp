@@ -1,7 +1,6 @@
 #include "calendar/view/weekpane.h"
 
 #include "calendar/view/calendarview.h"
-#include "shell/horloge.h"
 
 #include <QLocale>
 #include <QPainter>
@@ -54,28 +53,14 @@ void WeekPane::paintEvent(QPaintEvent *)
     QPainter p(this);
     const CalendarTheme &theme = m_view->themeColors();
     p.fillRect(rect(), theme.workingHours);
-    const QDate today = Horloge::aujourdhui();
     for (const Box &b : std::as_const(m_boxes)) {
-        const bool isToday = b.day == today;
-        if (isSelectedDay(b.day))
-            p.fillRect(b.body, theme.selection.lighter(112));
-        p.fillRect(b.header, isToday ? theme.todayHeaderBack : theme.headerBack);
+        // "…": more appointments than lines; the day view shows them all.
+        paintBox(p, b, theme.workingHours, theme.headerBack, Qt::AlignRight,
+                 overflow(b.day) > 0 ? QStringLiteral("…") : QString(), false);
         p.setPen(theme.gridLine);
         p.drawLine(b.header.bottomLeft(), b.header.bottomRight());
-        QFont f = font();
-        f.setBold(isToday);
-        p.setFont(f);
-        p.setPen(theme.headerText);
-        p.drawText(b.header.adjusted(6, 0, -6, 0), Qt::AlignVCenter | Qt::AlignRight,
-                   QFontMetrics(f).elidedText(b.headerText, Qt::ElideRight, b.header.width() - 12));
-        p.setFont(font());
-        if (overflow(b.day) > 0) {
-            // More appointments than lines: the day view shows them all.
-            p.setPen(theme.eventBorder);
-            p.drawText(b.header.adjusted(6, 0, -6, 0), Qt::AlignVCenter | Qt::AlignLeft, QStringLiteral("…"));
-        }
-        p.setPen(theme.gridLine);
         p.drawRect(b.rect.adjusted(0, 0, -1, -1));
     }
     paintLines(p);
+    paintToday(p);
 }

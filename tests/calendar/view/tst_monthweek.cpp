@@ -129,7 +129,7 @@ private Q_SLOTS:
             << 7 << 7 << "1" << QStringList{"D 2m", "E 3-4m", "C 5j", "F 6-6j"} << QStringList{"..dEECF"} << "0000000";
         QTest::newRow("week boxes: each day alone, weekend boxes smaller")
             << 7 << 1 << "3333311" << QStringList{"A 4-6", "B 5@9", "C 3@9", "D 3-4"}
-            << QStringList{"...DAAA", "...cA..", "......."} << "0000010";
+            << QStringList{"...DDAA", "...cA..", "......."} << "0000010";
     }
     void lanes()
     {
@@ -323,9 +323,6 @@ private Q_SLOTS:
         QTest::mouseClick(pane, Qt::RightButton, {}, empty);
         QCOMPARE(rights.count(), 1);
         QCOMPARE(a.view.hitTest(rights.first().first().toPoint()).area, int(HitMonthDay));
-
-        if (qEnvironmentVariableIsSet("TAVONEL_GRAB"))
-            a.view.grab().save(qEnvironmentVariable("TAVONEL_GRAB") + QStringLiteral("/mois.png"));
     }
 
     void weekBoxes_data()
@@ -441,9 +438,6 @@ private Q_SLOTS:
         a.view.ShowDay(QDate(2027, 2, 10));
         QCOMPARE(picker.selectedDate(), QDate(2027, 2, 10));
         QCOMPARE(vues.count(), 3);
-
-        if (qEnvironmentVariableIsSet("TAVONEL_GRAB"))
-            picker.grab().save(qEnvironmentVariable("TAVONEL_GRAB") + QStringLiteral("/picker.png"));
     }
 };
 
