@@ -387,6 +387,38 @@ private Q_SLOTS:
         QVERIFY(!hit.event);
     }
 
+    // The wheel turns the month or the week when scrolling is on.
+    void wheel_data()
+    {
+        QTest::addColumn<bool>("month");
+        QTest::addColumn<bool>("scrolling");
+        QTest::addColumn<int>("delta");
+        QTest::addColumn<QDate>("first");
+        QTest::newRow("month down") << true << true << -120 << QDate(2026, 10, 26);
+        QTest::newRow("month up") << true << true << 120 << QDate(2026, 8, 31);
+        QTest::newRow("month, scrolling off") << true << false << -120 << QDate(2026, 9, 28);
+        QTest::newRow("week down") << false << true << -120 << QDate(2026, 10, 19);
+        QTest::newRow("week, scrolling off") << false << false << 120 << QDate(2026, 10, 12);
+    }
+    void wheel()
+    {
+        QFETCH(bool, month);
+        QFETCH(bool, scrolling);
+        QFETCH(int, delta);
+        QFETCH(QDate, first);
+        Agenda a;
+        a.view.setViewType(month ? CalendarViewType::Month : CalendarViewType::Week);
+        a.view.setScrolling(true, true, month || scrolling, !month || scrolling);
+        a.view.ShowDay(QDate(2026, 10, 15));
+        QWidget *pane = month ? static_cast<QWidget *>(a.pane<MonthPane>()) : a.pane<WeekPane>();
+        QVERIFY(pane);
+        const QPointF at(pane->width() / 2, pane->height() / 2);
+        QWheelEvent ev(at, pane->mapToGlobal(at), QPoint(), QPoint(0, delta), Qt::NoButton, Qt::NoModifier,
+                       Qt::NoScrollPhase, false);
+        QApplication::sendEvent(pane, &ev);
+        QCOMPARE(a.view.shownDay(0), first);
+    }
+
     // The picker follows the view, drives it without echo, and marks the
     // days with appointments in bold.
     void picker()
