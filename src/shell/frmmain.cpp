@@ -3,6 +3,7 @@
 #include "calendar/calendardataprovider.h"
 #include "calendar/openprovider.h"
 #include "calendar/view/calendarview.h"
+#include "calendar/view/colorationregles.h"
 #include "calendar/view/datepicker.h"
 #include "patients/bouclesrecherche.h"
 #include "patients/gestiontype.h"
@@ -156,13 +157,20 @@ void frmMain::construireDisposition()
 
     // The picker stands at the right, from the top of the window down to the
     // status bar, as wide as it asks.
-    auto *droite = new QVBoxLayout;
+    // The month keeps its own height; the column below it stays the
+    // picker's plain background.
+    auto *colonne = new QWidget(centre);
+    colonne->setObjectName(QStringLiteral("colonnePicker"));
+    colonne->setAutoFillBackground(true);
+    colonne->setBackgroundRole(QPalette::Base);
+    auto *droite = new QVBoxLayout(colonne);
     droite->setContentsMargins(0, 0, 0, 0);
-    wndDatePicker = new DatePicker(centre);
+    wndDatePicker = new DatePicker(colonne);
     wndDatePicker->setObjectName(QStringLiteral("wndDatePicker"));
-    wndDatePicker->setFixedWidth(wndDatePicker->sizeHint().width());
-    droite->addWidget(wndDatePicker, 1);
-    lignes->addLayout(droite, 0);
+    colonne->setFixedWidth(wndDatePicker->sizeHint().width());
+    droite->addWidget(wndDatePicker, 0);
+    droite->addStretch(1);
+    lignes->addWidget(colonne, 0);
     setCentralWidget(centre);
 
     StatusBar = statusBar();
@@ -414,6 +422,7 @@ void frmMain::brancherCalendrier()
     CalendarControl->setWorkingHours(m_parametres.debutJournee, m_parametres.finJournee);
     CalendarControl->setViewType(CalendarViewType::WorkWeek);
     appliquerTheme(3);
+    CalendarControl->setCellPainter(&ColorerCelluleSelonRegles);
     CalendarControl->setOperationGuard(
         [this](int operation, const QList<CalendarEventPtr> &evenements) { return refuserOperation(operation, evenements); });
     CalendarControl->setEditConfirmation(

@@ -23,6 +23,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -239,6 +240,55 @@ private Q_SLOTS:
         CalendarHit cellule;
         cellule.area = HitDayCell;
         p.f->clicDroit(cellule);
+        QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContextNewEvent);
+    }
+
+    // Real clicks of the mouse on the calendar: the view's hit test decides
+    // which menu the window asks for, and a double click on an appointment
+    // opens it.
+    void clicsSouris()
+    {
+        Poste p;
+        p.ajouter(QStringLiteral("A"), Maintenant);
+        p.f->resize(1200, 800);
+        p.f->show();
+        QVERIFY(QTest::qWaitForWindowExposed(p.f.get()));
+        p.f->actualiser();
+        CalendarView *vue = p.f->CalendarControl;
+        auto chercher = [&](auto critere) -> std::optional<QPoint> {
+            for (int y = 5; y < vue->height(); y += 7)
+                for (int x = 2; x < vue->width(); x += 7)
+                    if (critere(vue->hitTest(QPoint(x, y))))
+                        return QPoint(x, y);
+            return std::nullopt;
+        };
+        auto cliquer = [&](const QPoint &pos, bool droit) {
+            QWidget *cible = vue->childAt(pos);
+            QVERIFY(cible);
+            const QPoint local = cible->mapFrom(vue, pos);
+            if (droit)
+                QTest::mouseClick(cible, Qt::RightButton, {}, local);
+            else
+                QTest::mouseDClick(cible, Qt::LeftButton, {}, local);
+        };
+
+        const auto echelle = chercher([](const CalendarHit &h) { return h.area == HitTimeScale; });
+        QVERIFY(echelle);
+        cliquer(*echelle, true);
+        QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContextTimeScale);
+
+        const auto rdv = chercher([](const CalendarHit &h) { return bool(h.event); });
+        QVERIFY(rdv);
+        cliquer(*rdv, true);
+        QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContexEditEvent);
+        QCOMPARE(p.f->evenementCible()->Subject(), QStringLiteral("A"));
+        cliquer(*rdv, false);
+        QVERIFY(p.f->dernierEvenementOuvert());
+        QCOMPARE(p.f->dernierEvenementOuvert()->Subject(), QStringLiteral("A"));
+
+        const auto cellule = chercher([](const CalendarHit &h) { return h.area == HitDayCell && !h.event; });
+        QVERIFY(cellule);
+        cliquer(*cellule, true);
         QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContextNewEvent);
     }
 
