@@ -17,6 +17,7 @@
 #include <QActionGroup>
 #include <QCloseEvent>
 #include <QCursor>
+#include <QHelpEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
@@ -25,6 +26,7 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 namespace {
@@ -131,7 +133,6 @@ void frmMain::construireDisposition()
     grande.setBold(true);
     lblCaption->setFont(grande);
     lblCaption->setCursor(Qt::PointingHandCursor);
-    lblCaption->setToolTip(QStringLiteral("Demain"));
     lblCaption->installEventFilter(this);
     titre->addWidget(lblCaption);
 
@@ -439,6 +440,11 @@ void frmMain::brancherCalendrier()
     connect(CalendarControl, &CalendarView::rightClicked, this, [this](const QPoint &pos) { clicDroit(CalendarControl->hitTest(pos)); });
     connect(CalendarControl, &CalendarView::eventsEdited, wndDatePicker, &DatePicker::RedrawControl);
 
+    // The tool tips of the appointments are asked of the panes under the
+    // pointer.
+    for (QWidget *zone : CalendarControl->findChildren<QWidget *>())
+        zone->installEventFilter(this);
+
     CalendarControl->ShowDay(Horloge::aujourdhui());
     CalendarControl->Populate();
     wndDatePicker->AttachToCalendar(CalendarControl);
@@ -512,9 +518,26 @@ void frmMain::changerDefilement(int index, bool on)
 
 void frmMain::setToolTips_Mode(int mode)
 {
-    // The view's tool tips show the appointment's subject; the custom text of
-    // mode 1 is the same text here, so the mode is only kept.
+    // Tool tips show the appointment's hours and subject. The custom text of
+    // mode 1 came from item-text events that only the hidden sample commands
+    // fed, so it is the same text here.
     m_modeInfobulles = mode;
+}
+
+bool frmMain::infobulle(QWidget *zone, const QHelpEvent *aide)
+{
+    if (!infobullesActives())
+        return false;
+    const CalendarHit hit = CalendarControl->hitTest(zone->mapTo(CalendarControl, aide->pos()));
+    if (!hit.event) {
+        QToolTip::hideText();
+        return true;
+    }
+    const CalendarEventPtr &e = hit.event;
+    const QString texte = e->StartDateTime().toString(QStringLiteral("HH:mm")) + QStringLiteral("-")
+                          + e->EndDateTime().toString(QStringLiteral("HH:mm")) + QStringLiteral(" ") + e->Subject().simplified();
+    QToolTip::showText(aide->globalPos(), texte, zone);
+    return true;
 }
 
 void frmMain::signalerIndisponible(const QString &texte)
@@ -541,6 +564,11 @@ bool frmMain::eventFilter(QObject *objet, QEvent *evenement)
             CalendarControl->ShowDay(Horloge::aujourdhui().addDays(1));
             return true;
         }
+    }
+    if (evenement->type() == QEvent::ToolTip && objet->isWidgetType() && objet != lblCaption) {
+        auto *zone = static_cast<QWidget *>(objet);
+        if (CalendarControl->isAncestorOf(zone))
+            return infobulle(zone, static_cast<QHelpEvent *>(evenement));
     }
     return QMainWindow::eventFilter(objet, evenement);
 }

@@ -14,6 +14,7 @@
 class CalendarView;
 class DatePicker;
 class QAction;
+class QHelpEvent;
 class QLabel;
 class QMenu;
 class QStatusBar;
@@ -200,6 +201,7 @@ private:
     [[nodiscard]] CalendarEventPtr maitreDe(const CalendarEventPtr &evenement) const;
     [[nodiscard]] bool confirmerOperation(int operation) const;
     void changerDefilement(int index, bool on);
+    bool infobulle(QWidget *zone, const QHelpEvent *aide);
 
     void surRappel(int action, const Reminder &rappel);
     void montrerRappel();

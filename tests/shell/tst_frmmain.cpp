@@ -582,9 +582,41 @@ private Q_SLOTS:
             return r;
         };
         QCOMPARE(sujets(), QStringList{});
+        p.f->resize(1000, 500);
+        p.f->show();
+        CalendarView *vue = p.f->CalendarControl;
+        const CalendarSelection choisie{QDateTime(QDate(2026, 11, 25), QTime(15, 0)), QDateTime(QDate(2026, 11, 25), QTime(15, 30)),
+                                        false};
+        vue->setSelection(choisie);
+        vue->setScrollPosition(120);
+        const int defilement = vue->scrollPosition();
         QVERIFY(QMetaObject::invokeMethod(p.f->Timer1, "timeout"));
         QCOMPARE(sujets(), QStringList{QStringLiteral("Poste 2")});
+        // The reading leaves the user where they were.
+        QCOMPARE(vue->selection(), choisie);
+        QCOMPARE(vue->scrollPosition(), defilement);
         autre.Close();
+    }
+
+    // Another store attached: the calendar shows its appointments at once.
+    void autreFournisseur()
+    {
+        Poste p;
+        QTemporaryDir ailleurs;
+        const QString connexion = QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source='%1/Events.mdb';").arg(ailleurs.path());
+        {
+            CalendarDataProvider autre;
+            QVERIFY(autre.SetDataProvider(connexion));
+            QVERIFY(autre.Open() || autre.Create());
+            CalendarEventPtr e = autre.CreateNewEvent(Maintenant, Maintenant.addSecs(1800));
+            e->setSubject(QStringLiteral("Ailleurs"));
+            QVERIFY(autre.AddEvent(e));
+            autre.Close();
+        }
+        QVERIFY(p.f->OpenProvider(2, connexion));
+        QCOMPARE(appState().TypeFournisseur, 2);
+        QCOMPARE(p.f->CalendarControl->shownEvents().size(), 1);
+        QCOMPARE(p.f->CalendarControl->shownEvents().first()->Subject(), QStringLiteral("Ailleurs"));
     }
 
     void rechercheAbandonnee()
