@@ -1,5 +1,6 @@
 #include "appointments/impressionticket.h"
 
+#include "appointments/paquetrdv.h"
 #include "calendar/calendarevent.h"
 #include "shell/appstate.h"
 #include "shell/nombres.h"
@@ -25,20 +26,6 @@ namespace {
 constexpr double TwipsParPouce = 1440.0;
 constexpr double TwipsParPoint = 20.0;
 constexpr double TwipsParMillimetre = 56.7;
-
-const QString Separateur = QStringLiteral("\u00A7");
-
-// Fields of an appointment's text, as the editor reads them back: a leading
-// separator is dropped, and a text without any separator left is of the old
-// form, which holds no names.
-QStringList ChampsCorps(QString corps)
-{
-    if (corps.startsWith(Separateur))
-        corps.remove(0, 1);
-    if (!corps.contains(Separateur))
-        return {};
-    return corps.split(Separateur);
-}
 
 QFont PoliceTicket(const StyleTicket &style, const QPaintDevice *support)
 {
@@ -127,9 +114,11 @@ ReglagesTicket LireReglagesTicket()
 DonneesTicket DonneesTicketDepuis(const CalendarEvent &rdv, const QString &praticien)
 {
     DonneesTicket d;
-    const QStringList champs = ChampsCorps(rdv.Body());
-    d.nom = champs.value(0);
-    d.prenom = champs.value(1);
+    // An appointment of the old form leaves every field but the comment
+    // empty: its ticket has no names.
+    const ChampsRdv champs = DepaquerBody(rdv.Body());
+    d.nom = champs[ChampRdv::Nom];
+    d.prenom = champs[ChampRdv::Prenom];
     d.praticien = praticien;
     d.date = rdv.StartDateTime().date();
     d.heure = rdv.StartDateTime().time();
