@@ -272,6 +272,42 @@ private slots:
         QCOMPARE(maitre->RecurrencePattern()->StartTime(), QTime(9, 0));
     }
 
+    // The series is made when the dialog opens: a cancel on a plain
+    // appointment still hands back a master of a daily series (the record
+    // handed in is left alone), which the editor then shows.
+    void rendezVousSimplePuisAnnuler()
+    {
+        const CalendarEventPtr original = rendezVous();
+        CalendarEventPtr event = original;
+        const int resultat = editer(event, [](frmEditRecurrence &d) { QTest::keyClick(&d, Qt::Key_Escape); });
+        QCOMPARE(resultat, int(frmEditRecurrence::Annule));
+        QVERIFY(event != original);
+        QCOMPARE(original->RecurrenceState(), int(CalendarEvent::NotRecurring));
+        QCOMPARE(event->RecurrenceState(), int(CalendarEvent::Master));
+        QCOMPARE(event->RecurrencePattern()->Options().RecurrenceType(), int(CalendarRecurrenceOptions::Daily));
+        QCOMPARE(event->RecurrencePattern()->DurationMinutes(), 45);
+    }
+
+    void serieIntrouvable()
+    {
+        RepondeurScripte repondeur;
+        CalendarEventPtr exception;
+        CalendarRecurrencePatternPtr p;
+        {
+            const CalendarEventPtr maitre = serie(1);
+            p = maitre->RecurrencePattern();
+            exception = p->Exceptions().constFirst();
+        }
+        CalendarEventPtr event = exception;
+        bool ouvert = false;
+        const int resultat = editer(event, [&](frmEditRecurrence &) { ouvert = true; });
+        QCOMPARE(resultat, int(frmEditRecurrence::Annule));
+        QVERIFY(!ouvert);
+        QCOMPARE(event, exception);
+        QCOMPARE(repondeur.appels().size(), 1);
+        QCOMPARE(repondeur.appels().constFirst().titre, QStringLiteral("Erreur"));
+    }
+
     void saisieDesHeures()
     {
         RepondeurScripte repondeur;
