@@ -1,5 +1,6 @@
 #include "shell/frmmain.h"
 
+#include "appointments/miroir.h"
 #include "calendar/calendardataprovider.h"
 #include "calendar/openprovider.h"
 #include "calendar/view/calendarview.h"
@@ -418,6 +419,11 @@ void frmMain::construireBarres()
 void frmMain::brancherCalendrier()
 {
     AppState &etat = appState();
+    // Every change of the book, from any window, is copied into the patient
+    // base and the journal. The provider object stays the same when another
+    // store is attached, so this is done once.
+    if (etat.Calendrier)
+        BrancherMiroir(*etat.Calendrier);
     CalendarControl->setLabels(m_parametres.libelles);
     CalendarControl->setDataProvider(etat.Calendrier.get());
     CalendarControl->setWorkingHours(m_parametres.debutJournee, m_parametres.finJournee);

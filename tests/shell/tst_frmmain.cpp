@@ -1,8 +1,10 @@
+#include "appointments/paquetrdv.h"
 #include "calendar/calendardataprovider.h"
 #include "calendar/reminderengine.h"
 #include "calendar/view/calendarview.h"
 #include "patients/bouclesrecherche.h"
 #include "patients/gestiontype.h"
+#include "patients/schemapatients.h"
 #include "shell/appstate.h"
 #include "shell/config.h"
 #include "shell/demarrage.h"
@@ -17,6 +19,8 @@
 #include <QDialog>
 #include <QLabel>
 #include <QMenu>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
@@ -62,6 +66,10 @@ struct Poste
     {
         CalendarEventPtr e = store().CreateNewEvent(debut, debut.addSecs(30 * 60));
         e->setSubject(sujet);
+        ChampsRdv champs;
+        champs[ChampRdv::Nom] = sujet;
+        champs[ChampRdv::NumeroPatient] = QStringLiteral("12");
+        e->setBody(PackerBody(champs));
         e->setBusyStatus(1);
         if (serie)
             e->CreateRecurrence();
@@ -526,6 +534,19 @@ private Q_SLOTS:
         QCOMPARE(p.premierDuJour(Maintenant.date())->BusyStatus(), 0);
         p.action(QStringLiteral("mnuPatientSorti"))->trigger();
         QCOMPARE(p.premierDuJour(Maintenant.date())->BusyStatus(), 1);
+        // The changes went to the patient base's copy without a complaint.
+        QCOMPARE(p.repondeur.appels().size(), 0);
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("miroir"));
+            db.setDatabaseName(CheminPatientsMdb(appState().CheminBaseAgenda));
+            QVERIFY(db.open());
+            QSqlQuery q(QStringLiteral("SELECT Numero, HeureRV FROM Events"), db);
+            QVERIFY(q.next());
+            QCOMPARE(q.value(0).toInt(), 12);
+            QCOMPARE(q.value(1).toString(), QStringLiteral("10:00:00"));
+            QVERIFY(!q.next());
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("miroir"));
     }
 
     void gardes_data()
