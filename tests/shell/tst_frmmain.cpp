@@ -234,21 +234,6 @@ private Q_SLOTS:
             p.action(QStringLiteral("mnuTimeScale(%1)").arg(i))->trigger();
             QCOMPARE(p.f->CalendarControl->timeScale(), (QList<int>{60, 30, 15, 10, 5}).at(i));
         }
-
-        // Right click: over an appointment, the time scale, anything else.
-        const CalendarEventPtr e = p.ajouter(QStringLiteral("A"), Maintenant);
-        p.f->clicDroit(surRendezVous(e));
-        QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContexEditEvent);
-        QCOMPARE(p.f->evenementCible(), e);
-        CalendarHit echelle;
-        echelle.area = HitTimeScale;
-        p.f->clicDroit(echelle);
-        QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContextTimeScale);
-        QCOMPARE(p.f->evenementCible(), e);
-        CalendarHit cellule;
-        cellule.area = HitDayCell;
-        p.f->clicDroit(cellule);
-        QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContextNewEvent);
     }
 
     // Real clicks of the mouse on the calendar: the view's hit test decides
@@ -354,7 +339,7 @@ private Q_SLOTS:
         p.action(QStringLiteral("KelmoToolbar1(4)"))->trigger();
         QCOMPARE(f.CalendarControl->viewType(), CalendarViewType::Month);
         const QDate premier = f.CalendarControl->shownDay(0);
-        QVERIFY2(ligne->text().startsWith(QStringLiteral("Semaine %1 : ").arg(GetWeekNumberPourTest(premier))), qPrintable(ligne->text()));
+        QVERIFY2(ligne->text().startsWith(QStringLiteral("Semaine %1 : ").arg(premier.weekNumber())), qPrintable(ligne->text()));
     }
 
     void themes()
@@ -702,15 +687,6 @@ private Q_SLOTS:
         QVERIFY(!p.f->mnuReminders->isEnabled());
     }
 
-    void aPropos()
-    {
-        Poste p;
-        p.action(QStringLiteral("mnuAbout"))->trigger();
-        QCOMPARE(p.repondeur.appels().size(), 1);
-        QCOMPARE(p.repondeur.appels().first().titre, QStringLiteral("A propos d'Tavonel"));
-        QVERIFY(p.repondeur.appels().first().texte.startsWith(QStringLiteral("Tavonel\n")));
-    }
-
     void fermetureLanceLArret()
     {
         DossierProgrammeTest prog;
@@ -727,9 +703,6 @@ private Q_SLOTS:
         QCOMPARE(LireIni(QStringLiteral("Agenda"), QStringLiteral("RemindersManEnabled"), QString(), prog.chemin() + QStringLiteral("Agenda.ini")),
                  QStringLiteral("Vrai"));
     }
-
-private:
-    static int GetWeekNumberPourTest(const QDate &d) { return d.weekNumber(); }
 };
 
 QTEST_MAIN(tst_frmmain)

@@ -1,4 +1,3 @@
-#include "calendar/reminderengine.h"
 #include "shell/regleslignedate.h"
 
 #include <QtTest>
@@ -99,15 +98,6 @@ private Q_SLOTS:
         QFETCH(bool, journee);
         QFETCH(bool, refuse);
         QCOMPARE(RefuserCreationWeekEnd(interrupteur, operation, debut, fin, journee), refuse);
-    }
-
-    void texteRappel()
-    {
-        Reminder r;
-        r.Event = CalendarEvent::create(7);
-        r.Event->setSubject(QStringLiteral("DUPONT                     Jean (42 ans)        0102030405 (Pris le 01/11) "));
-        r.StartTime = QDateTime(QDate(2026, 11, 24), QTime(9, 5));
-        QCOMPARE(TexteRappelBarreEtat(r), QStringLiteral("Rappel : DUPONT Jean (42 ans) 0102030405 (Pris le 01/11) à 09:05"));
     }
 };
 
