@@ -76,6 +76,9 @@ frmMain::frmMain(Demarrage &demarrage, const ParametresFenetre &parametres, QWid
     setObjectName(QStringLiteral("frmMain"));
     const AppState &etat = appState();
     setWindowTitle(QStringLiteral("Tavonel : ") + etat.AgendaName);
+    // No toolbar menu on a right click: the bar without the patient search
+    // stays out of reach.
+    setContextMenuPolicy(Qt::PreventContextMenu);
 
     choisirOccurrenceOuSerie = [this](bool suppression, const QString &sujet) {
         return frmOccurrenceSeriesChooser::demander(this, suppression, sujet);
@@ -398,6 +401,7 @@ void frmMain::construireBarres()
 
     Toolbar = new QToolBar(QStringLiteral("Toolbar"), this);
     Toolbar->setObjectName(QStringLiteral("Toolbar"));
+    Toolbar->setMovable(false);
     remplir(Toolbar, boutonsToolbar);
     boutonsToolbar[12]->setToolTip(QStringLiteral("Bases de données"));
     boutonsToolbar[12]->setEnabled(mnuOpenDataProvider->isEnabled());

@@ -453,6 +453,32 @@ private Q_SLOTS:
         QCOMPARE(p.jour(QDate(2026, 11, 24)).size(), 1);
     }
 
+    // Cut, copy and paste of the menu and of both bars follow the view.
+    void etatDesCommandes()
+    {
+        Poste p;
+        p.ajouter(QStringLiteral("A"), Maintenant);
+        p.f->actualiser();
+        auto etats = [&] {
+            QString r;
+            for (const char *nom : {"mnuCut", "mnuCopy", "mnuPaste", "KelmoToolbar1(6)", "KelmoToolbar1(7)", "KelmoToolbar1(8)",
+                                    "Toolbar(6)", "Toolbar(7)", "Toolbar(8)"})
+                r += p.action(QString::fromLatin1(nom))->isEnabled() ? QLatin1Char('1') : QLatin1Char('0');
+            return r;
+        };
+        QCOMPARE(etats(), QStringLiteral("000000000"));
+        const CalendarEventPtr e = p.f->CalendarControl->shownEvents().first();
+        p.f->CalendarControl->selectFromPane({e->StartDateTime(), e->EndDateTime(), false}, {e});
+        QCOMPARE(etats(), QStringLiteral("110110110"));
+        p.action(QStringLiteral("KelmoToolbar1(7)"))->trigger();
+        QCOMPARE(etats(), QStringLiteral("111111111"));
+        p.f->CalendarControl->selectFromPane({QDateTime(QDate(2026, 11, 24), QTime(9, 0)), QDateTime(QDate(2026, 11, 24), QTime(9, 30)), false},
+                                             {});
+        QCOMPARE(etats(), QStringLiteral("001001001"));
+        p.action(QStringLiteral("mnuPaste"))->trigger();
+        QCOMPARE(p.jour(QDate(2026, 11, 24)), QStringList{QStringLiteral("09:00 A")});
+    }
+
     void ouverture_data()
     {
         QTest::addColumn<bool>("serie");
