@@ -3,7 +3,7 @@
 // Config.mdb of 200 schedule rules for two practitioners that colour every
 // cell through the rule lookup. Prints the figures; not a test.
 //
-//   bench_dayview [runs] [--image file.png]
+//   bench_dayview [runs] [--image file.png] [--theme 0-3]
 #include "calendar/calendardataprovider.h"
 #include "calendar/openprovider.h"
 #include "calendar/view/calendarview.h"
@@ -98,7 +98,11 @@ bool ecrireRendezVous(CalendarDataProvider &p)
                 return false;
         }
     }
-    return true;
+    CalendarEventPtr conge = p.CreateNewEvent(QDateTime(kLundi.addDays(3), QTime(0, 0)), QDateTime(kLundi.addDays(5), QTime(0, 0)));
+    conge->setSubject(QStringLiteral("Dr Garnier : congrès"));
+    conge->setIsAllDayEvent(true);
+    conge->setLabelID(15);
+    return p.AddEvent(conge);
 }
 
 } // namespace
@@ -110,10 +114,13 @@ int main(int argc, char **argv)
     QApplication app(argc, argv);
     int runs = 20;
     QString image;
+    int theme = 3;
     const QStringList args = app.arguments();
     for (qsizetype i = 1; i < args.size(); ++i) {
         if (args.at(i) == u"--image" && i + 1 < args.size())
             image = args.at(++i);
+        else if (args.at(i) == u"--theme" && i + 1 < args.size())
+            theme = args.at(++i).toInt();
         else
             runs = std::max(1, args.at(i).toInt());
     }
@@ -144,6 +151,7 @@ int main(int argc, char **argv)
     CalendarView view;
     view.setDataProvider(&provider);
     view.setLabels(labels);
+    view.setTheme(theme);
     view.setWorkingHours(QTime(8, 0), QTime(20, 0));
     view.setTimeScale(5);
     view.resize(1280, 900);

@@ -197,6 +197,8 @@ QRect DayPane::bodyRect() const
     return QRect(m_timeWidth, bodyTop(), columnsWidth(), std::max(0, height() - bodyTop()));
 }
 
+QRect DayPane::allDayBandRect() const { return QRect(m_timeWidth, m_headerHeight, columnsWidth(), m_bandHeight); }
+
 QRect DayPane::timeScaleRect() const { return QRect(0, bodyTop(), m_timeWidth, std::max(0, height() - bodyTop())); }
 
 int DayPane::columnsWidth() const
