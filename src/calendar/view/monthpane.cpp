@@ -390,15 +390,18 @@ void MonthPane::placeBoxes()
 {
     const int rows = std::max<int>(1, int((m_boxes.size() + 6) / 7));
     const int band = fontMetrics().height() + 8;
-    m_weekdayBand = QRect(0, 0, width(), band);
+    // A narrow column of ISO week numbers on the left when there is room.
+    m_weekColumn = width() >= 420 ? fontMetrics().horizontalAdvance(QStringLiteral("S88")) + 8 : 0;
+    m_weekdayBand = QRect(m_weekColumn, 0, width() - m_weekColumn, band);
     const int top = band;
     const int h = std::max(0, height() - top);
+    const int w = width() - m_weekColumn;
     const int header = fontMetrics().height() + 4;
     for (int i = 0; i < m_boxes.size(); ++i) {
         const int row = i / 7;
         const int col = i % 7;
-        const int x0 = col * width() / 7;
-        const int x1 = (col + 1) * width() / 7;
+        const int x0 = m_weekColumn + col * w / 7;
+        const int x1 = m_weekColumn + (col + 1) * w / 7;
         const int y0 = top + row * h / rows;
         const int y1 = top + (row + 1) * h / rows;
         Box &b = m_boxes[i];
@@ -422,16 +425,24 @@ void MonthPane::paintEvent(QPaintEvent *)
     int widest = 0;
     for (int d = 1; d <= 7; ++d)
         widest = std::max(widest, QFontMetrics(bold).horizontalAdvance(french().dayName(d)));
-    const bool longNames = widest + 8 <= width() / 7;
+    const bool longNames = widest + 8 <= m_weekdayBand.width() / 7;
     p.setFont(bold);
     p.setPen(theme.headerText);
-    for (int col = 0; col < 7; ++col) {
-        const QRect r(col * width() / 7, m_weekdayBand.top(), (col + 1) * width() / 7 - col * width() / 7,
-                      m_weekdayBand.height());
-        p.drawText(r, Qt::AlignCenter,
+    for (int col = 0; col < 7 && col < m_boxes.size(); ++col) {
+        const QRect &box = m_boxes.at(col).rect;
+        p.drawText(QRect(box.left(), m_weekdayBand.top(), box.width(), m_weekdayBand.height()), Qt::AlignCenter,
                    french().dayName(col + 1, longNames ? QLocale::LongFormat : QLocale::ShortFormat));
     }
     p.setFont(font());
+    if (m_weekColumn > 0) {
+        p.fillRect(QRect(0, 0, m_weekColumn, height()), theme.headerBack);
+        p.setPen(theme.headerText);
+        for (int i = 0; i < m_boxes.size(); i += 7) {
+            const QRect &box = m_boxes.at(i).rect;
+            p.drawText(QRect(0, box.top(), m_weekColumn, m_boxes.at(i).header.height()), Qt::AlignCenter,
+                       QStringLiteral("S%1").arg(m_boxes.at(i).day.weekNumber()));
+        }
+    }
 
     const int month = shownMonth();
     for (const Box &b : std::as_const(m_boxes)) {
@@ -445,7 +456,7 @@ void MonthPane::paintEvent(QPaintEvent *)
     for (int i = 0; i < m_boxes.size(); ++i) {
         const QRect &r = m_boxes.at(i).rect;
         p.drawLine(r.topLeft(), r.topRight());
-        if (i % 7 != 0)
+        if (i % 7 != 0 || m_weekColumn > 0)
             p.drawLine(r.topLeft(), r.bottomLeft());
     }
     p.drawLine(m_weekdayBand.bottomLeft(), m_weekdayBand.bottomRight());

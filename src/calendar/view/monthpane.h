@@ -118,4 +118,5 @@ protected:
 
 private:
     QRect m_weekdayBand;
+    int m_weekColumn = 0;   // width of the week numbers on the left
 };
