@@ -24,6 +24,8 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QHelpEvent>
+#include <QToolTip>
 #include <QtTest>
 
 #include <memory>
@@ -275,6 +277,17 @@ private Q_SLOTS:
         cliquer(*rdv, true);
         QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContexEditEvent);
         QCOMPARE(p.f->evenementCible()->Subject(), QStringLiteral("A"));
+        // The pointer resting on it shows its hours and subject, unless the
+        // tool tips are off (mode 2).
+        QWidget *zone = vue->childAt(*rdv);
+        QHelpEvent aide(QEvent::ToolTip, zone->mapFrom(vue, *rdv), vue->mapToGlobal(*rdv));
+        p.f->setToolTips_Mode(2);
+        QApplication::sendEvent(zone, &aide);
+        QVERIFY(QToolTip::text().isEmpty());
+        p.f->setToolTips_Mode(0);
+        QApplication::sendEvent(zone, &aide);
+        QCOMPARE(QToolTip::text(), QStringLiteral("10:00-10:30 A"));
+        QToolTip::hideText();
         cliquer(*rdv, false);
         QVERIFY(p.f->dernierEvenementOuvert());
         QCOMPARE(p.f->dernierEvenementOuvert()->Subject(), QStringLiteral("A"));
