@@ -582,10 +582,7 @@ private Q_SLOTS:
         QTest::addColumn<QDate>("jourSelection");
         QTest::addColumn<bool>("refuse");
         const QDate lundi(2026, 11, 23), samedi(2026, 11, 28);
-        QTest::newRow("glisser série") << true << false << int(OpDragMove) << true << lundi << true;
         QTest::newRow("redimensionner série") << true << false << int(OpResizeEnd) << true << lundi << true;
-        QTest::newRow("glisser simple") << true << false << int(OpDragMove) << false << lundi << false;
-        QTest::newRow("glisser série, permis") << false << false << int(OpDragMove) << true << lundi << false;
         QTest::newRow("créer samedi") << false << true << int(OpCreateInPlace) << false << samedi << true;
         QTest::newRow("créer lundi") << false << true << int(OpCreateInPlace) << false << lundi << false;
         QTest::newRow("créer samedi, permis") << false << false << int(OpCreateInPlace) << false << samedi << false;
@@ -607,6 +604,49 @@ private Q_SLOTS:
         p.f->CalendarControl->ShowDay(jourSelection);
         p.f->CalendarControl->setSelection({QDateTime(jourSelection, QTime(9, 0)), QDateTime(jourSelection, QTime(9, 30)), false});
         QCOMPARE(p.f->refuserOperation(operation, {e}), refuse);
+    }
+
+    // A real drag of Monday's appointment to 11:00, through the view.
+    void glisserALaSouris_data()
+    {
+        QTest::addColumn<bool>("sansGlisser");
+        QTest::addColumn<bool>("serie");
+        QTest::addColumn<QString>("lundi");
+        QTest::newRow("série, glisser interdit") << true << true << QStringLiteral("10:00 A");
+        QTest::newRow("simple, glisser interdit") << true << false << QStringLiteral("11:00 A");
+        QTest::newRow("série, glisser permis") << false << true << QStringLiteral("11:00 A");
+    }
+
+    void glisserALaSouris()
+    {
+        QFETCH(bool, sansGlisser);
+        QFETCH(bool, serie);
+        QFETCH(QString, lundi);
+        Poste p;
+        p.ajouter(QStringLiteral("A"), Maintenant, serie);
+        p.f->setDisableDraggingRecurrenceEvents(sansGlisser);
+        p.f->resize(1200, 800);
+        p.f->show();
+        QVERIFY(QTest::qWaitForWindowExposed(p.f.get()));
+        p.f->actualiser();
+        CalendarView *vue = p.f->CalendarControl;
+        std::optional<QPoint> de, vers;
+        for (int y = 5; y < vue->height(); y += 3)
+            for (int x = 70; x < vue->width() / 5; x += 9) {
+                const CalendarHit h = vue->hitTest(QPoint(x, y));
+                if (!de && h.event && h.area == HitEvent)
+                    de = QPoint(x, y);
+                if (!vers && !h.event && h.area == HitDayCell && h.time == Maintenant.addSecs(3600))
+                    vers = QPoint(x, y + 2);
+            }
+        QVERIFY(de && vers);
+        QWidget *volet = vue->childAt(*de);
+        QTest::mousePress(volet, Qt::LeftButton, {}, volet->mapFrom(vue, *de));
+        for (int i = 1; i <= 4; ++i)
+            QTest::mouseMove(volet, volet->mapFrom(vue, *de + (*vers - *de) * i / 4));
+        QTest::mouseRelease(volet, Qt::LeftButton, {}, volet->mapFrom(vue, *vers));
+        QCOMPARE(p.jour(Maintenant.date()), QStringList{lundi});
+        QCOMPARE(p.jour(QDate(2026, 11, 24)), serie ? QStringList{QStringLiteral("10:00 A")} : QStringList{});
     }
 
     // Another workstation writes into the same Events.mdb: the next tick of
