@@ -5,6 +5,7 @@
 
 #include <QLocale>
 
+#include <algorithm>
 #include <cstdlib>
 
 QString DateLongue(const QDate &jour)

@@ -24,7 +24,7 @@ struct Reminder;
 [[nodiscard]] std::optional<QString> TexteLigneDate(const QList<QDate> &jours);
 
 // Drag, move-copy and resize (operation codes 1 to 4) refused on a series
-// when the dragging switch is on; firstRecurrenceState is the recurrence
+// when the dragging switch is on; premierEtatRecurrence is the recurrence
 // state of the first appointment of the operation (-1 when there is none).
 [[nodiscard]] bool RefuserGlisserRecurrent(bool interrupteur, int operation, int premierEtatRecurrence);
 
