@@ -323,6 +323,13 @@ private Q_SLOTS:
         QCOMPARE(p.f->boutonsKelmo.size(), l.size());
         p.action(QStringLiteral("KelmoToolbar1(16)"))->trigger();
         QCOMPARE(p.etat(), QStringLiteral("L'impression de l'agenda n'est pas encore disponible."));
+        // The shortcuts work from the calendar.
+        p.f->show();
+        QApplication::setActiveWindow(p.f.get());
+        QVERIFY(QTest::qWaitForWindowActive(p.f.get()));
+        p.f->CalendarControl->setFocus();
+        QTest::keyClick(p.f->CalendarControl, Qt::Key_O, Qt::ControlModifier);
+        QCOMPARE(p.etat(), QStringLiteral("Les options de l'agenda ne sont pas encore disponibles."));
     }
 
     // The view buttons and the date line, in the order a user would click.
