@@ -884,8 +884,12 @@ void DayPane::mouseReleaseEvent(QMouseEvent *event)
 
 void DayPane::mouseDoubleClickEvent(QMouseEvent *event)
 {
-    if (event->button() == Qt::LeftButton)
-        emit doubleClicked(event->position().toPoint());
+    if (event->button() != Qt::LeftButton)
+        return;
+    // The receiver may open a modal editor: no drag survives it.
+    m_drag = Drag::None;
+    m_dragEvent.clear();
+    emit doubleClicked(event->position().toPoint());
 }
 
 void DayPane::wheelEvent(QWheelEvent *event)
