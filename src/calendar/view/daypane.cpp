@@ -129,6 +129,11 @@ QList<QDate> DayPane::daysFor(const QDate &anchor) const
 void DayPane::setDays(const QList<QDate> &days)
 {
     m_days = days;
+    // Anchors of a mouse selection belong to the days that were on show.
+    m_anchorCell = QDateTime();
+    m_anchorDay = -1;
+    m_drag = Drag::None;
+    m_dragEvent.clear();
     if (!m_scrollPlaced) {
         // The first time, the working day begins at the top.
         const QTime begin = m_view->workDayBegin();
@@ -879,8 +884,12 @@ void DayPane::mouseReleaseEvent(QMouseEvent *event)
 
 void DayPane::mouseDoubleClickEvent(QMouseEvent *event)
 {
-    if (event->button() == Qt::LeftButton)
-        emit doubleClicked(event->position().toPoint());
+    if (event->button() != Qt::LeftButton)
+        return;
+    // The receiver may open a modal editor: no drag survives it.
+    m_drag = Drag::None;
+    m_dragEvent.clear();
+    emit doubleClicked(event->position().toPoint());
 }
 
 void DayPane::wheelEvent(QWheelEvent *event)
