@@ -13,6 +13,11 @@
 #include <functional>
 
 class CalendarDataProvider;
+class CalendarPane;
+class DayPane;
+class MonthPane;
+class QStackedLayout;
+class WeekPane;
 
 // The calendar the secretary works on: a day / work-week view with a time
 // scale, a week view and a month view over one data provider. It reads the
@@ -117,7 +122,45 @@ public:
     [[nodiscard]] bool isEventSelected(const CalendarEventPtr &event) const;
     // A click of a pane selects a period and the appointments under it.
     void selectFromPane(const CalendarSelection &selection, const QList<CalendarEventPtr> &events);
+    // True when the guard refuses the operation on these appointments.
+    [[nodiscard]] bool isOperationRefused(int operation, const QList<CalendarEventPtr> &events) const;
+    // Writes an appointment a pane moved or resized (times already set on it)
+    // through the provider, reads the shown days again and emits eventsEdited.
+    bool commitChangedEvent(const CalendarEventPtr &event);
+    // The pane of the current view type.
+    [[nodiscard]] CalendarPane *currentPane() const;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    // Members are the implementation's (plain members, no d-pointer).
+    [[nodiscard]] CalendarPane *paneFor(CalendarViewType type) const;
+    // The shown days for the anchor day in the current view type, handed to its pane.
+    void layOutDays();
+    // Deletes the selected appointments, asking the confirmation when ask is set.
+    bool deleteSelected(bool ask);
+    // The selected appointments found again among the appointments just read.
+    void reselectEvents();
+    void panesChanged();
+
+    CalendarDataProvider *m_provider = nullptr;
+    CalendarLabelList m_labels;
+    CalendarTheme m_theme;
+    CalendarViewType m_type = CalendarViewType::WorkWeek;
+    int m_timeScale = 30;
+    QTime m_workBegin{8, 0};
+    QTime m_workEnd{20, 0};
+    QDate m_anchor;
+    QList<QDate> m_days;
+    CalendarSelection m_selection;
+    QList<CalendarEventPtr> m_selectedEvents;
+    QList<CalendarEventPtr> m_events;
+    QList<CalendarEventPtr> m_clipboard;
+    CellPainter m_cellPainter;
+    OperationGuard m_guard;
+    EditConfirmation m_confirm;
+    QStackedLayout *m_stack = nullptr;
+    DayPane *m_dayPane = nullptr;
+    WeekPane *m_weekPane = nullptr;
+    MonthPane *m_monthPane = nullptr;
 };

@@ -1,0 +1,76 @@
+#include "calendar/view/viewtypes.h"
+
+#include <algorithm>
+
+CalendarTheme CalendarTheme::forNumber(int number)
+{
+    CalendarTheme t;
+    t.number = std::clamp(number, 0, 3);
+    switch (t.number) {
+    case 0: // classic grey and navy
+        t.window = QColor(212, 208, 200);
+        t.workingHours = QColor(255, 255, 213);
+        t.gridLine = QColor(128, 128, 128);
+        t.gridSubLine = QColor(190, 186, 178);
+        t.timeScaleBack = QColor(212, 208, 200);
+        t.timeScaleText = QColor(0, 0, 0);
+        t.headerBack = QColor(212, 208, 200);
+        t.headerText = QColor(0, 0, 0);
+        t.todayHeaderBack = QColor(238, 194, 99);
+        t.selection = QColor(10, 36, 106);
+        t.allDayBand = QColor(128, 128, 128);
+        t.eventBorder = QColor(0, 0, 0);
+        t.eventText = QColor(0, 0, 0);
+        t.monthOtherMonth = QColor(192, 192, 192);
+        break;
+    case 1: // light grey and steel blue
+        t.window = QColor(240, 240, 236);
+        t.workingHours = QColor(255, 255, 255);
+        t.gridLine = QColor(166, 166, 150);
+        t.gridSubLine = QColor(222, 222, 212);
+        t.timeScaleBack = QColor(236, 233, 216);
+        t.timeScaleText = QColor(48, 48, 48);
+        t.headerBack = QColor(222, 220, 206);
+        t.headerText = QColor(0, 0, 0);
+        t.todayHeaderBack = QColor(255, 210, 120);
+        t.selection = QColor(182, 189, 210);
+        t.allDayBand = QColor(190, 190, 176);
+        t.eventBorder = QColor(64, 64, 64);
+        t.eventText = QColor(0, 0, 0);
+        t.monthOtherMonth = QColor(228, 228, 220);
+        break;
+    case 2: // blue
+        t.window = QColor(230, 237, 247);
+        t.workingHours = QColor(255, 255, 255);
+        t.gridLine = QColor(141, 174, 217);
+        t.gridSubLine = QColor(213, 225, 241);
+        t.timeScaleBack = QColor(227, 239, 255);
+        t.timeScaleText = QColor(21, 66, 139);
+        t.headerBack = QColor(196, 218, 250);
+        t.headerText = QColor(21, 66, 139);
+        t.todayHeaderBack = QColor(255, 213, 141);
+        t.selection = QColor(169, 199, 240);
+        t.allDayBand = QColor(165, 191, 225);
+        t.eventBorder = QColor(59, 97, 156);
+        t.eventText = QColor(0, 0, 0);
+        t.monthOtherMonth = QColor(214, 226, 244);
+        break;
+    default: // flat white and light blue
+        t.window = QColor(245, 245, 245);
+        t.workingHours = QColor(255, 255, 255);
+        t.gridLine = QColor(213, 213, 213);
+        t.gridSubLine = QColor(234, 234, 234);
+        t.timeScaleBack = QColor(255, 255, 255);
+        t.timeScaleText = QColor(68, 68, 68);
+        t.headerBack = QColor(255, 255, 255);
+        t.headerText = QColor(68, 68, 68);
+        t.todayHeaderBack = QColor(205, 230, 247);
+        t.selection = QColor(205, 230, 247);
+        t.allDayBand = QColor(240, 240, 240);
+        t.eventBorder = QColor(140, 140, 140);
+        t.eventText = QColor(38, 38, 38);
+        t.monthOtherMonth = QColor(240, 240, 240);
+        break;
+    }
+    return t;
+}
