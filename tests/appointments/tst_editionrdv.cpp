@@ -149,7 +149,7 @@ private slots:
         QTest::addColumn<QString>("recu");
         QTest::addColumn<QString>("telephone");
         QTest::newRow("séparateurs") << "§#*&\"" << "_____" << "";
-        QTest::newRow("texte ordinaire") << "Élodie 'O'Neil' 12%" << "Élodie 'O'Neil' 12%" << " 12";
+        QTest::newRow("texte ordinaire") << "Élodie 'O'Neil' 12%" << "Élodie 'O'Neil' 12%" << "  12";
         QTest::newRow("numéro") << "+33 6.12" << "+33 6.12" << "+33 6.12";
     }
     void clavier()
@@ -348,7 +348,7 @@ private slots:
         QCOMPARE(e->StartDateTime(), dt("2026-03-02 09:00"));
         QCOMPARE(e->EndDateTime(), dt("2026-03-02 09:20"));
         QCOMPARE(e->Body(), QStringLiteral("DUPONT§Jean§25/03/1970§§0612345678§§§§§§01/03/2026 08:00:00§7§Agenda§§"));
-        QCOMPARE(e->Subject(), QStringLiteral("DUPONT                     Jean           (55 ans)0612345678 (Pris le 01/03) "));
+        QCOMPARE(e->Subject(), QStringLiteral("DUPONT Jean (55 ans)                              0612345678 (Pris le 01/03) "));
         QCOMPARE(e->Location(), QStringLiteral("Vaccin => Dr Martin"));
         QCOMPARE(e->LabelID(), 9);
         QCOMPARE(e->BusyStatus(), 0);
