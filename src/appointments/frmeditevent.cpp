@@ -383,6 +383,9 @@ void frmEditEvent::remplirListes()
         for (const CalendarSchedule &s : m_provider->Schedules())
             cmbSchedule->addItem(s.Name, s.ScheduleID);
     }
+    // A book without schedules has nothing to choose there.
+    cmbSchedule->setVisible(cmbSchedule->count() > 0);
+    findChild<QLabel *>(QStringLiteral("lblSchedule"))->setVisible(cmbSchedule->count() > 0);
     cmbShowTimeAs->addItem(QStringLiteral("En salle d'attente"));
     cmbShowTimeAs->addItem(QStringLiteral("Non Arrivé"));
     const AppState &etat = appState();

@@ -1,6 +1,7 @@
 #include "patients/basestest.h"
 
 #include "appointments/frmeditevent.h"
+#include "appointments/frmeditrecurrence.h"
 #include "calendar/calendardataprovider.h"
 #include "patients/bouclesrecherche.h"
 #include "patients/gestiontype.h"
@@ -188,6 +189,12 @@ private slots:
         QCOMPARE(d->txtLocation[0]->text(), QStringLiteral("Contrôle _2 _ _suite_"));
         d->txtLocation[1]->setText(QStringLiteral("Dr Martin"));
         d->txtBody[9]->setText(QStringLiteral("à jeun"));
+        // An end picked in the list keeps only its time.
+        d->cmbEndTime->setCurrentIndex(5);
+        emit d->cmbEndTime->activated(5);
+        QCOMPARE(d->cmbEndTime->currentText(), QStringLiteral("10:00"));
+        if (qEnvironmentVariableIsSet("TAVONEL_CAPTURES"))
+            d->grab().save(qEnvironmentVariable("TAVONEL_CAPTURES") + QStringLiteral("/frmEditEvent.png"));
 
         QSignalSpy populate(d.get(), &frmEditEvent::Populate);
         QTest::mouseClick(d->cmdOk[0], Qt::LeftButton);
@@ -205,7 +212,7 @@ private slots:
         QCOMPARE(e->Subject(), QStringLiteral("DUPONT Jean (55 ans)                              01 23 45 67 89 06 12 34 56 78 (Pris le 01/03) "));
         QCOMPARE(e->Location(), QStringLiteral("Contrôle _2 _ _suite_ => Dr Martin"));
         QCOMPARE(e->StartDateTime(), dt("2026-03-02 09:30"));
-        QCOMPARE(e->EndDateTime(), dt("2026-03-02 09:45"));
+        QCOMPARE(e->EndDateTime(), dt("2026-03-02 10:00"));
         QCOMPARE(e->LabelID(), 9);
         QCOMPARE(e->BusyStatus(), 1);
         QVERIFY(!e->IsMeeting());
@@ -219,7 +226,7 @@ private slots:
         QCOMPARE(m->txtBody[13]->text(), QStringLiteral("jean.dupont@exemple.fr"));
         QCOMPARE(m->txtLocation[0]->text(), QStringLiteral("Contrôle _2 _ _suite_"));
         QCOMPARE(m->txtLocation[1]->text(), QStringLiteral("Dr Martin"));
-        QCOMPARE(m->cmbEndTime->currentText(), QStringLiteral("09:45"));
+        QCOMPARE(m->cmbEndTime->currentText(), QStringLiteral("10:00"));
         QCOMPARE(m->lblPraticien->text(), QStringLiteral("Praticien 2"));
         QVERIFY(m->lblModif->text().startsWith(QStringLiteral("Rendez-vous pris le ")));
         QCOMPARE(appState().PatientCourant.Telephone2, QStringLiteral("06 12 34 56 78"));
@@ -228,7 +235,84 @@ private slots:
         QTest::mouseClick(m->cmdCancel, Qt::LeftButton);
         QCOMPARE(m->result(), int(QDialog::Rejected));
         QCOMPARE(reservations(), QStringList{});
-        QCOMPARE(relire(QDate(2026, 3, 2)).first()->LastModificationTime(), e->LastModificationTime());
+        QCOMPARE(relire(QDate(2026, 3, 2)).first()->Location(), e->Location());
+
+        // The patient has arrived: changed and stored in place.
+        auto arrive = std::make_unique<frmEditEvent>(calendrier(), m_fenetre.get());
+        arrive->ModifyEvent(e);
+        arrive->show();
+        arrive->cmbShowTimeAs->setCurrentIndex(0);
+        arrive->txtLocation[1]->clear();
+        QTest::mouseClick(arrive->cmdOk[0], Qt::LeftButton);
+        QCOMPARE(arrive->result(), int(QDialog::Accepted));
+        const QList<CalendarEventPtr> apres = relire(QDate(2026, 3, 2));
+        QCOMPARE(apres.size(), 1);
+        QCOMPARE(apres.first()->EventID(), e->EventID());
+        QCOMPARE(apres.first()->BusyStatus(), 0);
+        QCOMPARE(apres.first()->Location(), QStringLiteral("Contrôle _2 _ _suite_"));
+        QCOMPARE(apres.first()->Body(), e->Body());
+        QCOMPARE(repondeur.appels().size(), 0);
+    }
+
+    // A changed occurrence of a series becomes an exception; the other
+    // days keep the series' text.
+    void occurrenceModifiee()
+    {
+        RepondeurScripte repondeur;
+        CalendarEventPtr maitre = calendrier()->CreateNewEvent(dt("2026-03-02 09:00"), dt("2026-03-02 09:15"));
+        ChampsRdv champs;
+        champs[ChampRdv::Nom] = QStringLiteral("KINÉ");
+        champs[ChampRdv::Prenom] = QStringLiteral("Paul");
+        champs[ChampRdv::DateNaissance] = QStringLiteral("01/01/1980");
+        maitre->setBody(PackerBody(champs));
+        maitre->setLocation(QStringLiteral("Séance"));
+        maitre->CreateRecurrence();
+        QVERIFY(calendrier()->AddEvent(maitre));
+        const QList<CalendarEventPtr> mardi = calendrier()->RetrieveDayEvents(QDate(2026, 3, 3));
+        QCOMPARE(mardi.size(), 1);
+        QCOMPARE(mardi.first()->RecurrenceState(), int(CalendarEvent::Occurrence));
+
+        auto d = std::make_unique<frmEditEvent>(calendrier(), m_fenetre.get());
+        d->ModifyEvent(mardi.first());
+        QCOMPARE(d->evenement()->RecurrenceState(), int(CalendarEvent::Exception));
+        QCOMPARE(d->cmbStartDate->currentText(), QStringLiteral("03/03/2026"));
+        d->show();
+        d->txtLocation[0]->setText(QStringLiteral("Séance annulée"));
+        QTest::mouseClick(d->cmdOk[0], Qt::LeftButton);
+        QCOMPARE(d->result(), int(QDialog::Accepted));
+        QCOMPARE(relire(QDate(2026, 3, 3)).first()->Location(), QStringLiteral("Séance annulée"));
+        QCOMPARE(relire(QDate(2026, 3, 3)).first()->RecurrenceState(), int(CalendarEvent::Exception));
+        QCOMPARE(relire(QDate(2026, 3, 4)).first()->Location(), QStringLiteral("Séance"));
+        QCOMPARE(repondeur.appels().size(), 0);
+    }
+
+    // After the recurrence dialog the slot check runs again and meets this
+    // station's own row: the slot is told as held and the editor closes.
+    void recurrencePuisPlageReservee()
+    {
+        RepondeurScripte repondeur;
+        auto d = nouveau(dt("2026-03-02 10:30"), dt("2026-03-02 10:45"));
+        d->show();
+        int recurrences = 0;
+        ExecuteurInstalle executeur([&recurrences](QDialog &dlg) {
+            auto *r = qobject_cast<frmEditRecurrence *>(&dlg);
+            if (!r)
+                return int(QDialog::Rejected);
+            ++recurrences;
+            r->show();
+            QTest::mouseClick(r->btnOK, Qt::LeftButton);
+            return r->result();
+        });
+        QTest::mouseClick(d->btnRecurrence, Qt::LeftButton);
+        QCOMPARE(recurrences, 1);
+        QCOMPARE(d->evenement()->RecurrenceState(), int(CalendarEvent::Master));
+        QVERIFY(d->plageReservee());
+        QCOMPARE(repondeur.appels().size(), 1);
+        QCOMPARE(repondeur.appels().first().titre, QStringLiteral("Plage horaire réservée"));
+        QTRY_VERIFY(!d->isVisible());
+        QCOMPARE(d->result(), int(QDialog::Rejected));
+        QVERIFY(relire(QDate(2026, 3, 2)).isEmpty());
+        QCOMPARE(reservations(), QStringList{});
     }
 
     // A slot held by another dialog, of this station or another one: the
@@ -369,9 +453,6 @@ private slots:
         QCOMPARE(d->lblStatus->text(), QStringLiteral("Envoi de SMS non configuré"));
         QCOMPARE(repondeur.bips(), 3);
         QCOMPARE(repondeur.textes(), QStringList{});
-
-        if (qEnvironmentVariableIsSet("TAVONEL_CAPTURES"))
-            d->grab().save(qEnvironmentVariable("TAVONEL_CAPTURES") + QStringLiteral("/frmEditEvent.png"));
     }
 };
 
