@@ -4,12 +4,16 @@
 #include "appointments/frmeditrecurrence.h"
 #include "appointments/impressionticket.h"
 #include "calendar/calendardataprovider.h"
+#include "messaging/gsmmodem.h"
+#include "messaging/mailreminder.h"
+#include "messaging/smstext.h"
 #include "patients/bouclesrecherche.h"
 #include "patients/dialoguesouverts.h"
 #include "patients/gestiontype.h"
 #include "rules/frmpraticiens.h"
 #include "rules/praticiens.h"
 #include "shell/appstate.h"
+#include "shell/config.h"
 #include "shell/horloge.h"
 #include "shell/nombres.h"
 #include "shell/prompt.h"
@@ -805,17 +809,47 @@ void frmEditEvent::proprietes()
         txtMarkupText->setPlainText(m_pEditedEvent->CustomProperties().GetProperty(EntreeMarkup).toString());
 }
 
+QDateTime frmEditEvent::debutAffiche() const
+{
+    const QDateTime debut = DateFromString(cmbStartDate->currentText(), cmbStartTime->currentText());
+    if (debut.isValid() || !m_pEditedEvent)
+        return debut;
+    return m_pEditedEvent->StartDateTime();
+}
+
 void frmEditEvent::envoyerSMS()
 {
-    // The single sending is not wired to the modem yet.
-    setStatus(QStringLiteral("Envoi de SMS non configuré"));
-    Prompt::bip();
+    if (!appState().RappelsSMS) {
+        setStatus(QStringLiteral("Envoi de SMS non configuré"));
+        Prompt::bip();
+        return;
+    }
+    setStatus(QStringLiteral("Envoi du SMS...."));
+    const QString sms = QStringLiteral("SMS");
+    const QString texte = BuildSMSText(
+        LireConfig(sms, QStringLiteral("First"),
+                   QStringLiteral("Le secrétariat du Cabinet médical vous rappelle votre rendez-vous avec le")),
+        lblPraticien->text(), TexteDateRendezVous(debutAffiche()), LireConfig(sms, QStringLiteral("Last"), QString()));
+    // The port is opened for this one message and closed again.
+    GsmModem modem(GsmModem::Copie::Envoi);
+    const QString statut = EnvoyerSMSSeul(modem, PortModem(), CleanPhoneNumber(txtBody[ChampRdv::Portable]->text()), texte);
+    GsmModem::restaurerPointeur();
+    setStatus(statut);
 }
 
 void frmEditEvent::envoyerMail()
 {
-    setStatus(QStringLiteral("Envoi de mails non configuré"));
-    Prompt::bip();
+    if (!appState().RappelsMails) {
+        setStatus(QStringLiteral("Envoi de mails non configuré"));
+        Prompt::bip();
+        return;
+    }
+    const QString mails = QStringLiteral("Mails");
+    auto lire = [&mails](const char *item) { return LireConfig(mails, QString::fromLatin1(item), QString()); };
+    const QString erreur =
+        SendMailReminder(lire("From"), txtBody[ChampRdv::Mel]->text(), lire("SMTP"), lire("Subject"), lire("First"), lire("Last"),
+                         TexteDateRendezVous(debutAffiche()), lblPraticien->text());
+    setStatus(erreur.isEmpty() ? QStringLiteral("Envoi du mail : OK") : QStringLiteral("Erreur d'envoi du mail ..."));
 }
 
 void frmEditEvent::majCouleurLibelle()

@@ -126,6 +126,9 @@ private:
     void basculerMarkup();
     void recurrence();
     void proprietes();
+    // The start as the date controls show it (the record's when they hold
+    // no valid date).
+    [[nodiscard]] QDateTime debutAffiche() const;
     void envoyerSMS();
     void envoyerMail();
     void majCouleurLibelle();

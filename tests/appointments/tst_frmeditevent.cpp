@@ -3,6 +3,7 @@
 #include "appointments/frmeditevent.h"
 #include "appointments/frmeditrecurrence.h"
 #include "calendar/calendardataprovider.h"
+#include "messaging/smtpsink.h"
 #include "patients/bouclesrecherche.h"
 #include "patients/gestiontype.h"
 #include "patients/recherchepatient.h"
@@ -424,9 +425,9 @@ private slots:
     }
 
     // The telephone fields take digits, blanks, "." and "+" only; a number
-    // too short is red and keeps the focus; the send buttons tell that
-    // sending is not set up.
-    void telephonesEtEnvois()
+    // too short is red and keeps the focus; a good one turns the SMS button
+    // and the reminder on.
+    void telephones()
     {
         RepondeurScripte repondeur;
         appState().RappelsSMS = true;
@@ -449,10 +450,49 @@ private slots:
         QTest::keyClick(d->txtBody[4], Qt::Key_Tab);
         QVERIFY(d->btnSMS->isEnabled());
         QVERIFY(d->chkReminder->isEnabled());
+        QCOMPARE(repondeur.textes(), QStringList{});
+    }
+
+    // The two single send buttons report in the status line only: not set
+    // up, a modem port that does not open, a mail that went out.
+    void envoisSimples()
+    {
+        RepondeurScripte repondeur;
+        auto d = nouveau(dt("2026-03-02 09:00"), dt("2026-03-02 09:15"));
+        d->show();
+        d->txtBody[4]->setText(QStringLiteral("0612345678"));
+        d->txtBody[13]->setText(QStringLiteral("jean.dupont@exemple.fr"));
+        d->btnSMS->setEnabled(true);
+        d->btnMail->setEnabled(true);
         QTest::mouseClick(d->btnSMS, Qt::LeftButton);
         QCOMPARE(d->lblStatus->text(), QStringLiteral("Envoi de SMS non configuré"));
-        QCOMPARE(repondeur.bips(), 3);
+        QTest::mouseClick(d->btnMail, Qt::LeftButton);
+        QCOMPARE(d->lblStatus->text(), QStringLiteral("Envoi de mails non configuré"));
+        QCOMPARE(repondeur.bips(), 2);
+
+        // No modem port set for the agenda (COM "0").
+        appState().RappelsSMS = true;
+        QTest::mouseClick(d->btnSMS, Qt::LeftButton);
+        QCOMPARE(d->lblStatus->text(), QStringLiteral("Port Com 0 inaccessible"));
+
+        SmtpSink serveur;
+        QString erreur;
+        QVERIFY2(serveur.demarrer(&erreur), qPrintable(erreur));
+        EcrireConfig(QStringLiteral("Mails"), QStringLiteral("From"), QStringLiteral("cabinet@exemple.fr"));
+        EcrireConfig(QStringLiteral("Mails"), QStringLiteral("SMTP"), serveur.adresse());
+        EcrireConfig(QStringLiteral("Mails"), QStringLiteral("Subject"), QStringLiteral("Votre rendez-vous"));
+        appState().RappelsMails = true;
+        QTest::mouseClick(d->btnMail, Qt::LeftButton);
+        QCOMPARE(d->lblStatus->text(), QStringLiteral("Envoi du mail : OK"));
+        QCOMPARE(serveur.messages().size(), 1);
+        QCOMPARE(serveur.messages().first().rcptTo, QStringList{QStringLiteral("jean.dupont@exemple.fr")});
+        QVERIFY(serveur.messages().first().data.contains("lundi 02 mars 2026"));
+
+        EcrireConfig(QStringLiteral("Mails"), QStringLiteral("SMTP"), QStringLiteral("127.0.0.1:1"));
+        QTest::mouseClick(d->btnMail, Qt::LeftButton);
+        QCOMPARE(d->lblStatus->text(), QStringLiteral("Erreur d'envoi du mail ..."));
         QCOMPARE(repondeur.textes(), QStringList{});
+        QCOMPARE(repondeur.bips(), 2);
     }
 };
 
