@@ -148,7 +148,6 @@ void frmEditEvent::construire()
         } else {
             txtBody[i]->setVisible(false);
         }
-        txtBody[i]->installEventFilter(this);
     }
     lblAge = new QLabel(groupePatient);
     lblAge->setObjectName(QStringLiteral("lblAge"));
@@ -196,7 +195,6 @@ void frmEditEvent::construire()
     for (int i = 0; i < 2; ++i) {
         txtLocation[i] = new QLineEdit(groupeRdv);
         txtLocation[i]->setObjectName(QStringLiteral("txtLocation(%1)").arg(i));
-        txtLocation[i]->installEventFilter(this);
         lblLocation[i] = libelle(QString::fromUtf8(textesLocation[i]), groupeRdv, txtLocation[i]);
         lblLocation[i]->setObjectName(QStringLiteral("lblLocation(%1)").arg(i));
         grilleRdv->addWidget(lblLocation[i], 0, i * 2);
@@ -207,8 +205,6 @@ void frmEditEvent::construire()
     cmbStartTime = comboSaisie(groupeRdv, QStringLiteral("cmbStartTime"), 5);
     cmbEndDate = comboSaisie(groupeRdv, QStringLiteral("cmbEndDate"), 10);
     cmbEndTime = comboSaisie(groupeRdv, QStringLiteral("cmbEndTime"), 5);
-    for (QComboBox *c : {cmbStartDate, cmbStartTime, cmbEndDate, cmbEndTime})
-        c->lineEdit()->installEventFilter(this);
     lblStartDate = libelle(QStringLiteral("Rendez vous le : "), groupeRdv, cmbStartDate);
     lblStartDate->setObjectName(QStringLiteral("lblStartDate"));
     lblEndDate = libelle(QStringLiteral("jusqu'au : "), groupeRdv, cmbEndDate);
@@ -278,7 +274,6 @@ void frmEditEvent::construire()
 
     txtSubject = new QLineEdit(groupeRdv);
     txtSubject->setObjectName(QStringLiteral("txtSubject"));
-    txtSubject->installEventFilter(this);
     lblSubject = libelle(QStringLiteral("Sub&ject:"), groupeRdv, txtSubject);
     lblSubject->setObjectName(QStringLiteral("lblSubject"));
     grilleRdv->addWidget(lblSubject, 7, 0);
@@ -294,7 +289,6 @@ void frmEditEvent::construire()
     txtMarkupText->setObjectName(QStringLiteral("txtMarkupText"));
     txtMarkupText->setTabChangesFocus(true);
     txtMarkupText->setFixedHeight(90);
-    txtMarkupText->installEventFilter(this);
     colMarkup->addWidget(txtMarkupText);
     principal->addWidget(frmMarkup);
 
@@ -341,6 +335,15 @@ void frmEditEvent::construire()
     lblStatus->setFrameShadow(QFrame::Sunken);
     lblStatus->setMinimumHeight(lblStatus->fontMetrics().height() + 6);
     principal->addWidget(lblStatus);
+
+    // Every text of the dialog goes through the keyboard filter. An editable
+    // combo box hands some events straight to its line edit, and others
+    // arrive there first: both are watched.
+    const QList<QWidget *> saisies = findChildren<QWidget *>();
+    for (QWidget *w : saisies) {
+        if (qobject_cast<QLineEdit *>(w) || qobject_cast<QComboBox *>(w) || qobject_cast<QPlainTextEdit *>(w))
+            w->installEventFilter(this);
+    }
 
     setTabOrder(txtBody[ChampRdv::Nom], txtBody[ChampRdv::Prenom]);
     setTabOrder(txtBody[ChampRdv::Prenom], txtBody[ChampRdv::DateNaissance]);
@@ -734,7 +737,7 @@ bool frmEditEvent::eventFilter(QObject *objet, QEvent *evenement)
             if (objet == txtBody[champ] && sortieVersControle(static_cast<QFocusEvent *>(evenement)) && isVisible())
                 verifierEnSortie(champ);
         }
-        if (objet == cmbStartTime->lineEdit())
+        if (objet == cmbStartTime || objet == cmbStartTime->lineEdit())
             remplirHeuresFin();
     }
     return QDialog::eventFilter(objet, evenement);

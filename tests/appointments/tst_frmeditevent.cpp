@@ -450,6 +450,16 @@ private slots:
         QTest::keyClick(d->txtBody[4], Qt::Key_Tab);
         QVERIFY(d->btnSMS->isEnabled());
         QVERIFY(d->chkReminder->isEnabled());
+
+        // Leaving the start time rebuilds the end list from it; the end
+        // typed stays. The date combo boxes filter their keys too.
+        d->cmbStartTime->setFocus();
+        d->cmbStartTime->setEditText(QStringLiteral("10:00"));
+        d->cmbStartDate->setFocus();
+        QCOMPARE(d->cmbEndTime->itemText(0), QStringLiteral("10:05 (Rdv de 5 Minutes)"));
+        QCOMPARE(d->cmbEndTime->currentText(), QStringLiteral("09:15"));
+        taper(d->cmbStartDate, QStringLiteral("#"));
+        QVERIFY(d->cmbStartDate->currentText().endsWith(u'_'));
         QCOMPARE(repondeur.textes(), QStringList{});
     }
 
