@@ -125,49 +125,6 @@ private slots:
         QCOMPARE(lues.fin, fin);
     }
 
-    void premierControleFaux_data()
-    {
-        QTest::addColumn<QStringList>("textes");
-        QTest::addColumn<int>("controle");
-        QTest::newRow("tout bon") << QStringList{"02/03/2026", "09:00", "02/03/2026", "09:15"} << int(ControleDate::Aucun);
-        QTest::newRow("date de début") << QStringList{"", "x", "", "x"} << int(ControleDate::DateDebut);
-        QTest::newRow("heure de début") << QStringList{"02/03/2026", "9h", "x", "x"} << int(ControleDate::HeureDebut);
-        QTest::newRow("date de fin") << QStringList{"02/03/2026", "09:00", "32/03/2026", "x"} << int(ControleDate::DateFin);
-        QTest::newRow("heure de fin") << QStringList{"02/03/2026", "09:00", "02/03/2026", "09:15 (Rdv"}
-                                      << int(ControleDate::HeureFin);
-    }
-    void premierControleFaux()
-    {
-        QFETCH(QStringList, textes);
-        QFETCH(int, controle);
-        QCOMPARE(int(ValidateDates({textes[0], textes[1], textes[2], textes[3]})), controle);
-    }
-
-    void clavier_data()
-    {
-        QTest::addColumn<QString>("tape");
-        QTest::addColumn<QString>("recu");
-        QTest::addColumn<QString>("telephone");
-        QTest::newRow("séparateurs") << "§#*&\"" << "_____" << "";
-        QTest::newRow("texte ordinaire") << "Élodie 'O'Neil' 12%" << "Élodie 'O'Neil' 12%" << "  12";
-        QTest::newRow("numéro") << "+33 6.12" << "+33 6.12" << "+33 6.12";
-    }
-    void clavier()
-    {
-        QFETCH(QString, tape);
-        QFETCH(QString, recu);
-        QFETCH(QString, telephone);
-        QString filtre;
-        QString admis;
-        for (QChar c : tape) {
-            filtre += FiltrerCaractere(c);
-            if (CaractereTelephone(c))
-                admis += c;
-        }
-        QCOMPARE(filtre, recu);
-        QCOMPARE(admis, telephone);
-    }
-
     void reservation()
     {
         RepondeurScripte repondeur;
@@ -194,18 +151,6 @@ private slots:
         LibererReservations();
         QCOMPARE(lignesIni(), QStringList{QStringLiteral("02/03/2026 10:00:00|Réservation|POSTE2 - docteur")});
         QCOMPARE(repondeur.appels().size(), 0);
-    }
-
-    void champs()
-    {
-        const QString sterling = QStringLiteral("£");
-        QCOMPARE(ChampNaissanceSansPatient(QStringLiteral("01/02/1970"), true), "01/02/1970" + sterling);
-        QCOMPARE(ChampNaissanceSansPatient("x" + sterling, true), "x" + sterling);
-        QCOMPARE(ChampNaissanceSansPatient(sterling + "x" + sterling, false), QStringLiteral("x"));
-        QVERIFY(!PatientDejaVu(QStringLiteral("Agenda")));
-        QVERIFY(!PatientDejaVu(QStringLiteral("Base Agenda 2")));
-        QVERIFY(PatientDejaVu(QStringLiteral("CAB1")));
-        QVERIFY(PatientDejaVu(QStringLiteral("agenda")));
     }
 
     void champManquant_data()
@@ -265,17 +210,6 @@ private slots:
         QCOMPARE(a.rouge, rouge);
         QCOMPARE(a.bouton ? int(*a.bouton) : -1, bouton);
         QCOMPARE(a.rappelActif ? int(*a.rappelActif) : -1, rappel);
-    }
-
-    void validiteSansRappelsSMS()
-    {
-        // Without SMS reminders chkReminder is never touched, and the SMS
-        // button stays off for a good number.
-        const AffichageValidite a = ValiditeChamp(ChampRdv::Portable, QStringLiteral("0612345678"), false, true, false, false);
-        QCOMPARE(a.bouton, std::optional<bool>(false));
-        QCOMPARE(a.rappelActif, std::nullopt);
-        const AffichageValidite b = ValiditeChamp(ChampRdv::Mel, QStringLiteral("x"), false, true, false, true);
-        QCOMPARE(b.rappelActif, std::nullopt);
     }
 
     // The reminder of the record against the box: a checked box always
@@ -406,13 +340,6 @@ private slots:
         QCOMPARE(t.sujet, QString());
     }
 
-    void texteModification()
-    {
-        CalendarEventPtr e = CalendarEvent::create();
-        e->setCreationTime(QDateTime(QDate(2026, 3, 1), QTime(8, 0, 5)));
-        e->setLastModificationTime(QDateTime(QDate(2026, 3, 2), QTime(17, 45, 0)));
-        QCOMPARE(TexteModification(*e), QStringLiteral("Rendez-vous pris le 01/03/2026 08:00:05 modifié le 02/03/2026 17:45:00"));
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_editionrdv)
