@@ -28,7 +28,10 @@ class QStackedWidget;
 // a master is edited as given). On return `event` is the dialog's record,
 // whatever the way out: a master after OK or cancel (for an occurrence or an
 // exception, a copy of the series' master), a plain event after "Annuler la
-// récurrence". The answer tells how the dialog was left.
+// récurrence". A plain appointment becomes a series as the dialog opens, so
+// that after a cancel too the caller holds a master of a daily series. The
+// answer tells how the dialog was left; the editor redraws its record when the
+// answer is not Annule or when the recurrence state differs from before.
 class frmEditRecurrence final : public QDialog
 {
     Q_OBJECT

@@ -188,6 +188,7 @@ private slots:
     // plain appointment, then worked out into its days.
     void hebdomadaireJusquAUneDate()
     {
+        RepondeurScripte repondeur;
         const CalendarEventPtr original = rendezVous();
         CalendarEventPtr event = original;
         const int resultat = editer(event, [](frmEditRecurrence &d) {
@@ -203,6 +204,7 @@ private slots:
             cliquer(&d, "btnOK");
         });
         QCOMPARE(resultat, int(frmEditRecurrence::Valide));
+        QVERIFY(repondeur.appels().isEmpty());
         QVERIFY(event != original);
         QCOMPARE(original->RecurrenceState(), int(CalendarEvent::NotRecurring));
         QCOMPARE(event->RecurrenceState(), int(CalendarEvent::Master));
@@ -222,6 +224,7 @@ private slots:
     {
         RepondeurScripte repondeur;
         repondeur.repondre(Prompt::Reponse::Annuler);
+        repondeur.repondre(Prompt::Reponse::Annuler);
         repondeur.repondre(Prompt::Reponse::Ok);
         CalendarEventPtr event = serie(2)->CloneEvent();
         const CalendarRecurrencePatternPtr p = event->RecurrencePattern();
@@ -230,6 +233,12 @@ private slots:
             cliquer(&d, "btnOK");
             QVERIFY(d.isVisible());
             QCOMPARE(p->ExceptionsCount(), 2);
+            // Declined after a change: the series already holds the change.
+            cliquer(&d, "optRecWeekly");
+            cliquer(&d, "btnOK");
+            QVERIFY(d.isVisible());
+            QCOMPARE(p->Options().RecurrenceType(), int(CalendarRecurrenceOptions::Weekly));
+            QCOMPARE(p->ExceptionsCount(), 2);
             cliquer(&d, "btnOK");
         });
         QCOMPARE(resultat, int(frmEditRecurrence::Valide));
@@ -237,7 +246,9 @@ private slots:
         QCOMPARE(p->ExceptionsCount(), 0);
         const QString question =
             QStringLiteral("Toutes les exceptions associées à cette récurrence seront perdues. Êtes vous d'accord ? ");
-        QCOMPARE(repondeur.textes(), (QStringList{question, question}));
+        QCOMPARE(repondeur.textes(), (QStringList{question, question, question}));
+        QCOMPARE(repondeur.appels().constLast().titre, QStringLiteral("Tavonel"));
+        QCOMPARE(repondeur.appels().constLast().boutons, Prompt::Boutons::OkAnnuler);
         QCOMPARE(repondeur.imprevus(), 0);
     }
 
@@ -251,15 +262,26 @@ private slots:
         QCOMPARE(event->StartDateTime(), QDateTime(QDate(2026, 3, 2), QTime(9, 0)));
     }
 
-    // Opened on an occurrence, the dialog edits the series; after a cancel the
-    // caller holds the master, and the shared series is as it was.
+    // Opened on an occurrence or an exception, the dialog edits a copy of
+    // the series; after a cancel the caller holds that master, and the shared
+    // series is as it was.
+    void occurrencePuisAnnuler_data()
+    {
+        QTest::addColumn<bool>("exception");
+        QTest::newRow("occurrence") << false;
+        QTest::newRow("exception") << true;
+    }
     void occurrencePuisAnnuler()
     {
-        const CalendarEventPtr maitre = serie(0);
-        CalendarEventPtr event = CalendarEvent::CreateOccurrence(maitre, QDateTime(QDate(2026, 3, 5), QTime(9, 0)),
-                                                                 QDateTime(QDate(2026, 3, 5), QTime(9, 30)));
+        QFETCH(bool, exception);
+        const CalendarEventPtr maitre = serie(1);
+        CalendarEventPtr event = exception ? maitre->RecurrencePattern()->Exceptions().constFirst()
+                                           : CalendarEvent::CreateOccurrence(maitre, QDateTime(QDate(2026, 3, 5), QTime(9, 0)),
+                                                                             QDateTime(QDate(2026, 3, 5), QTime(9, 30)));
+        QCOMPARE(event->RecurrenceState(), exception ? 3 : 2);
         const int resultat = editer(event, [](frmEditRecurrence &d) {
             QVERIFY(d.Occurrence());
+            QVERIFY(d.btnRemoveRecurrence->isEnabled());
             QCOMPARE(d.ddPatternStartDate->date(), QDate(2026, 3, 2));
             d.cmbEventStartTime->setCurrentIndex(28);
             QCOMPARE(d.txtEventEndTime->text(), QStringLiteral("14:30"));
@@ -269,7 +291,45 @@ private slots:
         QCOMPARE(event->RecurrenceState(), int(CalendarEvent::Master));
         QCOMPARE(event->EventID(), 12);
         QVERIFY(event != maitre);
+        QVERIFY(event->RecurrencePattern() != maitre->RecurrencePattern());
+        QCOMPARE(event->RecurrencePattern()->ExceptionsCount(), 1);
         QCOMPARE(maitre->RecurrencePattern()->StartTime(), QTime(9, 0));
+    }
+
+    // The series is made when the dialog opens: a cancel on a plain
+    // appointment still hands back a master of a daily series (the record
+    // handed in is left alone), which the editor then shows.
+    void rendezVousSimplePuisAnnuler()
+    {
+        const CalendarEventPtr original = rendezVous();
+        CalendarEventPtr event = original;
+        const int resultat = editer(event, [](frmEditRecurrence &d) { QTest::keyClick(&d, Qt::Key_Escape); });
+        QCOMPARE(resultat, int(frmEditRecurrence::Annule));
+        QVERIFY(event != original);
+        QCOMPARE(original->RecurrenceState(), int(CalendarEvent::NotRecurring));
+        QCOMPARE(event->RecurrenceState(), int(CalendarEvent::Master));
+        QCOMPARE(event->RecurrencePattern()->Options().RecurrenceType(), int(CalendarRecurrenceOptions::Daily));
+        QCOMPARE(event->RecurrencePattern()->DurationMinutes(), 45);
+    }
+
+    void serieIntrouvable()
+    {
+        RepondeurScripte repondeur;
+        CalendarEventPtr exception;
+        CalendarRecurrencePatternPtr p;
+        {
+            const CalendarEventPtr maitre = serie(1);
+            p = maitre->RecurrencePattern();
+            exception = p->Exceptions().constFirst();
+        }
+        CalendarEventPtr event = exception;
+        bool ouvert = false;
+        const int resultat = editer(event, [&](frmEditRecurrence &) { ouvert = true; });
+        QCOMPARE(resultat, int(frmEditRecurrence::Annule));
+        QVERIFY(!ouvert);
+        QCOMPARE(event, exception);
+        QCOMPARE(repondeur.appels().size(), 1);
+        QCOMPARE(repondeur.appels().constFirst().titre, QStringLiteral("Erreur"));
     }
 
     void saisieDesHeures()
@@ -283,8 +343,6 @@ private slots:
             QTest::keyClicks(debut, QStringLiteral(":30"));
             QCOMPARE(d.txtEventEndTime->text(), QStringLiteral("15:15"));
             QCOMPARE(d.Pattern()->StartTime(), QTime(14, 30));
-            taper(d.cmbEventDuration->lineEdit(), QStringLiteral("2 heures"));
-            QCOMPARE(d.txtEventEndTime->text(), QStringLiteral("14:32"));
 
             // A start that is no time keeps the dialog open with a message.
             taper(debut, QStringLiteral("1430"));
@@ -298,7 +356,6 @@ private slots:
         });
         QCOMPARE(resultat, int(frmEditRecurrence::Valide));
         QCOMPARE(event->RecurrencePattern()->StartTime(), QTime(16, 0));
-        QCOMPARE(event->RecurrencePattern()->DurationMinutes(), 2);
     }
 };
 
