@@ -8,7 +8,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QFont>
 #include <QLocale>
 #include <QPageLayout>
@@ -187,7 +186,7 @@ TicketCompose ComposerTicket(const ReglagesTicket &reglages, const DonneesTicket
 
     f.taper(QStringLiteral("A ") + donnees.heure.toString(QStringLiteral("hh' H 'mm")));
     f.sauter();
-    // The blank line lets a roll printer feed the paper past its cutter.
+    // Ten blanks end the ticket; the 80 mm roll gets a line of stars below.
     f.taper(QString(10, QLatin1Char(' ')));
     if (format->nom == FormatRouleau80) {
         f.sauter(2);

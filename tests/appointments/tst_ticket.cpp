@@ -189,7 +189,6 @@ private Q_SLOTS:
             {S + "DUPONT" + S + "Jean" + S + "01/02/1960" + S + S, {"DUPONT", "Jean"}},
             {"Réunion" + S + "Laboratoire" + S + QStringLiteral("\u00A3") + S + S, {"Réunion", "Laboratoire"}},
             {QStringLiteral("texte d'un ancien rendez-vous"), {"", ""}},
-            {S, {"", ""}},
         };
         for (const auto &[corps, noms] : cas) {
             const CalendarEventPtr rdv = CalendarEvent::create();
