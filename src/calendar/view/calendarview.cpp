@@ -1,6 +1,7 @@
 #include "calendar/view/calendarview.h"
 
 #include "calendar/calendardataprovider.h"
+#include "calendar/view/colorationregles.h"
 #include "calendar/view/daypane.h"
 #include "calendar/view/monthpane.h"
 #include "calendar/view/weekpane.h"
@@ -113,9 +114,9 @@ void CalendarView::setTimeScale(int minutes)
     static const int scales[] = {60, 30, 15, 10, 5};
     if (std::find(std::begin(scales), std::end(scales), minutes) == std::end(scales))
         return;
+    const int old = m_timeScale;
     m_timeScale = minutes;
-    m_dayPane->setDays(m_type == CalendarViewType::Day || m_type == CalendarViewType::WorkWeek ? m_days
-                                                                                                 : m_dayPane->daysFor(m_anchor));
+    m_dayPane->timeScaleChanged(old);
     panesChanged();
 }
 
@@ -164,6 +165,8 @@ void CalendarView::ShowDay(const QDate &day)
     m_selection = s;
     m_selectedEvents.clear();
     Populate();
+    if (currentPane() == m_dayPane)
+        m_dayPane->ensureVisible(s.begin);
     emit viewChanged();
     emit selectionChanged();
 }
@@ -262,10 +265,8 @@ const CalendarLabelList &CalendarView::labels() const { return m_labels; }
 QColor CalendarView::labelColor(int labelId) const
 {
     for (const CalendarLabel &l : m_labels) {
-        if (l.id == labelId) {
-            // Stored as 0xBBGGRR.
-            return QColor(int(l.color & 0xFF), int((l.color >> 8) & 0xFF), int((l.color >> 16) & 0xFF));
-        }
+        if (l.id == labelId)
+            return CouleurDepuisBGR(l.color);
     }
     return QColor(255, 255, 255);
 }

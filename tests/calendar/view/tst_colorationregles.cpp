@@ -1,0 +1,144 @@
+#include "calendar/view/calendarview.h"
+#include "calendar/view/colorationregles.h"
+#include "calendar/view/daypane.h"
+#include "rules/regles.h"
+#include "shell/appstate.h"
+#include "shell/config.h"
+#include "shell/horloge.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+// Day-view cells coloured by the schedule rules of a real Config.mdb: the
+// rule of the cell's begin gives the colour, the pause greys the cells of
+// weekdays and Saturdays, a selected cell is left alone.
+class tst_colorationregles : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+
+    // 23 November 2026 is a Monday.
+    static QDateTime lundi(int h, int m) { return QDateTime(QDate(2026, 11, 23), QTime(h, m)); }
+
+    static void regle(int jour, QTime debut, QTime fin, qint32 couleur)
+    {
+        Regle r;
+        r.DateDebut = QDate(2026, 1, 1);
+        r.DateFin = QDate(2026, 12, 31);
+        r.HeureDebut = debut;
+        r.HeureFin = fin;
+        r.JourNumero = static_cast<qint16>(jour);
+        r.Semaine = 3;
+        r.PraticienNumero = 1;
+        r.Praticien = QStringLiteral("Dr Martin");
+        r.TypeRV = 1;
+        r.TypeText = QStringLiteral("Consultation");
+        r.TypeColor = couleur;
+        QString erreur;
+        QVERIFY2(AjouterRegle(*appState().ConfigDb, r, &erreur) != 0, qPrintable(erreur));
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        const QString dossier = m_dir.path() + u'/';
+        QVERIFY(CreerBaseConfig(dossier));
+        QVERIFY(OuvrirConfig(dossier + QStringLiteral("Config.mdb")));
+        // Monday mornings green (0xBBGGRR: red 0x80, green 0xFF, blue 0x00),
+        // a red-ish slot inside Monday's pause.
+        regle(2, QTime(9, 0), QTime(12, 0), 0x00FF80);
+        regle(2, QTime(13, 0), QTime(13, 29, 59), 0x4040C0);
+        // A rule of colour 0 (black) leaves the cell as it is.
+        regle(3, QTime(9, 0), QTime(10, 0), 0);
+    }
+
+    void cleanupTestCase() { FermerConfig(); }
+
+    void cellule_data()
+    {
+        QTest::addColumn<QDateTime>("debut");
+        QTest::addColumn<bool>("selectionnee");
+        QTest::addColumn<QString>("pauseDebut");
+        QTest::addColumn<QColor>("attendue");
+
+        const QColor propre(250, 250, 250);
+        const QColor vert(0x80, 0xFF, 0x00);
+        const QColor gris(198, 198, 198);
+        QTest::newRow("règle du lundi matin") << lundi(10, 0) << false << "12:00:00" << vert;
+        QTest::newRow("fin de règle incluse, avant la pause") << lundi(11, 55) << false << "12:00:00" << vert;
+        QTest::newRow("la règle l'emporte sur la pause") << lundi(12, 0) << false << "12:00:00" << vert;
+        QTest::newRow("pause sans règle") << lundi(12, 30) << false << "12:00:00" << gris;
+        QTest::newRow("règle dans la pause") << lundi(13, 0) << false << "12:00:00" << QColor(0xC0, 0x40, 0x40);
+        QTest::newRow("fin de pause exclue") << lundi(14, 0) << false << "12:00:00" << propre;
+        QTest::newRow("cellule choisie intacte") << lundi(10, 0) << true << "12:00:00" << propre;
+        QTest::newRow("cellule choisie dans la pause") << lundi(12, 30) << true << "12:00:00" << propre;
+        QTest::newRow("pas de pause le dimanche") << lundi(12, 30).addDays(-1) << false << "12:00:00" << propre;
+        QTest::newRow("pause le samedi") << lundi(12, 30).addDays(5) << false << "12:00:00" << gris;
+        QTest::newRow("règle noire sans effet") << lundi(9, 30).addDays(1) << false << "12:00:00" << propre;
+        QTest::newRow("autre pause") << lundi(12, 15).addDays(1) << false << "12:30:00" << propre;
+        QTest::newRow("hors des dates des règles") << QDateTime(QDate(2027, 1, 4), QTime(10, 0)) << false << "12:00:00"
+                                                 << propre;
+    }
+    void cellule()
+    {
+        QFETCH(QDateTime, debut);
+        QFETCH(bool, selectionnee);
+        QFETCH(QString, pauseDebut);
+        QFETCH(QColor, attendue);
+        appState().PauseDebut = pauseDebut;
+        appState().PauseFin = QStringLiteral("14:00:00");
+        DayViewCell c{debut, debut.addSecs(30 * 60), selectionnee, QColor(250, 250, 250)};
+        ColorerCelluleSelonRegles(c);
+        QCOMPARE(c.background, attendue);
+    }
+
+    // The view runs the painter on every cell it draws: the grabbed pixels
+    // carry the rule colours, the pause, the theme's working hours and the
+    // selection.
+    void vueColoree()
+    {
+        appState().PauseDebut = QStringLiteral("12:00:00");
+        appState().PauseFin = QStringLiteral("14:00:00");
+        Horloge::Fixee horloge(lundi(7, 0));
+        CalendarView vue;
+        vue.resize(900, 1400);
+        vue.setTimeScale(30);
+        vue.setWorkingHours(QTime(8, 0), QTime(18, 0));
+        vue.ShowDay(QDate(2026, 11, 25));
+        int appels = 0;
+        vue.setCellPainter([&](DayViewCell &c) {
+            ++appels;
+            ColorerCelluleSelonRegles(c);
+        });
+        auto *volet = vue.findChild<DayPane *>();
+        QVERIFY(volet);
+        vue.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&vue));
+        vue.setScrollPosition(0);
+        appels = 0;
+        const QImage image = vue.grab().toImage();
+        // Every cell on show went through the painter, once.
+        const int lignes = (volet->bodyRect().height() + volet->rowHeight() - 1) / volet->rowHeight();
+        QCOMPARE(appels, 5 * std::min(48, lignes));
+
+        const CalendarTheme theme = vue.themeColors();
+        auto pixel = [&](const QDateTime &t) {
+            const QRect r = volet->cellRect(t);
+            return image.pixelColor(volet->mapTo(&vue, r.center()));
+        };
+        QCOMPARE(pixel(lundi(10, 0)), QColor(0x80, 0xFF, 0x00));
+        QCOMPARE(pixel(lundi(12, 30)), QColor(198, 198, 198));
+        QCOMPARE(pixel(lundi(13, 0)), QColor(0xC0, 0x40, 0x40));
+        QCOMPARE(pixel(lundi(16, 0)), theme.workingHours);
+        QCOMPARE(pixel(lundi(6, 0)), theme.window);
+        QCOMPARE(pixel(lundi(12, 30).addDays(4)), QColor(198, 198, 198));
+        // ShowDay selected the working day's begin of Wednesday.
+        QCOMPARE(pixel(lundi(8, 0).addDays(2)), theme.selection);
+    }
+};
+
+QTEST_MAIN(tst_colorationregles)
+#include "tst_colorationregles.moc"
