@@ -397,6 +397,9 @@ void frmEditEvent::remplirListes()
     cmbShowTimeAs->addItem(QStringLiteral("Non Arrivé"));
     const AppState &etat = appState();
     RemplirCombosDuree(cmbReminder, false, etat.RappelsSMS || etat.RappelsMails);
+    // The lead a reminder gets when the box is checked on a record that had
+    // none: the one a new appointment proposes.
+    cmbReminder->setEditText((etat.RappelsSMS || etat.RappelsMails) ? QStringLiteral("1 semaine") : QStringLiteral("15 minutes"));
     cmbEndTime->view()->setMinimumWidth(200);
     majCouleurLibelle();
 }

@@ -228,6 +228,7 @@ private slots:
         QCOMPARE(m->txtLocation[0]->text(), QStringLiteral("Contrôle _2 _ _suite_"));
         QCOMPARE(m->txtLocation[1]->text(), QStringLiteral("Dr Martin"));
         QCOMPARE(m->cmbEndTime->currentText(), QStringLiteral("10:00"));
+        QCOMPARE(m->cmbReminder->currentText(), QStringLiteral("15 minutes"));
         QCOMPARE(m->lblPraticien->text(), QStringLiteral("Praticien 2"));
         QVERIFY(m->lblModif->text().startsWith(QStringLiteral("Rendez-vous pris le ")));
         QCOMPARE(appState().PatientCourant.Telephone2, QStringLiteral("06 12 34 56 78"));
