@@ -285,6 +285,19 @@ private slots:
         QCOMPARE(relire(QDate(2026, 3, 3)).first()->Location(), QStringLiteral("Séance annulée"));
         QCOMPARE(relire(QDate(2026, 3, 3)).first()->RecurrenceState(), int(CalendarEvent::Exception));
         QCOMPARE(relire(QDate(2026, 3, 4)).first()->Location(), QStringLiteral("Séance"));
+
+        // The series itself: no date controls, the text of every other day
+        // changes, the exception stays.
+        auto serie = std::make_unique<frmEditEvent>(calendrier(), m_fenetre.get());
+        serie->ModifyEvent(calendrier()->GetEvent(maitre->EventID()));
+        serie->show();
+        QVERIFY(!serie->cmbStartDate->isVisible() && !serie->chkAllDayEvent->isVisible());
+        serie->txtLocation[0]->setText(QStringLiteral("Rééducation"));
+        QTest::mouseClick(serie->cmdOk[0], Qt::LeftButton);
+        QCOMPARE(serie->result(), int(QDialog::Accepted));
+        QCOMPARE(relire(QDate(2026, 3, 4)).first()->Location(), QStringLiteral("Rééducation"));
+        QCOMPARE(relire(QDate(2026, 3, 4)).first()->StartDateTime(), dt("2026-03-04 09:00"));
+        QCOMPARE(relire(QDate(2026, 3, 3)).first()->Location(), QStringLiteral("Séance annulée"));
         QCOMPARE(repondeur.appels().size(), 0);
     }
 
