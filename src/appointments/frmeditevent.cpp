@@ -65,6 +65,14 @@ QComboBox *comboSaisie(QWidget *parent, const QString &nom, int largeurCaractere
     return c;
 }
 
+// A reminder sent by SMS or mail goes out a week ahead; one on screen a
+// quarter of an hour ahead.
+QString dureeRappelProposee()
+{
+    const AppState &etat = appState();
+    return (etat.RappelsSMS || etat.RappelsMails) ? QStringLiteral("1 semaine") : QStringLiteral("15 minutes");
+}
+
 QLabel *libelle(const QString &texte, QWidget *parent, QWidget *copain = nullptr)
 {
     auto *l = new QLabel(texte, parent);
@@ -399,7 +407,7 @@ void frmEditEvent::remplirListes()
     RemplirCombosDuree(cmbReminder, false, etat.RappelsSMS || etat.RappelsMails);
     // The lead a reminder gets when the box is checked on a record that had
     // none: the one a new appointment proposes.
-    cmbReminder->setEditText((etat.RappelsSMS || etat.RappelsMails) ? QStringLiteral("1 semaine") : QStringLiteral("15 minutes"));
+    cmbReminder->setEditText(dureeRappelProposee());
     cmbEndTime->view()->setMinimumWidth(200);
     majCouleurLibelle();
 }
@@ -431,7 +439,7 @@ void frmEditEvent::NewEvent(const QDateTime &start, const QDateTime &end, bool a
     if (cmbSchedule->count() > 0 && scheduleIndex >= 0 && scheduleIndex < cmbSchedule->count())
         cmbSchedule->setCurrentIndex(scheduleIndex);
     cmbReminder->setEnabled(chkReminder->isChecked());
-    cmbReminder->setEditText((etat.RappelsSMS || etat.RappelsMails) ? QStringLiteral("1 semaine") : QStringLiteral("15 minutes"));
+    cmbReminder->setEditText(dureeRappelProposee());
     txtBody[ChampRdv::DatePrise]->setText(HorodatageRdv(Horloge::maintenant()));
     setWindowTitle(QStringLiteral("Nouveau Rendez-vous..."));
 }
