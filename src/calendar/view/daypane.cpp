@@ -86,7 +86,8 @@ void drawWrapped(QPainter &p, const QRect &r, const QString &text)
                 layout.endLayout();
                 return;
             }
-            p.drawText(r.left(), y, par.mid(line.textStart(), line.textLength()).trimmed());
+            // A word longer than the box is cut, not drawn over the neighbour.
+            p.drawText(r.left(), y, fm.elidedText(par.mid(line.textStart(), line.textLength()).trimmed(), Qt::ElideRight, r.width()));
             y += lineHeight;
         }
         layout.endLayout();
@@ -195,6 +196,8 @@ QRect DayPane::bodyRect() const
 {
     return QRect(m_timeWidth, bodyTop(), columnsWidth(), std::max(0, height() - bodyTop()));
 }
+
+QRect DayPane::allDayBandRect() const { return QRect(m_timeWidth, m_headerHeight, columnsWidth(), m_bandHeight); }
 
 QRect DayPane::timeScaleRect() const { return QRect(0, bodyTop(), m_timeWidth, std::max(0, height() - bodyTop())); }
 

@@ -37,6 +37,7 @@ public:
     [[nodiscard]] int rowHeight() const { return m_rowHeight; }
     [[nodiscard]] QRect bodyRect() const;
     [[nodiscard]] QRect timeScaleRect() const;
+    [[nodiscard]] QRect allDayBandRect() const;
     // The rectangle of a cell, scrolled as shown (may lie outside the body).
     [[nodiscard]] QRect cellRect(const QDateTime &begin) const;
     // Where an appointment is drawn in its first shown column (scrolled as

@@ -203,6 +203,7 @@ private Q_SLOTS:
         QTest::newRow("bas du rendez-vous") << 15 << "rdv bas" << int(HitEventResizeEnd) << jour(3, 11, 45);
         QTest::newRow("en-tête") << 30 << "entete ven" << int(HitDayHeader) << jour(4, 0);
         QTest::newRow("bande journée") << 30 << "bande ven" << int(HitAllDayBand) << jour(4, 0);
+        QTest::newRow("rendez-vous de la journée") << 30 << "bande mer" << int(HitEvent) << jour(2, 0);
     }
     void hitTest()
     {
@@ -211,6 +212,10 @@ private Q_SLOTS:
         QFETCH(int, zone);
         QFETCH(QDateTime, heure);
         QVERIFY(ajouter(jour(3, 11), jour(3, 12), QStringLiteral("rdv")));
+        CalendarEventPtr conge = m_provider->CreateNewEvent(jour(2, 0), jour(3, 0));
+        conge->setSubject(QStringLiteral("congé"));
+        conge->setIsAllDayEvent(true);
+        QVERIFY(m_provider->AddEvent(conge));
         m_view->setTimeScale(echelle);
         m_view->Populate();
         m_view->setScrollPosition(10 * 60 / echelle * volet()->rowHeight() - 40);
@@ -236,14 +241,15 @@ private Q_SLOTS:
                                                                        : QPoint(r.center().x(), r.bottom() - 1);
         } else {
             const QRect colonne = cellule(mots.at(1), QStringLiteral("10:00"));
-            p = QPoint(colonne.center().x(), mots.at(0) == u"entete" ? 3 : v->bodyRect().top() - 3);
+            p = QPoint(colonne.center().x(), mots.at(0) == u"entete" ? 3 : v->allDayBandRect().center().y());
         }
         const CalendarHit h = m_view->hitTest(versVue(p));
         QCOMPARE(h.area, zone);
         QCOMPARE(h.time, heure);
         QCOMPARE(bool(h.event), zone == HitEvent || zone == HitEventResizeBegin || zone == HitEventResizeEnd);
+        QCOMPARE(h.allDay, mots.at(0) == u"bande");
         if (h.event)
-            QCOMPARE(h.event->Subject(), QStringLiteral("rdv"));
+            QCOMPARE(h.event->Subject(), h.allDay ? QStringLiteral("congé") : QStringLiteral("rdv"));
     }
 
     // A, B and C of a chain of overlaps: A and B side by side, C under A;
