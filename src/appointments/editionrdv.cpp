@@ -1,0 +1,321 @@
+#include "appointments/editionrdv.h"
+
+#include "rules/praticiens.h"
+#include "shell/config.h"
+#include "shell/nombres.h"
+#include "shell/support.h"
+
+#include <QRegularExpression>
+
+namespace {
+
+// Day 0 of the date values that a time alone stands on.
+const QDate jourZero(1899, 12, 30);
+
+std::optional<QTime> lireHeure(const QString &texte)
+{
+    static const QRegularExpression forme(QStringLiteral(R"(^\s*(\d{1,2}):(\d{1,2})(?::(\d{1,2}))?\s*$)"));
+    const QRegularExpressionMatch m = forme.match(texte);
+    if (!m.hasMatch())
+        return std::nullopt;
+    const QTime t(m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).isEmpty() ? 0 : m.captured(3).toInt());
+    if (!t.isValid())
+        return std::nullopt;
+    return t;
+}
+
+// A date, a time, or a date and a time, as seconds from day 0.
+std::optional<qint64> lireValeur(const QString &texte)
+{
+    if (const QDate d = LireDateTexte(texte); d.isValid())
+        return jourZero.daysTo(d) * 86400;
+    if (const auto t = lireHeure(texte))
+        return t->msecsSinceStartOfDay() / 1000;
+    const QString simplifie = texte.simplified();
+    const qsizetype blanc = simplifie.indexOf(u' ');
+    if (blanc > 0) {
+        const QDate d = LireDateTexte(simplifie.left(blanc));
+        const auto t = lireHeure(simplifie.mid(blanc + 1));
+        if (d.isValid() && t)
+            return jourZero.daysTo(d) * 86400 + t->msecsSinceStartOfDay() / 1000;
+    }
+    return std::nullopt;
+}
+
+QDateTime depuisValeur(qint64 secondes)
+{
+    const qint64 jours = secondes >= 0 ? secondes / 86400 : -((-secondes + 86399) / 86400);
+    const qint64 reste = secondes - jours * 86400;
+    return QDateTime(jourZero.addDays(jours), QTime(0, 0).addSecs(static_cast<int>(reste)));
+}
+
+} // namespace
+
+QString TexteDateRdv(const QDate &date)
+{
+    return date.toString(QStringLiteral("dd/MM/yyyy"));
+}
+
+QString TexteHeureRdv(const QTime &heure)
+{
+    return heure.toString(QStringLiteral("HH:mm"));
+}
+
+QString TexteDateHeureDefaut(const QDateTime &moment)
+{
+    if (moment.time() == QTime(0, 0))
+        return TexteDateRdv(moment.date());
+    return moment.toString(QStringLiteral("dd/MM/yyyy HH:mm:ss"));
+}
+
+bool IsDateValid(const QString &texte)
+{
+    return lireValeur(texte).has_value();
+}
+
+QDateTime DateFromString(const QString &date, const QString &heure)
+{
+    const auto d = lireValeur(date);
+    const auto h = lireValeur(heure);
+    if (!d || !h)
+        return {};
+    return depuisValeur(*d + *h);
+}
+
+QStringList ListeHeuresDebut()
+{
+    QStringList heures;
+    for (int minutes = 5; minutes <= 23 * 60; minutes += 5)
+        heures << TexteHeureRdv(QTime(0, 0).addSecs(minutes * 60));
+    return heures;
+}
+
+QStringList ListeDatesDebut(const QDate &jour)
+{
+    QStringList dates;
+    for (int i = -7; i <= 7; ++i)
+        dates << TexteDateRdv(jour.addDays(i));
+    return dates;
+}
+
+QStringList ListeHeuresFin(const QString &heureDebut)
+{
+    const auto debut = lireValeur(heureDebut);
+    if (!debut)
+        return {};
+    QStringList heures;
+    for (int i = 1; i <= 24; ++i) {
+        const QTime t = depuisValeur(*debut + i * 5 * 60).time();
+        heures << TexteHeureRdv(t) + QStringLiteral(" (Rdv de ") + QString::number(5 * i) + QStringLiteral(" Minutes)");
+    }
+    return heures;
+}
+
+QString HeureDeLibelleFin(const QString &libelle)
+{
+    const qsizetype p = libelle.indexOf(QStringLiteral(" ("));
+    return p < 0 ? libelle : libelle.left(p);
+}
+
+DatesAffichees AfficherDates(const QDateTime &debut, const QDateTime &fin, bool jourEntier)
+{
+    QDate dernierJour = fin.date();
+    if (jourEntier && fin.time() == QTime(0, 0))
+        dernierJour = dernierJour.addDays(-1);
+    return {TexteDateRdv(debut.date()), TexteHeureRdv(debut.time()), TexteDateRdv(dernierJour), TexteHeureRdv(fin.time())};
+}
+
+DatesLues LireDates(const DatesAffichees &dates, bool jourEntier)
+{
+    DatesLues lues{DateFromString(dates.dateDebut, dates.heureDebut), DateFromString(dates.dateFin, dates.heureFin)};
+    if (jourEntier && lues.fin.isValid() && lues.fin.time() == QTime(0, 0))
+        lues.fin = lues.fin.addDays(1);
+    return lues;
+}
+
+ControleDate ValidateDates(const DatesAffichees &dates)
+{
+    if (!IsDateValid(dates.dateDebut))
+        return ControleDate::DateDebut;
+    if (!IsDateValid(dates.heureDebut))
+        return ControleDate::HeureDebut;
+    if (!IsDateValid(dates.dateFin))
+        return ControleDate::DateFin;
+    if (!IsDateValid(dates.heureFin))
+        return ControleDate::HeureFin;
+    return ControleDate::Aucun;
+}
+
+QString ValeurReservation()
+{
+    return NomOrdinateur() + QStringLiteral(" - ") + NomUtilisateur();
+}
+
+std::optional<QString> ReserverPlage(const QDateTime &debut)
+{
+    const QString section = TexteDateHeureDefaut(debut);
+    const QString item = QStringLiteral("Réservation");
+    const QString tenue = LireConfig(section, item, QString());
+    if (!tenue.isEmpty())
+        return tenue;
+    EcrireConfig(section, item, ValeurReservation());
+    return std::nullopt;
+}
+
+QString TextePlageReservee(const QString &valeur)
+{
+    return QStringLiteral("Cette plage horaire est déjà réservée par : ") + valeur + QStringLiteral("  ");
+}
+
+void LibererReservations()
+{
+    SupprimerReservation(ValeurReservation());
+}
+
+QChar FiltrerCaractere(QChar c)
+{
+    static const QString interdits = QStringLiteral("§#*&\"");
+    return interdits.contains(c) ? QChar(u'_') : c;
+}
+
+bool CaractereTelephone(QChar c)
+{
+    return QStringLiteral("1234567890 .+").contains(c);
+}
+
+QString ChampNaissanceSansPatient(const QString &champ, bool sansPatient)
+{
+    QString texte = champ;
+    if (sansPatient) {
+        if (!texte.contains(MarqueSansPatient))
+            texte += MarqueSansPatient;
+    } else {
+        texte.remove(MarqueSansPatient);
+    }
+    return texte;
+}
+
+bool PatientDejaVu(const QString &base)
+{
+    return !base.contains(QStringLiteral("Agenda"));
+}
+
+QString PraticienDuLibelle(const QString &libelle)
+{
+    return NomPraticien(libelle.contains(QStringLiteral("Praticien 1")) ? 1 : 2);
+}
+
+int ChampManquant(const ChampsRdv &champs)
+{
+    if (champs[ChampRdv::Nom].isEmpty())
+        return ChampRdv::Nom;
+    if (!champs[ChampRdv::DateNaissance].contains(MarqueSansPatient)) {
+        if (champs[ChampRdv::Prenom].isEmpty())
+            return ChampRdv::Prenom;
+        if (!IsDateValid(champs[ChampRdv::DateNaissance]))
+            return ChampRdv::DateNaissance;
+    }
+    return -1;
+}
+
+AffichageValidite ValiditeChamp(int champ, const QString &texte, bool rappelsSMS, bool rappelsMails, bool gardeRappel,
+                                bool autreBoutonActif)
+{
+    AffichageValidite a;
+    const bool mel = champ == ChampRdv::Mel;
+    const bool valide = mel ? MelValide(texte) : TelephoneValide(texte);
+    if (!valide) {
+        a.rouge = true;
+        if (champ == ChampRdv::Telephone)
+            return a;
+        a.bouton = false;
+        // Another channel may still carry the reminder.
+        if (rappelsSMS)
+            a.rappelActif = autreBoutonActif;
+        return a;
+    }
+    if (texte.isEmpty()) {
+        // Nothing to send to.
+        if (champ != ChampRdv::Telephone)
+            a.bouton = false;
+        return a;
+    }
+    if (champ == ChampRdv::Telephone)
+        return a;
+    a.bouton = mel ? rappelsMails : rappelsSMS;
+    if (gardeRappel)
+        a.rappelActif = true;
+    return a;
+}
+
+void LireSaisieDansEvenement(const SaisieRdv &saisie, CalendarEvent &evenement)
+{
+    const DatesLues dates = LireDates(saisie.dates, saisie.jourEntier);
+    if (evenement.RecurrenceState() != CalendarEvent::Master) {
+        evenement.setStartDateTime(dates.debut);
+        evenement.setEndDateTime(dates.fin);
+    }
+
+    evenement.setSubject(ConstruireSubject(saisie.champs));
+    evenement.setLocation(PackerLocation(saisie.motif, saisie.adressePar));
+    evenement.setBody(PackerBody(saisie.champs));
+
+    evenement.setIsAllDayEvent(saisie.jourEntier);
+    evenement.setLabelID(saisie.labelId);
+    evenement.setBusyStatus(saisie.presence);
+    if (saisie.scheduleId)
+        evenement.setScheduleID(*saisie.scheduleId);
+    evenement.setIsPrivate(saisie.prive);
+    evenement.setIsMeeting(saisie.dejaVu);
+
+    // The box is 0 or 1, the record's flag 0 or -1: a checked box never
+    // equals a set flag, so checking always rewrites the reminder.
+    const int caseRappel = saisie.rappel ? 1 : 0;
+    const int drapeau = evenement.IsReminder() ? -1 : 0;
+    if (caseRappel != drapeau) {
+        evenement.setIsReminder(saisie.rappel);
+        evenement.setReminderSoundFile(QString());
+    }
+    if (saisie.rappel && LireEntier(saisie.dureeRappel) != evenement.ReminderMinutesBeforeStart())
+        evenement.setReminderMinutesBeforeStart(DureeTexteVersMinutes(saisie.dureeRappel));
+
+    const QString markup = saisie.markup.trimmed();
+    if (markup.isEmpty())
+        evenement.CustomProperties().RemoveProperty(EntreeMarkup);
+    else
+        evenement.CustomProperties().SetProperty(EntreeMarkup, markup);
+}
+
+LectureSaisie LireEvenementDansSaisie(const CalendarEvent &evenement, SaisieRdv &saisie)
+{
+    LectureSaisie lecture;
+    const LectureBody lu = LireBody(evenement.Body(), saisie.champs);
+    lecture.ancienneForme = lu.ancienneForme;
+    lecture.sansPatient = lu.sansPatient;
+    if (lu.ancienneForme)
+        saisie.sujet = evenement.Subject();
+    const LocationLue location = LireLocation(evenement.Location());
+    saisie.motif = location.motif;
+    saisie.adressePar = location.adressePar;
+
+    saisie.jourEntier = evenement.IsAllDayEvent();
+    saisie.labelId = evenement.LabelID();
+    saisie.scheduleId = evenement.ScheduleID();
+    saisie.presence = evenement.BusyStatus();
+    saisie.prive = evenement.IsPrivate();
+    saisie.dejaVu = evenement.IsMeeting();
+    saisie.dates = AfficherDates(evenement.StartDateTime(), evenement.EndDateTime(), evenement.IsAllDayEvent());
+    if (evenement.IsReminder()) {
+        saisie.rappel = true;
+        saisie.dureeRappel = MinutesVersDureeTexte(evenement.ReminderMinutesBeforeStart());
+    }
+    saisie.markup = evenement.CustomProperties().GetProperty(EntreeMarkup).toString();
+    return lecture;
+}
+
+QString TexteModification(const CalendarEvent &evenement)
+{
+    const QString forme = QStringLiteral("dd/MM/yyyy HH:mm:ss");
+    return QStringLiteral("Rendez-vous pris le ") + evenement.CreationTime().toString(forme) + QStringLiteral(" modifié le ")
+           + evenement.LastModificationTime().toString(forme);
+}

@@ -1,0 +1,44 @@
+#include "rules/praticiens.h"
+
+#include "shell/appstate.h"
+#include "shell/config.h"
+#include "shell/nombres.h"
+
+QString ChosenPraticien;
+QString ChosenColor;
+qint16 ChosenNumero = 0;
+
+QString NomPraticien(int numero)
+{
+    const QString n = QString::number(numero);
+    return LireConfig(QStringLiteral("Praticien") + n, QStringLiteral("Nom"), QStringLiteral("Praticien ") + n);
+}
+
+QString CouleurPraticien(int numero)
+{
+    return LireConfig(QStringLiteral("RDVType1"), QStringLiteral("Couleur") + QString::number(numero), QStringLiteral("&HFFFFFF"));
+}
+
+void ChoisirPraticien(int index, const QString &legende, const QString &couleur)
+{
+    ChosenPraticien = legende;
+    ChosenNumero = static_cast<qint16>(index + 1);
+    ChosenColor = couleur;
+}
+
+const RegleMatch &ProposerPraticien(const QDateTime &debut, const ChoixPraticien &choisir)
+{
+    RegleMatch &regle = appState().RegleCourante;
+    regle = GetRegleForDate(debut.addSecs(1));
+    if (regle.Praticien.isEmpty() && choisir && choisir()) {
+        regle.Praticien = ChosenPraticien;
+        regle.PraticienNumero = ChosenNumero;
+        regle.TypeColor = static_cast<qint32>(LireEntier(ChosenColor) & 0xFFFFFF);
+    }
+    return regle;
+}
+
+int IndexLibelle(const RegleMatch &regle)
+{
+    return regle.TypeRV + (regle.PraticienNumero == 2 ? 8 : 0);
+}
