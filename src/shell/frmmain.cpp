@@ -1,5 +1,6 @@
 #include "shell/frmmain.h"
 
+#include "appointments/impressionticket.h"
 #include "appointments/miroir.h"
 #include "calendar/calendardataprovider.h"
 #include "calendar/openprovider.h"
@@ -458,6 +459,8 @@ void frmMain::brancherCalendrier()
     CalendarControl->ShowDay(Horloge::aujourdhui());
     CalendarControl->Populate();
     wndDatePicker->AttachToCalendar(CalendarControl);
+    // The hidden text control of the tickets takes its resting values.
+    InitHighEdit(HighEdit());
 }
 
 bool frmMain::OpenProvider(int type, const QString &connection)

@@ -2,10 +2,13 @@
 
 #include "shell/frmmain.h"
 
+#include "appointments/frmeditevent.h"
 #include "calendar/calendardataprovider.h"
 #include "calendar/view/calendarview.h"
 #include "calendar/view/datepicker.h"
 #include "shell/appstate.h"
+#include "shell/horloge.h"
+#include "shell/modal.h"
 #include "shell/prompt.h"
 #include "shell/regleslignedate.h"
 
@@ -87,13 +90,27 @@ void frmMain::ouvrirEvenement(CalendarEventPtr evenement)
 void frmMain::ouvrirEditeurNouveau()
 {
     m_dernierOuvert.reset();
-    StatusBar->showMessage(QStringLiteral("La saisie des rendez-vous n'est pas encore disponible."), 8000);
+    CalendarSelection selection = CalendarControl->selection();
+    if (!selection.isValid()) {
+        // Nothing selected yet: the first step of the working day on show.
+        const QDate jour = CalendarControl->shownDaysCount() > 0 ? CalendarControl->shownDay(0) : Horloge::maintenant().date();
+        selection.begin = QDateTime(jour, CalendarControl->workDayBegin());
+        selection.end = selection.begin.addSecs(60 * CalendarControl->timeScale());
+        selection.allDay = false;
+    }
+    frmEditEvent editeur(appState().Calendrier.get(), this);
+    editeur.NewEvent(selection.begin, selection.end, selection.allDay);
+    connect(&editeur, &frmEditEvent::Populate, CalendarControl, &CalendarView::Populate);
+    ExecuterDialogue(editeur);
 }
 
 void frmMain::ouvrirEditeur(const CalendarEventPtr &evenement)
 {
     m_dernierOuvert = evenement;
-    StatusBar->showMessage(QStringLiteral("La saisie des rendez-vous n'est pas encore disponible."), 8000);
+    frmEditEvent editeur(appState().Calendrier.get(), this);
+    editeur.ModifyEvent(evenement);
+    connect(&editeur, &frmEditEvent::Populate, CalendarControl, &CalendarView::Populate);
+    ExecuterDialogue(editeur);
 }
 
 // --- Delete and presence -------------------------------------------------

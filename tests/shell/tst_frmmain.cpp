@@ -9,6 +9,8 @@
 #include "shell/config.h"
 #include "shell/demarrage.h"
 #include "shell/frmmain.h"
+#include "shell/modal.h"
+#include "appointments/frmeditevent.h"
 #include "shell/horloge.h"
 #include "shell/modal.h"
 #include "shell/profilini.h"
@@ -49,6 +51,13 @@ struct Poste
     std::unique_ptr<frmMain> f;
     QList<ChoixOccurrence> choix;
     QStringList questionsChoix;
+    // The modal dialogs run by the window: the editor's record, closed at once.
+    QList<CalendarEventPtr> editeurs;
+    ExecuteurInstalle executeur{[this](QDialog &d) {
+        if (auto *e = qobject_cast<frmEditEvent *>(&d))
+            editeurs.append(e->evenement());
+        return int(QDialog::Rejected);
+    }};
 
     Poste()
     {
@@ -530,7 +539,8 @@ private Q_SLOTS:
         }
         QVERIFY(ouvert);
         QCOMPARE(ouvert->RecurrenceState(), etatOuvert);
-        QCOMPARE(p.etat(), QStringLiteral("La saisie des rendez-vous n'est pas encore disponible."));
+        QCOMPARE(p.editeurs.size(), 1);
+        QCOMPARE(p.editeurs.first()->StartDateTime(), ouvert->StartDateTime());
         if (etatOuvert == CalendarEvent::Exception) {
             // A copy: the shared occurrence stays as it was until the editor
             // hands its work back.
@@ -552,7 +562,10 @@ private Q_SLOTS:
         p.f->doubleClic(h);
         QCOMPARE(appState().RegleCourante.PraticienNumero, qint16(0));
         QVERIFY(!p.f->dernierEvenementOuvert());
-        QCOMPARE(p.etat(), QStringLiteral("La saisie des rendez-vous n'est pas encore disponible."));
+        // The editor opens on a new appointment and, cancelled, leaves the
+        // book as it was.
+        QCOMPARE(p.editeurs.size(), 1);
+        QCOMPARE(p.editeurs.first()->EventID(), 0);
         QCOMPARE(p.jour(Maintenant.date()), QStringList{});
     }
 
