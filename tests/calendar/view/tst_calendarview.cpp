@@ -83,13 +83,13 @@ private:
     QRect boite(const QString &sujet) const { return volet()->eventRect(affiche(sujet)); }
 
     // Press, move in steps, release: a drag as a hand does it.
-    void glisser(const QPoint &de, const QPoint &vers)
+    void glisser(const QPoint &de, const QPoint &vers, Qt::KeyboardModifiers touches = {})
     {
         QWidget *w = volet();
-        QTest::mousePress(w, Qt::LeftButton, {}, de);
+        QTest::mousePress(w, Qt::LeftButton, touches, de);
         for (int i = 1; i <= 4; ++i)
             QTest::mouseMove(w, de + (vers - de) * i / 4);
-        QTest::mouseRelease(w, Qt::LeftButton, {}, vers);
+        QTest::mouseRelease(w, Qt::LeftButton, touches, vers);
     }
 
 private Q_SLOTS:
@@ -299,6 +299,11 @@ private Q_SLOTS:
         QTest::newRow("occurrence déplacée") << "serie" << "mar 15:00"
                                               << QStringList{"série mar. 15:00-15:30 s3"}
                                               << QStringList{"série mer. 09:00-09:30 s2"};
+        QTest::newRow("copie avec Ctrl") << "ctrl" << "mer 14:00" << QStringList{"rdv mar. 09:00-09:30 s0"}
+                                          << QStringList{"rdv mer. 14:00-14:30 s0"};
+        QTest::newRow("copie d'une occurrence") << "ctrl serie" << "mar 15:00"
+                                                 << QStringList{"série mar. 09:00-09:30 s2", "série mar. 15:00-15:30 s0"}
+                                                 << QStringList{"série mer. 09:00-09:30 s2"};
     }
     void glisserDeposer()
     {
@@ -306,6 +311,9 @@ private Q_SLOTS:
         QFETCH(QString, depot);
         QFETCH(QStringList, mardi);
         QFETCH(QStringList, mercredi);
+        const bool copie = prise.startsWith(u"ctrl");
+        if (copie)
+            prise = prise.mid(5);
         QString sujet = QStringLiteral("rdv");
         if (prise == u"serie") {
             sujet = QStringLiteral("série");
@@ -339,13 +347,14 @@ private Q_SLOTS:
                                               : QPoint(cellule.center().x(), cellule.top() + r.height() / 2);
 
         QSignalSpy edits(m_view.get(), &CalendarView::eventsEdited);
-        int gardes = 0;
-        m_view->setOperationGuard([&](int, const QList<CalendarEventPtr> &) {
-            ++gardes;
+        QList<int> gardes;
+        m_view->setOperationGuard([&](int op, const QList<CalendarEventPtr> &) {
+            gardes.append(op);
             return false;
         });
-        glisser(de, vers);
-        QCOMPARE(gardes, 1);
+        glisser(de, vers, copie ? Qt::ControlModifier : Qt::NoModifier);
+        const int operation = copie ? OpDragCopy : prise == u"haut" ? OpResizeBegin : prise == u"bas" ? OpResizeEnd : OpDragMove;
+        QCOMPARE(gardes, QList<int>{operation});
         QCOMPARE(edits.count(), 1);
         QCOMPARE(stocke(1), mardi);
         QCOMPARE(stocke(2), mercredi);
