@@ -19,10 +19,19 @@ build: configure
 	cmake --build $(BUILD) -j$(JOBS)
 
 # Starts the agenda on the embedded default store, in the local program
-# folder ./run (created on first start).
+# folder ./run. The first time (no ./run yet) the folder is filled with the
+# demonstration agenda of the current week; afterwards it is kept as it is.
 run: build
-	mkdir -p run
+	@if [ ! -e run ]; then $(BUILD)/src/app/tavonel-admin demo run; fi
 	TAVONEL_PROGRAM_DIR="$(CURDIR)/run" $(BUILD)/src/app/tavonel
+
+# A demonstration agenda made anew in ./demo for the current week (two
+# practitioners, their rules, 50 patients, about 60 appointments), and the
+# agenda started on it.
+demo: build
+	rm -rf demo
+	$(BUILD)/src/app/tavonel-admin demo demo
+	TAVONEL_PROGRAM_DIR="$(CURDIR)/demo" $(BUILD)/src/app/tavonel
 
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j$(JOBS)

@@ -1,5 +1,6 @@
 #include "app/commandesadmin.h"
 
+#include "appointments/demo.h"
 #include "calendar/controlestore.h"
 #include "cipher/encryptx.h"
 #include "messaging/diagnosticmodem.h"
@@ -26,7 +27,10 @@ void usage(QTextStream &err)
            "  search-patients agenda|linked NOM [PRENOM]\n"
            "                         recherche de patients de l'agenda par défaut, dans sa base\n"
            "                         ou dans les bases liées (Path1 à Path4 d'Agenda.ini)\n"
-           "  store-check DOSSIER    compte les rendez-vous de DOSSIER/Events.mdb et vérifie les séries\n";
+           "  store-check DOSSIER    compte les rendez-vous de DOSSIER/Events.mdb et vérifie les séries\n"
+           "  demo DOSSIER [AAAA-MM-JJ]\n"
+           "                         crée dans DOSSIER un agenda de démonstration rempli pour la semaine\n"
+           "                         du jour donné (par défaut aujourd'hui)\n";
 }
 
 // Sends the sample reminder of the configuration dialog, so that an
@@ -111,6 +115,33 @@ int rechercherPatients(const QStringList &arguments, QTextStream &out, QTextStre
     return 0;
 }
 
+// A demonstration agenda in a program folder of its own, for the week of the
+// given day.
+int creerDemo(const QStringList &arguments, QTextStream &out, QTextStream &err)
+{
+    if (arguments.size() < 2 || arguments.size() > 3) {
+        err << "demo : DOSSIER [AAAA-MM-JJ] attendu.\n";
+        return 2;
+    }
+    QDate jour = Horloge::aujourdhui();
+    if (arguments.size() == 3) {
+        jour = QDate::fromString(arguments.at(2), Qt::ISODate);
+        if (!jour.isValid()) {
+            err << "demo : la date " << arguments.at(2) << " n'est pas au format AAAA-MM-JJ.\n";
+            return 2;
+        }
+    }
+    BilanDemo bilan;
+    if (const auto erreur = CreerDemo(arguments.at(1), jour, &bilan)) {
+        err << *erreur << '\n';
+        return 1;
+    }
+    out << "Agenda de démonstration créé dans " << AjouterSlash(arguments.at(1)) << " : " << bilan.regles
+        << " règles, " << bilan.patients << " patients, " << bilan.rendezVous << " rendez-vous (semaine du lundi "
+        << bilan.lundi.toString(QStringLiteral("dd/MM/yyyy")) << ").\n";
+    return 0;
+}
+
 } // namespace
 
 int ExecuterCommandeAdmin(const QStringList &arguments, QTextStream &out, QTextStream &err)
@@ -168,6 +199,8 @@ int ExecuterCommandeAdmin(const QStringList &arguments, QTextStream &out, QTextS
     }
     if (commande == QLatin1String("search-patients"))
         return rechercherPatients(arguments, out, err);
+    if (commande == QLatin1String("demo"))
+        return creerDemo(arguments, out, err);
     usage(err);
     return commande.isEmpty() || commande == QLatin1String("--help") ? 0 : 2;
 }

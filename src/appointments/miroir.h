@@ -1,0 +1,47 @@
+#pragma once
+
+#include "calendar/calendarevent.h"
+
+#include <QString>
+
+#include <optional>
+
+class CalendarDataProvider;
+
+// The reduced copy of every appointment in table Events of the agenda's own
+// Patients.mdb, so that a patient card lists its appointments without the
+// calendar store; and the activity journal line that goes with each change.
+//
+// The main window calls BrancherMiroir once on its calendar provider: every
+// eventAdded / eventChanged / eventDeleted then writes the row and the
+// journal. The calendar store has already changed when this runs, so a
+// failure here never loses the appointment: it is told to the user (box
+// "Erreur", TexteEchecMiroir) and the journal line is written all the same.
+
+// Adds or updates the row whose ID is the event's key: Numero (field 11 of
+// Body), DateRv and HeureRV (the start), DateModif (now, from Horloge),
+// Praticien, Motif (Location with its " => " part, cut to the column's 64
+// characters), DatePrise (CreationTime). No value on success; otherwise the
+// French reason (base not found or locked, a Body without the patient
+// number, ...). Nothing is half-written: one transaction.
+[[nodiscard]] std::optional<QString> EcrireMiroir(const QString &cheminBaseAgenda, const CalendarEvent &event,
+                                                  const QString &praticien);
+
+// Deletes the row of that key (none is no failure).
+[[nodiscard]] std::optional<QString> EffacerMiroir(const QString &cheminBaseAgenda, int eventId);
+
+// The three handlers, on AppState (CheminBaseAgenda, RegleCourante, the
+// journal). Added and changed look up the rule in force at the start
+// (GetRegleForDate, the start unchanged) into RegleCourante, whose
+// practitioner goes into the row. An empty reference does nothing. Nothing
+// escapes them.
+void MiroirEvenementAjoute(const CalendarEventPtr &event);
+void MiroirEvenementModifie(const CalendarEventPtr &event);
+void MiroirEvenementSupprime(const CalendarEventPtr &event);
+
+// Connects the provider's three notifications to the handlers above.
+void BrancherMiroir(CalendarDataProvider &provider);
+
+// Title and text of the box that tells a failed copy.
+[[nodiscard]] QString TitreEchecMiroir();
+[[nodiscard]] QString TexteEchecMiroir(const QString &raison);
