@@ -208,7 +208,9 @@ QRect DayPane::timeScaleRect() const { return QRect(0, bodyTop(), m_timeWidth, s
 
 int DayPane::columnsWidth() const
 {
-    const int bar = m_scrollBar->isVisible() ? m_scrollBar->width() : 0;
+    // The bar's own visibility also depends on the window being shown: the
+    // layout follows the switch alone, so that it is the same before and after.
+    const int bar = m_verticalScrolling ? m_scrollBar->sizeHint().width() : 0;
     return std::max(0, width() - m_timeWidth - bar);
 }
 
