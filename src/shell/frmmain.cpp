@@ -1,12 +1,71 @@
 #include "shell/frmmain.h"
 
+#include "appointments/miroir.h"
+#include "calendar/calendardataprovider.h"
+#include "calendar/openprovider.h"
+#include "calendar/view/calendarview.h"
+#include "calendar/view/colorationregles.h"
+#include "calendar/view/datepicker.h"
+#include "patients/bouclesrecherche.h"
 #include "patients/gestiontype.h"
 #include "shell/appstate.h"
+#include "shell/horloge.h"
+#include "shell/iconesbarre.h"
+#include "shell/prompt.h"
+#include "shell/regleslignedate.h"
 
+#include <QAction>
+#include <QActionGroup>
 #include <QCloseEvent>
+#include <QCursor>
+#include <QHelpEvent>
+#include <QHBoxLayout>
 #include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMouseEvent>
+#include <QStatusBar>
 #include <QTimer>
+#include <QToolBar>
+#include <QToolTip>
 #include <QVBoxLayout>
+
+namespace {
+
+QAction *action(QMenu *menu, const char *nom, const QString &legende, const QKeySequence &raccourci = {})
+{
+    auto *a = menu->addAction(legende);
+    a->setObjectName(QLatin1String(nom));
+    if (!raccourci.isEmpty())
+        a->setShortcut(raccourci);
+    return a;
+}
+
+QAction *cachee(QMenu *menu, const char *nom, const QString &legende)
+{
+    QAction *a = action(menu, nom, legende);
+    a->setVisible(false);
+    return a;
+}
+
+QMenu *menu(QWidget *parent, QMenuBar *barre, const char *nom, const QString &legende)
+{
+    auto *m = new QMenu(legende, parent);
+    m->setObjectName(QLatin1String(nom));
+    m->menuAction()->setObjectName(QLatin1String(nom));
+    if (barre)
+        barre->addMenu(m);
+    return m;
+}
+
+QMenu *sousMenu(QMenu *parent, const char *nom, const QString &legende)
+{
+    QMenu *m = parent->addMenu(legende);
+    m->setObjectName(QLatin1String(nom));
+    return m;
+}
+
+} // namespace
 
 frmMain::frmMain(Demarrage &demarrage, const ParametresFenetre &parametres, QWidget *parent)
     : QMainWindow(parent)
@@ -17,26 +76,19 @@ frmMain::frmMain(Demarrage &demarrage, const ParametresFenetre &parametres, QWid
     setObjectName(QStringLiteral("frmMain"));
     const AppState &etat = appState();
     setWindowTitle(QStringLiteral("Tavonel : ") + etat.AgendaName);
+    // No toolbar menu on a right click: the bar without the patient search
+    // stays out of reach.
+    setContextMenuPolicy(Qt::PreventContextMenu);
 
-    auto *centre = new QWidget(this);
-    auto *disposition = new QVBoxLayout(centre);
-    lblCaption = new QLabel(etat.AgendaName, centre);
-    lblCaption->setObjectName(QStringLiteral("lblCaption"));
-    QFont police = lblCaption->font();
-    police.setPointSize(police.pointSize() + 6);
-    police.setBold(true);
-    lblCaption->setFont(police);
-    disposition->addWidget(lblCaption);
-    lblPatient = new QLabel(LegendePatient::instance().texte(), centre);
-    lblPatient->setObjectName(QStringLiteral("lblPatient"));
-    connect(&LegendePatient::instance(), &LegendePatient::changee, lblPatient, &QLabel::setText);
-    disposition->addWidget(lblPatient);
+    choisirOccurrenceOuSerie = [this](bool suppression, const QString &sujet) {
+        return frmOccurrenceSeriesChooser::demander(this, suppression, sujet);
+    };
+    afficherMenu = [](QMenu *m, const QPoint &global) { m->popup(global); };
 
-    m_zoneCalendrier = new QWidget(centre);
-    m_zoneCalendrier->setObjectName(QStringLiteral("zoneCalendrier"));
-    m_zoneCalendrier->setMinimumSize(640, 420);
-    disposition->addWidget(m_zoneCalendrier, 1);
-    setCentralWidget(centre);
+    construireDisposition();
+    construireMenus();
+    construireBarres();
+    brancherCalendrier();
 
     Timer1 = new QTimer(this);
     Timer1->setObjectName(QStringLiteral("Timer1"));
@@ -49,22 +101,486 @@ frmMain::frmMain(Demarrage &demarrage, const ParametresFenetre &parametres, QWid
     timerRMDForm->setInterval(1000);
     connect(timerRMDForm, &QTimer::timeout, this, &frmMain::verifierRappels);
 
-    resize(1100, 760);
+    if (etat.MoteurRappels) {
+        connect(etat.MoteurRappels.get(), &ReminderEngine::reminderAction, this, &frmMain::surRappel);
+        etat.MoteurRappels->setEnabled(m_rappelsActifs);
+    }
+    majMenuRappels();
+    majCommandes();
+    majLigneDate();
+
+    resize(1180, 780);
 }
 
 frmMain::~frmMain() = default;
 
-void frmMain::actualiser()
+// --- Layout ------------------------------------------------------------
+
+void frmMain::construireDisposition()
 {
-    // The calendar repopulates from the shared store here.
-    if (m_zoneCalendrier)
-        m_zoneCalendrier->update();
+    const AppState &etat = appState();
+    auto *centre = new QWidget(this);
+    auto *lignes = new QHBoxLayout(centre);
+    lignes->setContentsMargins(0, 0, 0, 0);
+    lignes->setSpacing(2);
+
+    auto *gauche = new QVBoxLayout;
+    gauche->setContentsMargins(4, 2, 0, 0);
+    gauche->setSpacing(2);
+    auto *titre = new QHBoxLayout;
+    titre->setSpacing(16);
+
+    lblCaption = new QLabel(etat.AgendaName, centre);
+    lblCaption->setObjectName(QStringLiteral("lblCaption"));
+    QFont grande = lblCaption->font();
+    grande.setPointSize(grande.pointSize() + 8);
+    grande.setBold(true);
+    lblCaption->setFont(grande);
+    lblCaption->setCursor(Qt::PointingHandCursor);
+    lblCaption->installEventFilter(this);
+    titre->addWidget(lblCaption);
+
+    lblDate = new QLabel(centre);
+    lblDate->setObjectName(QStringLiteral("lblDate"));
+    QFont moyenne = lblDate->font();
+    moyenne.setPointSize(moyenne.pointSize() + 3);
+    lblDate->setFont(moyenne);
+    titre->addWidget(lblDate, 0, Qt::AlignBottom);
+    titre->addStretch(1);
+
+    lblPatient = new QLabel(LegendePatient::instance().texte(), centre);
+    lblPatient->setObjectName(QStringLiteral("lblPatient"));
+    connect(&LegendePatient::instance(), &LegendePatient::changee, lblPatient, &QLabel::setText);
+    titre->addWidget(lblPatient, 0, Qt::AlignBottom);
+    gauche->addLayout(titre);
+
+    CalendarControl = new CalendarView(centre);
+    CalendarControl->setObjectName(QStringLiteral("CalendarControl"));
+    CalendarControl->setMinimumSize(480, 320);
+    gauche->addWidget(CalendarControl, 1);
+    lignes->addLayout(gauche, 1);
+
+    // The picker stands at the right, from the top of the window down to the
+    // status bar, as wide as it asks.
+    // The month keeps its own height; the column below it stays the
+    // picker's plain background.
+    auto *colonne = new QWidget(centre);
+    colonne->setObjectName(QStringLiteral("colonnePicker"));
+    colonne->setAutoFillBackground(true);
+    colonne->setBackgroundRole(QPalette::Base);
+    auto *droite = new QVBoxLayout(colonne);
+    droite->setContentsMargins(0, 0, 0, 0);
+    wndDatePicker = new DatePicker(colonne);
+    wndDatePicker->setObjectName(QStringLiteral("wndDatePicker"));
+    colonne->setFixedWidth(wndDatePicker->sizeHint().width());
+    droite->addWidget(wndDatePicker, 0);
+    droite->addStretch(1);
+    lignes->addWidget(colonne, 0);
+    setCentralWidget(centre);
+
+    StatusBar = statusBar();
+    StatusBar->setObjectName(QStringLiteral("StatusBar"));
 }
 
-void frmMain::verifierRappels()
+// --- Menus -------------------------------------------------------------
+
+void frmMain::construireMenus()
 {
-    if (DialoguesOuverts == 0)
-        timerRMDForm->stop();
+    QMenuBar *barre = menuBar();
+
+    mnuFile = menu(this, barre, "mnuFile", QStringLiteral("&Fichier"));
+    mnuOpenDataProvider = action(mnuFile, "mnuOpenDataProvider", QStringLiteral("&Ouvrir"));
+    // The store chooser comes with its own window; until then the store of
+    // the start stays.
+    mnuOpenDataProvider->setEnabled(false);
+    mnuFile->addSeparator();
+    mnuPageSetup = action(mnuFile, "mnuPageSetup", QStringLiteral("&Mise en Page"));
+    mnuPrintPreview = action(mnuFile, "mnuPrintPreview", QStringLiteral("Pré&visualisation"));
+    mnuPrintCalendar = action(mnuFile, "mnuPrintCalendar", QStringLiteral("Im&pression"), QKeySequence(QStringLiteral("Ctrl+P")));
+    mnuMultiSchedulesSimple = cachee(mnuFile, "mnuMultiSchedulesSimple", QStringLiteral("Multi Schedules (simple)"));
+    mnuMultiSchedulesExtended = cachee(mnuFile, "mnuMultiSchedulesExtended", QStringLiteral("Multi Schedules (extended)"));
+    mnuResourcesManager = cachee(mnuFile, "mnuResourcesManager", QStringLiteral("Resources Manager"));
+    mnuFile->addSeparator();
+    mnuExit = action(mnuFile, "mnuExit", QStringLiteral("&Quitter"));
+
+    mnuEdit = menu(this, barre, "mnuEdit", QStringLiteral("&Edition"));
+    mnuCopy = action(mnuEdit, "mnuCopy", QStringLiteral("Copier"), QKeySequence(QStringLiteral("Ctrl+C")));
+    mnuCut = action(mnuEdit, "mnuCut", QStringLiteral("Couper"), QKeySequence(QStringLiteral("Ctrl+X")));
+    mnuPaste = action(mnuEdit, "mnuPaste", QStringLiteral("Coller"), QKeySequence(QStringLiteral("Ctrl+V")));
+    for (QAction *a : {mnuCopy, mnuCut, mnuPaste})
+        a->setEnabled(false);
+
+    mnuCalendar = menu(this, barre, "mnuCalendar", QStringLiteral("Outils"));
+    mnuSettings = action(mnuCalendar, "mnuSettings", QStringLiteral("&Options de l'agenda"), QKeySequence(QStringLiteral("Ctrl+O")));
+    mnuAdvancedOptions = action(mnuCalendar, "mnuAdvancedOptions", QStringLiteral("Options &Avancées"),
+                                QKeySequence(QStringLiteral("Ctrl+A")));
+    mnuCalendar->addSeparator();
+    mnuThemes = sousMenu(mnuCalendar, "mnuThemes", QStringLiteral("&Thèmes"));
+    const std::array<const char *, 4> nomsThemes{"mnuThemeOffice2000", "mnuThemeOfficeXP", "mnuThemeOffice2003", "mnuThemeOffice2013"};
+    const std::array<QString, 4> legendesThemes{QStringLiteral("Office 2000"), QStringLiteral("Office XP"),
+                                                QStringLiteral("Office 2003"), QStringLiteral("Office 2013")};
+    for (int i = 0; i < 4; ++i) {
+        mnuTheme[i] = action(mnuThemes, nomsThemes[i], legendesThemes[i]);
+        mnuTheme[i]->setCheckable(true);
+        connect(mnuTheme[i], &QAction::triggered, this, [this, i] { appliquerTheme(i); });
+    }
+    mnuThemeOffice2007Silver = cachee(mnuThemes, "mnuThemeOffice2007Silver", QStringLiteral("Office 2007 (Silver)"));
+    mnuThemeOffice2007Black = cachee(mnuThemes, "mnuThemeOffice2007Black", QStringLiteral("Office 2007 (Black)"));
+    mnuThemeOffice2010Blue = cachee(mnuThemes, "mnuThemeOffice2010Blue", QStringLiteral("Office 2010 (Blue)"));
+    mnuThemeOffice2010Silver = cachee(mnuThemes, "mnuThemeOffice2010Silver", QStringLiteral("Office 2010 (Silver)"));
+    mnuThemeOffice2010Black = cachee(mnuThemes, "mnuThemeOffice2010Black", QStringLiteral("Office 2010 (Black)"));
+    mnuThemeWindows7 = cachee(mnuThemes, "mnuThemeWindows7", QStringLiteral("Windows 7"));
+    for (QAction *a : {mnuThemeOffice2007Silver, mnuThemeOffice2007Black, mnuThemeOffice2010Blue, mnuThemeOffice2010Silver,
+                       mnuThemeOffice2010Black, mnuThemeWindows7})
+        a->setCheckable(true);
+    mnuCustomizeTheme2007 = cachee(mnuThemes, "mnuCustomizeTheme2007", QStringLiteral("Customize Theme 2007"));
+    mnuRTL = cachee(mnuCalendar, "mnuRTL", QStringLiteral("RTL"));
+    mnuEnableMarkup = cachee(mnuCalendar, "mnuEnableMarkup", QStringLiteral("Enable Markup"));
+    mnuCustomIcons = cachee(mnuCalendar, "mnuCustomIcons", QStringLiteral("Custom Icons"));
+    mnuShowDynamicCustomization = cachee(mnuCalendar, "mnuShowDynamicCustomization", QStringLiteral("Dynamic Customization"));
+    mnuCustomText = cachee(mnuCalendar, "mnuCustomText", QStringLiteral("Custom Text"));
+    for (QAction *a : {mnuRTL, mnuEnableMarkup, mnuCustomIcons, mnuCustomText})
+        a->setCheckable(true);
+
+    // The command bar of the calendar's header: three switches kept here.
+    mnuCaptionBarPopup = sousMenu(mnuCalendar, "mnuCaptionBarPopup", QStringLiteral("Barre de commande"));
+    mnuShowTheme2007CaptionBar = action(mnuCaptionBarPopup, "mnuShowTheme2007CaptionBar", QStringLiteral("Afficher/Cacher la barre"));
+    mnuCaptionBarSwitch = action(mnuCaptionBarPopup, "mnuCaptionBarSwitch", QStringLiteral("Afficher les boutons"));
+    mnuCaptionBarLayout = action(mnuCaptionBarPopup, "mnuCaptionBarLayout", QStringLiteral("Barre à une seule colonne"));
+    for (QAction *a : {mnuShowTheme2007CaptionBar, mnuCaptionBarSwitch, mnuCaptionBarLayout})
+        a->setCheckable(true);
+    connect(mnuCalendar, &QMenu::aboutToShow, this, &frmMain::majMenuRappels);
+
+    mnuRappels = menu(this, barre, "mnuRappels", QStringLiteral("Rappels"));
+    mnuReminders = action(mnuRappels, "mnuReminders", QStringLiteral("&Rappels de rendez-vous"), QKeySequence(QStringLiteral("Ctrl+R")));
+    mnuSMSConfig = action(mnuRappels, "mnuSMSConfig", QStringLiteral("Configuration des rappels Mails et/ou SMS"));
+    connect(mnuRappels, &QMenu::aboutToShow, this, &frmMain::majMenuRappels);
+
+    mnuAide = menu(this, barre, "mnuAide", QStringLiteral("?"));
+    mnuHelp = action(mnuAide, "mnuHelp", QStringLiteral("Aide"));
+    mnuAbout = action(mnuAide, "mnuAbout", QStringLiteral("&A propos d'Tavonel"));
+
+    // The context menus live under a menu of the bar that nobody sees.
+    mnuContextMenu = menu(this, barre, "mnuContextMenu", QStringLiteral("Context"));
+    mnuContextMenu->menuAction()->setVisible(false);
+    mnuContexEditEvent = sousMenu(mnuContextMenu, "mnuContexEditEvent", QStringLiteral("EditEvent"));
+    mnuOpenEvent = action(mnuContexEditEvent, "mnuOpenEvent", QStringLiteral("&Ouvrir"));
+    mnuDeleteEvent = action(mnuContexEditEvent, "mnuDeleteEvent", QStringLiteral("&Supprimer"));
+    mnuPatientEnSalle = action(mnuContexEditEvent, "mnuPatientEnSalle", QStringLiteral("&Patient en salle d'attente"));
+    mnuPatientSorti = action(mnuContexEditEvent, "mnuPatientSorti", QStringLiteral("Patient s&orti de salle d'attente"));
+    mnuContextNewEvent = sousMenu(mnuContextMenu, "mnuContextNewEvent", QStringLiteral("NewEvent"));
+    mnuNewEvent = action(mnuContextNewEvent, "mnuNewEvent", QStringLiteral("&Nouveau Rendez-Vous"));
+    mnuContextTimeScale = sousMenu(mnuContextMenu, "mnuContextTimeScale", QStringLiteral("TimeScale"));
+    mnuNewEvent2 = action(mnuContextTimeScale, "mnuNewEvent2", QStringLiteral("&Nouveau Rendez-Vous"));
+    mnuChangeTimeZone = action(mnuContextTimeScale, "mnuChangeTimeZone", QStringLiteral("Changer de &Zone"));
+    mnuContextTimeScale->addSeparator();
+    const std::array<int, 5> minutes{60, 30, 15, 10, 5};
+    const std::array<QString, 5> legendesEchelle{QStringLiteral("6&0 Minutes"), QStringLiteral("&30 Minutes"),
+                                                 QStringLiteral("&15 Minutes"), QStringLiteral("10 &Minutes"),
+                                                 QStringLiteral("&5 Minutes")};
+    for (int i = 0; i < 5; ++i) {
+        mnuTimeScale[i] = mnuContextTimeScale->addAction(legendesEchelle[i]);
+        mnuTimeScale[i]->setObjectName(QStringLiteral("mnuTimeScale(%1)").arg(i));
+        mnuTimeScale[i]->setData(minutes[i]);
+        connect(mnuTimeScale[i], &QAction::triggered, this, [this, m = minutes[i]] { CalendarControl->setTimeScale(m); });
+    }
+
+    // Commands.
+    connect(mnuPageSetup, &QAction::triggered, this,
+            [this] { signalerIndisponible(QStringLiteral("La mise en page n'est pas encore disponible.")); });
+    connect(mnuPrintPreview, &QAction::triggered, this,
+            [this] { signalerIndisponible(QStringLiteral("La prévisualisation n'est pas encore disponible.")); });
+    connect(mnuPrintCalendar, &QAction::triggered, this,
+            [this] { signalerIndisponible(QStringLiteral("L'impression de l'agenda n'est pas encore disponible.")); });
+    connect(mnuExit, &QAction::triggered, this, &QWidget::close);
+    connect(mnuCopy, &QAction::triggered, this, [this] {
+        CalendarControl->Copy();
+        majCommandes();
+    });
+    connect(mnuCut, &QAction::triggered, this, [this] {
+        CalendarControl->Cut();
+        majCommandes();
+    });
+    connect(mnuPaste, &QAction::triggered, this, [this] {
+        CalendarControl->Paste();
+        majCommandes();
+    });
+    connect(mnuSettings, &QAction::triggered, this,
+            [this] { signalerIndisponible(QStringLiteral("Les options de l'agenda ne sont pas encore disponibles.")); });
+    connect(mnuAdvancedOptions, &QAction::triggered, this,
+            [this] { signalerIndisponible(QStringLiteral("Les options avancées ne sont pas encore disponibles.")); });
+    connect(mnuSMSConfig, &QAction::triggered, this, [this] {
+        signalerIndisponible(QStringLiteral("La configuration des rappels Mails et SMS n'est pas encore disponible."));
+    });
+    connect(mnuReminders, &QAction::triggered, this, &frmMain::commandeRappels);
+    connect(mnuHelp, &QAction::triggered, this, [this] { signalerIndisponible(QStringLiteral("L'aide n'est pas encore disponible.")); });
+    connect(mnuAbout, &QAction::triggered, this, &frmMain::aPropos);
+    connect(mnuChangeTimeZone, &QAction::triggered, this,
+            [this] { signalerIndisponible(QStringLiteral("Le changement de fuseau horaire n'est pas encore disponible.")); });
+
+    connect(mnuOpenEvent, &QAction::triggered, this, [this] {
+        if (m_evenementCible)
+            ouvrirEvenement(m_evenementCible);
+    });
+    connect(mnuDeleteEvent, &QAction::triggered, this, &frmMain::supprimerEvenementCible);
+    connect(mnuPatientEnSalle, &QAction::triggered, this, [this] { changerPresence(0); });
+    connect(mnuPatientSorti, &QAction::triggered, this, [this] { changerPresence(1); });
+    connect(mnuNewEvent, &QAction::triggered, this, &frmMain::ouvrirEditeurNouveau);
+    connect(mnuNewEvent2, &QAction::triggered, this, &frmMain::ouvrirEditeurNouveau);
+}
+
+// --- Toolbars ----------------------------------------------------------
+
+void frmMain::construireBarres()
+{
+    struct Bouton
+    {
+        int numero;
+        QString conseil;
+    };
+    const QList<Bouton> boutons{
+        {1, QStringLiteral("Affichage journalier")},  {2, QStringLiteral("Affichage semaine de travail")},
+        {3, QStringLiteral("Affichage hebdomadaire")}, {4, QStringLiteral("Affichage mensuel")},
+        {6, QStringLiteral("Couper")},                 {7, QStringLiteral("Copier")},
+        {8, QStringLiteral("Coller")},                 {12, QStringLiteral("Ouvrir")},
+        {14, QStringLiteral("Mise en Page")},          {15, QStringLiteral("Prévisualiser")},
+        {16, QStringLiteral("Imprimer")},
+    };
+
+    auto remplir = [&](QToolBar *barre, std::map<int, QAction *> &parNumero) {
+        const QString nom = barre->objectName();
+        int precedent = 0;
+        for (const Bouton &b : boutons) {
+            // The numbers left out (5, 9 to 11, 13) are the separators.
+            if (precedent != 0 && b.numero > precedent + 1)
+                barre->addSeparator();
+            precedent = b.numero;
+            QAction *a = barre->addAction(IconeBarre(b.numero), b.conseil);
+            a->setObjectName(QStringLiteral("%1(%2)").arg(nom).arg(b.numero));
+            a->setToolTip(b.conseil);
+            parNumero[b.numero] = a;
+            connect(a, &QAction::triggered, this, [this, n = b.numero, barre] {
+                switch (n) {
+                case 1:
+                case 2:
+                case 3:
+                case 4:
+                    CalendarControl->setViewType(static_cast<CalendarViewType>(n - 1));
+                    break;
+                case 6:
+                    CalendarControl->Cut();
+                    break;
+                case 7:
+                    CalendarControl->Copy();
+                    break;
+                case 8:
+                    CalendarControl->Paste();
+                    break;
+                case 12:
+                    if (barre == KelmoToolbar1)
+                        BoucleRecherchePatientPrincipale(this);
+                    else
+                        mnuOpenDataProvider->trigger();
+                    break;
+                case 14:
+                    mnuPageSetup->trigger();
+                    break;
+                case 15:
+                    mnuPrintPreview->trigger();
+                    break;
+                case 16:
+                    mnuPrintCalendar->trigger();
+                    break;
+                default:
+                    break;
+                }
+                majCommandes();
+            });
+        }
+    };
+
+    Toolbar = new QToolBar(QStringLiteral("Toolbar"), this);
+    Toolbar->setObjectName(QStringLiteral("Toolbar"));
+    Toolbar->setMovable(false);
+    remplir(Toolbar, boutonsToolbar);
+    boutonsToolbar[12]->setToolTip(QStringLiteral("Bases de données"));
+    boutonsToolbar[12]->setEnabled(mnuOpenDataProvider->isEnabled());
+    addToolBar(Toolbar);
+    // The second bar carries the patient search; the first, whose button 12
+    // opens another store, stays out of sight.
+    Toolbar->setVisible(false);
+
+    KelmoToolbar1 = new QToolBar(QStringLiteral("KelmoToolbar1"), this);
+    KelmoToolbar1->setObjectName(QStringLiteral("KelmoToolbar1"));
+    KelmoToolbar1->setIconSize(QSize(24, 24));
+    KelmoToolbar1->setMovable(false);
+    remplir(KelmoToolbar1, boutonsKelmo);
+    addToolBar(KelmoToolbar1);
+}
+
+// --- Calendar ----------------------------------------------------------
+
+void frmMain::brancherCalendrier()
+{
+    AppState &etat = appState();
+    // Every change of the book, from any window, is copied into the patient
+    // base and the journal. The provider object stays the same when another
+    // store is attached, so this is done once.
+    if (etat.Calendrier)
+        BrancherMiroir(*etat.Calendrier);
+    CalendarControl->setLabels(m_parametres.libelles);
+    CalendarControl->setDataProvider(etat.Calendrier.get());
+    CalendarControl->setWorkingHours(m_parametres.debutJournee, m_parametres.finJournee);
+    CalendarControl->setViewType(CalendarViewType::WorkWeek);
+    appliquerTheme(3);
+    CalendarControl->setCellPainter(&ColorerCelluleSelonRegles);
+    CalendarControl->setOperationGuard(
+        [this](int operation, const QList<CalendarEventPtr> &evenements) { return refuserOperation(operation, evenements); });
+    CalendarControl->setEditConfirmation(
+        [this](int operation, const QList<CalendarEventPtr> &) { return confirmerOperation(operation); });
+
+    connect(CalendarControl, &CalendarView::viewChanged, this, [this] {
+        majLigneDate();
+        majCommandes();
+    });
+    connect(CalendarControl, &CalendarView::selectionChanged, this, &frmMain::majCommandes);
+    connect(CalendarControl, &CalendarView::keyPressed, this, &frmMain::majCommandes);
+    connect(CalendarControl, &CalendarView::doubleClicked, this,
+            [this](const QPoint &pos) { doubleClic(CalendarControl->hitTest(pos)); });
+    connect(CalendarControl, &CalendarView::rightClicked, this, [this](const QPoint &pos) { clicDroit(CalendarControl->hitTest(pos)); });
+    connect(CalendarControl, &CalendarView::eventsEdited, wndDatePicker, &DatePicker::RedrawControl);
+
+    // The tool tips of the appointments are asked of the panes under the
+    // pointer.
+    for (QWidget *zone : CalendarControl->findChildren<QWidget *>())
+        zone->installEventFilter(this);
+
+    CalendarControl->ShowDay(Horloge::aujourdhui());
+    CalendarControl->Populate();
+    wndDatePicker->AttachToCalendar(CalendarControl);
+}
+
+bool frmMain::OpenProvider(int type, const QString &connection)
+{
+    const bool ok = ::OpenProvider(appState(), type, connection);
+    CalendarControl->setDataProvider(appState().Calendrier.get());
+    CalendarControl->Populate();
+    wndDatePicker->RedrawControl();
+    return ok;
+}
+
+void frmMain::actualiser()
+{
+    // Other workstations' changes appear here; the view keeps its scroll
+    // position and selection across the reading.
+    CalendarControl->Populate();
+    wndDatePicker->RedrawControl();
+}
+
+void frmMain::majLigneDate()
+{
+    QList<QDate> jours;
+    const int n = CalendarControl->shownDaysCount();
+    if (n > 0) {
+        jours.append(CalendarControl->shownDay(0));
+        if (n > 1)
+            jours.append(CalendarControl->shownDay(n - 1));
+    }
+    if (const auto texte = TexteLigneDate(jours))
+        lblDate->setText(*texte);
+}
+
+void frmMain::majCommandes()
+{
+    const bool couper = CalendarControl->CanCut();
+    const bool copier = CalendarControl->CanCopy();
+    const bool coller = CalendarControl->CanPaste();
+    mnuCut->setEnabled(couper);
+    mnuCopy->setEnabled(copier);
+    mnuPaste->setEnabled(coller);
+    for (auto *boutons : {&boutonsToolbar, &boutonsKelmo}) {
+        (*boutons)[6]->setEnabled(couper);
+        (*boutons)[7]->setEnabled(copier);
+        (*boutons)[8]->setEnabled(coller);
+    }
+}
+
+void frmMain::appliquerTheme(int numero)
+{
+    for (QAction *a : mnuThemes->actions()) {
+        // "Office 2000" leaves a check on "Office 2013" where there is one.
+        if (numero != 0 || (a != mnuTheme[0] && a != mnuTheme[3]))
+            a->setChecked(false);
+    }
+    // The three others also bring back the buttons of the command bar.
+    if (numero != 0)
+        mnuCaptionBarSwitch->setChecked(true);
+    if (numero >= 0 && numero < int(mnuTheme.size()))
+        mnuTheme[numero]->setChecked(true);
+    CalendarControl->setTheme(numero);
+}
+
+void frmMain::changerDefilement(int index, bool on)
+{
+    m_defilement[index] = on;
+    CalendarControl->setScrolling(m_defilement[0], m_defilement[1], m_defilement[2], m_defilement[3]);
+}
+
+void frmMain::setToolTips_Mode(int mode)
+{
+    // Tool tips show the appointment's hours and subject. The custom text of
+    // mode 1 came from item-text events that only the hidden sample commands
+    // fed, so it is the same text here.
+    m_modeInfobulles = mode;
+}
+
+bool frmMain::infobulle(QWidget *zone, const QHelpEvent *aide)
+{
+    if (!infobullesActives())
+        return false;
+    const CalendarHit hit = CalendarControl->hitTest(zone->mapTo(CalendarControl, aide->pos()));
+    if (!hit.event) {
+        QToolTip::hideText();
+        return true;
+    }
+    const CalendarEventPtr &e = hit.event;
+    const QString texte = e->StartDateTime().toString(QStringLiteral("HH:mm")) + QStringLiteral("-")
+                          + e->EndDateTime().toString(QStringLiteral("HH:mm")) + QStringLiteral(" ") + e->Subject().simplified();
+    QToolTip::showText(aide->globalPos(), texte, zone);
+    return true;
+}
+
+void frmMain::signalerIndisponible(const QString &texte)
+{
+    StatusBar->showMessage(texte, 8000);
+}
+
+void frmMain::aPropos()
+{
+    Prompt::informer(QStringLiteral("A propos d'Tavonel"),
+                     QStringLiteral("Tavonel\nAgenda du cabinet médical\n\nAgenda : %1\nDossier des données : %2")
+                         .arg(appState().AgendaName, appState().PathDB),
+                     Prompt::Icone::Information);
+}
+
+// --- Title line --------------------------------------------------------
+
+bool frmMain::eventFilter(QObject *objet, QEvent *evenement)
+{
+    if (objet == lblCaption && evenement->type() == QEvent::MouseButtonRelease) {
+        const auto *souris = static_cast<QMouseEvent *>(evenement);
+        if (souris->button() == Qt::LeftButton) {
+            // The caption is a jump to tomorrow, and to no other day.
+            CalendarControl->ShowDay(Horloge::aujourdhui().addDays(1));
+            return true;
+        }
+    }
+    if (evenement->type() == QEvent::ToolTip && objet->isWidgetType() && objet != lblCaption) {
+        auto *zone = static_cast<QWidget *>(objet);
+        if (CalendarControl->isAncestorOf(zone))
+            return infobulle(zone, static_cast<QHelpEvent *>(evenement));
+    }
+    return QMainWindow::eventFilter(objet, evenement);
 }
 
 void frmMain::closeEvent(QCloseEvent *event)
@@ -73,7 +589,7 @@ void frmMain::closeEvent(QCloseEvent *event)
         m_arrete = true;
         Timer1->stop();
         timerRMDForm->stop();
-        m_demarrage.arreter(m_rappelsActifs);
+        m_demarrage.arreter(rappelsActifs());
     }
     event->accept();
 }

@@ -1,14 +1,112 @@
+#include "appointments/paquetrdv.h"
+#include "calendar/calendardataprovider.h"
+#include "calendar/reminderengine.h"
+#include "calendar/view/calendarview.h"
+#include "patients/bouclesrecherche.h"
+#include "patients/gestiontype.h"
+#include "patients/schemapatients.h"
 #include "shell/appstate.h"
 #include "shell/config.h"
 #include "shell/demarrage.h"
 #include "shell/frmmain.h"
+#include "shell/horloge.h"
+#include "shell/modal.h"
 #include "shell/profilini.h"
 #include "support/dossiertest.h"
 #include "support/repondeurscripte.h"
 
+#include <QAction>
+#include <QDialog>
 #include <QLabel>
+#include <QMenu>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QStatusBar>
 #include <QTimer>
+#include <QToolBar>
+#include <QHelpEvent>
+#include <QToolTip>
 #include <QtTest>
+
+#include <memory>
+#include <optional>
+
+namespace {
+
+// Monday 23 November 2026, 10:00.
+const QDateTime Maintenant(QDate(2026, 11, 23), QTime(10, 0));
+
+// A started program on a fresh folder: Config.mdb, Patients.mdb and
+// Events.mdb created, the window built over them; the chooser answers from a
+// queue, and context menus are recorded instead of shown.
+struct Poste
+{
+    Horloge::Fixee horloge{Maintenant};
+    DossierProgrammeTest prog;
+    RepondeurScripte repondeur;
+    Demarrage demarrage{appState(), prog.chemin()};
+    ParametresFenetre parametres;
+    std::unique_ptr<frmMain> f;
+    QList<ChoixOccurrence> choix;
+    QStringList questionsChoix;
+
+    Poste()
+    {
+        QVERIFY(!demarrage.initialiser(QString()));
+        QVERIFY(!demarrage.charger(parametres));
+        f = std::make_unique<frmMain>(demarrage, parametres);
+        f->afficherMenu = [](QMenu *, const QPoint &) {};
+        f->choisirOccurrenceOuSerie = [this](bool suppression, const QString &sujet) {
+            questionsChoix.append((suppression ? QStringLiteral("effacer:") : QStringLiteral("ouvrir:")) + sujet);
+            return choix.isEmpty() ? ChoixOccurrence::Annule : choix.takeFirst();
+        };
+    }
+
+    CalendarDataProvider &store() const { return *appState().Calendrier; }
+
+    CalendarEventPtr ajouter(const QString &sujet, const QDateTime &debut, bool serie = false) const
+    {
+        CalendarEventPtr e = store().CreateNewEvent(debut, debut.addSecs(30 * 60));
+        e->setSubject(sujet);
+        ChampsRdv champs;
+        champs[ChampRdv::Nom] = sujet;
+        champs[ChampRdv::NumeroPatient] = QStringLiteral("12");
+        e->setBody(PackerBody(champs));
+        e->setBusyStatus(1);
+        if (serie)
+            e->CreateRecurrence();
+        store().AddEvent(e);
+        return e;
+    }
+
+    // The appointments of a day as the store has them now, "HH:mm subject".
+    QStringList jour(const QDate &d) const
+    {
+        QStringList r;
+        for (const CalendarEventPtr &e : store().RetrieveDayEvents(d))
+            r.append(e->StartDateTime().toString(QStringLiteral("HH:mm ")) + e->Subject());
+        return r;
+    }
+
+    CalendarEventPtr premierDuJour(const QDate &d) const
+    {
+        const QList<CalendarEventPtr> l = store().RetrieveDayEvents(d);
+        return l.isEmpty() ? CalendarEventPtr() : l.first();
+    }
+
+    QAction *action(const QString &nom) const { return f->findChild<QAction *>(nom); }
+    QString etat() const { return f->StatusBar->currentMessage(); }
+};
+
+CalendarHit surRendezVous(const CalendarEventPtr &e)
+{
+    CalendarHit h;
+    h.event = e;
+    h.area = HitEvent;
+    return h;
+}
+
+} // namespace
 
 class tst_frmmain : public QObject
 {
@@ -19,32 +117,660 @@ private Q_SLOTS:
     {
         FermerConfig();
         appState() = AppState{};
+        RetourRecherche = 0;
     }
 
     void fenetreDeDepart()
     {
-        DossierProgrammeTest prog;
-        RepondeurScripte repondeur;
-        Demarrage d(appState(), prog.chemin());
-        QVERIFY(!d.initialiser(QString()));
-        ParametresFenetre p;
-        QVERIFY(!d.charger(p));
-
-        frmMain f(d, p);
+        Poste p;
+        frmMain &f = *p.f;
         QCOMPARE(f.windowTitle(), QStringLiteral("Tavonel : Agenda"));
-        auto *caption = f.findChild<QLabel *>(QStringLiteral("lblCaption"));
-        QVERIFY(caption);
-        QCOMPARE(caption->text(), QStringLiteral("Agenda"));
+        QCOMPARE(f.findChild<QLabel *>(QStringLiteral("lblCaption"))->text(), QStringLiteral("Agenda"));
+        QCOMPARE(f.findChild<QLabel *>(QStringLiteral("lblDate"))->text(),
+                 QStringLiteral("Semaine 48 : lundi 23 novembre 2026 - vendredi 27 novembre 2026"));
+        QCOMPARE(f.findChild<CalendarView *>(QStringLiteral("CalendarControl")), f.CalendarControl);
+        QCOMPARE(f.findChild<QStatusBar *>(QStringLiteral("StatusBar")), f.StatusBar);
+        QCOMPARE(f.CalendarControl->viewType(), CalendarViewType::WorkWeek);
+        QCOMPARE(f.CalendarControl->workDayBegin(), QTime(8, 0));
+        QCOMPARE(f.CalendarControl->theme(), 3);
+        QCOMPARE(f.CalendarControl->dataProvider(), appState().Calendrier.get());
         auto *timer1 = f.findChild<QTimer *>(QStringLiteral("Timer1"));
-        QVERIFY(timer1);
         QCOMPARE(timer1->interval(), 10000);
         QVERIFY(timer1->isActive());
         auto *rmd = f.findChild<QTimer *>(QStringLiteral("timerRMDForm"));
-        QVERIFY(rmd);
         QCOMPARE(rmd->interval(), 1000);
         QVERIFY(!rmd->isActive());
         QCOMPARE(f.DialoguesOuverts, 0);
-        QCOMPARE(repondeur.appels().size(), 0);
+        QCOMPARE(p.repondeur.appels().size(), 0);
+        // The patient search bar shows, the other one does not.
+        f.show();
+        QVERIFY(f.findChild<QToolBar *>(QStringLiteral("KelmoToolbar1"))->isVisible());
+        QVERIFY(!f.findChild<QToolBar *>(QStringLiteral("Toolbar"))->isVisible());
+    }
+
+    // Every item: caption, shortcut, enabled and visible at start.
+    void menus()
+    {
+        struct Item
+        {
+            const char *nom;
+            QString legende;
+            const char *raccourci = "";
+            bool actif = true;
+            bool visible = true;
+        };
+        const QList<Item> items{
+            {"mnuFile", QStringLiteral("&Fichier")},
+            {"mnuOpenDataProvider", QStringLiteral("&Ouvrir"), "", false},
+            {"mnuPageSetup", QStringLiteral("&Mise en Page")},
+            {"mnuPrintPreview", QStringLiteral("Pré&visualisation")},
+            {"mnuPrintCalendar", QStringLiteral("Im&pression"), "Ctrl+P"},
+            {"mnuExit", QStringLiteral("&Quitter")},
+            {"mnuEdit", QStringLiteral("&Edition")},
+            {"mnuCopy", QStringLiteral("Copier"), "Ctrl+C", false},
+            {"mnuCut", QStringLiteral("Couper"), "Ctrl+X", false},
+            {"mnuPaste", QStringLiteral("Coller"), "Ctrl+V", false},
+            {"mnuCalendar", QStringLiteral("Outils")},
+            {"mnuSettings", QStringLiteral("&Options de l'agenda"), "Ctrl+O"},
+            {"mnuAdvancedOptions", QStringLiteral("Options &Avancées"), "Ctrl+A"},
+            {"mnuThemes", QStringLiteral("&Thèmes")},
+            {"mnuCaptionBarPopup", QStringLiteral("Barre de commande")},
+            {"mnuShowTheme2007CaptionBar", QStringLiteral("Afficher/Cacher la barre")},
+            {"mnuCaptionBarSwitch", QStringLiteral("Afficher les boutons")},
+            {"mnuCaptionBarLayout", QStringLiteral("Barre à une seule colonne")},
+            {"mnuRappels", QStringLiteral("Rappels")},
+            {"mnuReminders", QStringLiteral("&Rappels de rendez-vous"), "Ctrl+R", false},
+            {"mnuSMSConfig", QStringLiteral("Configuration des rappels Mails et/ou SMS")},
+            {"mnuAide", QStringLiteral("?")},
+            {"mnuHelp", QStringLiteral("Aide")},
+            {"mnuAbout", QStringLiteral("&A propos d'Tavonel")},
+            {"mnuOpenEvent", QStringLiteral("&Ouvrir")},
+            {"mnuDeleteEvent", QStringLiteral("&Supprimer")},
+            {"mnuPatientEnSalle", QStringLiteral("&Patient en salle d'attente")},
+            {"mnuPatientSorti", QStringLiteral("Patient s&orti de salle d'attente")},
+            {"mnuNewEvent", QStringLiteral("&Nouveau Rendez-Vous")},
+            {"mnuNewEvent2", QStringLiteral("&Nouveau Rendez-Vous")},
+            {"mnuChangeTimeZone", QStringLiteral("Changer de &Zone")},
+            // Hidden: in the tree, never shown (a hidden action is disabled too).
+            {"mnuMultiSchedulesSimple", {}, "", false, false},
+            {"mnuMultiSchedulesExtended", {}, "", false, false},
+            {"mnuResourcesManager", {}, "", false, false},
+            {"mnuRTL", {}, "", false, false},
+            {"mnuEnableMarkup", {}, "", false, false},
+            {"mnuCustomIcons", {}, "", false, false},
+            {"mnuCustomText", {}, "", false, false},
+            {"mnuContextMenu", {}, "", false, false},
+        };
+        Poste p;
+        for (const Item &i : items) {
+            const QString nom = QString::fromLatin1(i.nom);
+            QAction *a = p.action(nom);
+            if (auto *m = p.f->findChild<QMenu *>(nom))
+                a = m->menuAction();
+            QVERIFY2(a, i.nom);
+            QVERIFY2(i.legende.isEmpty() || a->text() == i.legende, i.nom);
+            QVERIFY2(a->shortcut() == QKeySequence(QString::fromLatin1(i.raccourci)), i.nom);
+            QVERIFY2(a->isEnabled() == i.actif, i.nom);
+            QVERIFY2(a->isVisible() == i.visible, i.nom);
+        }
+    }
+
+    void menusContextuels()
+    {
+        Poste p;
+        auto legendes = [](QMenu *m) {
+            QStringList r;
+            for (QAction *a : m->actions())
+                if (!a->isSeparator())
+                    r.append(a->text());
+            return r;
+        };
+        QCOMPARE(legendes(p.f->mnuContextTimeScale),
+                 (QStringList{QStringLiteral("&Nouveau Rendez-Vous"), QStringLiteral("Changer de &Zone"), QStringLiteral("6&0 Minutes"),
+                              QStringLiteral("&30 Minutes"), QStringLiteral("&15 Minutes"), QStringLiteral("10 &Minutes"),
+                              QStringLiteral("&5 Minutes")}));
+        QCOMPARE(p.f->mnuContexEditEvent->parent(), p.f->mnuContextMenu);
+        QCOMPARE(legendes(p.f->mnuContextNewEvent), QStringList{QStringLiteral("&Nouveau Rendez-Vous")});
+        // The five scales set the day view's step.
+        for (int i : {4, 2, 0}) {
+            p.action(QStringLiteral("mnuTimeScale(%1)").arg(i))->trigger();
+            QCOMPARE(p.f->CalendarControl->timeScale(), (QList<int>{60, 30, 15, 10, 5}).at(i));
+        }
+    }
+
+    // Real clicks of the mouse on the calendar: the view's hit test decides
+    // which menu the window asks for, and a double click on an appointment
+    // opens it.
+    void clicsSouris()
+    {
+        Poste p;
+        p.ajouter(QStringLiteral("A"), Maintenant);
+        p.f->resize(1200, 800);
+        p.f->show();
+        QVERIFY(QTest::qWaitForWindowExposed(p.f.get()));
+        p.f->actualiser();
+        CalendarView *vue = p.f->CalendarControl;
+        auto chercher = [&](auto critere) -> std::optional<QPoint> {
+            for (int y = 5; y < vue->height(); y += 7)
+                for (int x = 2; x < vue->width(); x += 7)
+                    if (critere(vue->hitTest(QPoint(x, y))))
+                        return QPoint(x, y);
+            return std::nullopt;
+        };
+        auto cliquer = [&](const QPoint &pos, bool droit) {
+            QWidget *cible = vue->childAt(pos);
+            QVERIFY(cible);
+            const QPoint local = cible->mapFrom(vue, pos);
+            if (droit)
+                QTest::mouseClick(cible, Qt::RightButton, {}, local);
+            else
+                QTest::mouseDClick(cible, Qt::LeftButton, {}, local);
+        };
+
+        const auto echelle = chercher([](const CalendarHit &h) { return h.area == HitTimeScale; });
+        QVERIFY(echelle);
+        cliquer(*echelle, true);
+        QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContextTimeScale);
+
+        const auto rdv = chercher([](const CalendarHit &h) { return bool(h.event); });
+        QVERIFY(rdv);
+        cliquer(*rdv, true);
+        QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContexEditEvent);
+        QCOMPARE(p.f->evenementCible()->Subject(), QStringLiteral("A"));
+        // The pointer resting on it shows its hours and subject, unless the
+        // tool tips are off (mode 2).
+        QWidget *zone = vue->childAt(*rdv);
+        QHelpEvent aide(QEvent::ToolTip, zone->mapFrom(vue, *rdv), vue->mapToGlobal(*rdv));
+        p.f->setToolTips_Mode(2);
+        QApplication::sendEvent(zone, &aide);
+        QVERIFY(QToolTip::text().isEmpty());
+        p.f->setToolTips_Mode(0);
+        QApplication::sendEvent(zone, &aide);
+        QCOMPARE(QToolTip::text(), QStringLiteral("10:00-10:30 A"));
+        QToolTip::hideText();
+        cliquer(*rdv, false);
+        QVERIFY(p.f->dernierEvenementOuvert());
+        QCOMPARE(p.f->dernierEvenementOuvert()->Subject(), QStringLiteral("A"));
+
+        const auto cellule = chercher([](const CalendarHit &h) { return h.area == HitDayCell && !h.event; });
+        QVERIFY(cellule);
+        cliquer(*cellule, true);
+        QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContextNewEvent);
+    }
+
+    void boutons()
+    {
+        const QList<QPair<int, QString>> l{
+            {1, QStringLiteral("Affichage journalier")}, {2, QStringLiteral("Affichage semaine de travail")},
+            {3, QStringLiteral("Affichage hebdomadaire")}, {4, QStringLiteral("Affichage mensuel")}, {6, QStringLiteral("Couper")},
+            {7, QStringLiteral("Copier")}, {8, QStringLiteral("Coller")}, {12, QStringLiteral("Ouvrir")},
+            {14, QStringLiteral("Mise en Page")}, {15, QStringLiteral("Prévisualiser")}, {16, QStringLiteral("Imprimer")}};
+        Poste p;
+        for (const auto &[numero, conseil] : l) {
+            const QByteArray n = QByteArray::number(numero);
+            QAction *kelmo = p.action(QStringLiteral("KelmoToolbar1(%1)").arg(numero));
+            QAction *autre = p.action(QStringLiteral("Toolbar(%1)").arg(numero));
+            QVERIFY2(kelmo && autre, n);
+            QCOMPARE(kelmo->toolTip(), conseil);
+            QCOMPARE(autre->toolTip(), numero == 12 ? QStringLiteral("Bases de données") : conseil);
+            QVERIFY2(!kelmo->icon().isNull(), n);
+            // Cut, copy and paste follow the view from the start.
+            QVERIFY2(kelmo->isEnabled() == (numero < 6 || numero > 8), n);
+        }
+        QVERIFY(!p.action(QStringLiteral("Toolbar(12)"))->isEnabled());
+        // The buttons of both bars follow the menu items.
+        QCOMPARE(p.f->boutonsToolbar.size(), l.size());
+        QCOMPARE(p.f->boutonsKelmo.size(), l.size());
+        p.action(QStringLiteral("KelmoToolbar1(16)"))->trigger();
+        QCOMPARE(p.etat(), QStringLiteral("L'impression de l'agenda n'est pas encore disponible."));
+        // The shortcuts work from the calendar.
+        p.f->show();
+        QApplication::setActiveWindow(p.f.get());
+        QVERIFY(QTest::qWaitForWindowActive(p.f.get()));
+        p.f->CalendarControl->setFocus();
+        QTest::keyClick(p.f->CalendarControl, Qt::Key_O, Qt::ControlModifier);
+        QCOMPARE(p.etat(), QStringLiteral("Les options de l'agenda ne sont pas encore disponibles."));
+    }
+
+    // The view buttons and the date line, in the order a user would click.
+    void vuesEtLigneDate()
+    {
+        Poste p;
+        frmMain &f = *p.f;
+        const QLabel *ligne = f.lblDate;
+        p.action(QStringLiteral("KelmoToolbar1(1)"))->trigger();
+        QCOMPARE(f.CalendarControl->viewType(), CalendarViewType::Day);
+        QCOMPARE(ligne->text(), QStringLiteral("Semaine 48 : lundi 23 novembre 2026"));
+
+        // The caption jumps to tomorrow, not to today.
+        f.show();
+        QTest::mouseClick(f.lblCaption, Qt::LeftButton);
+        QCOMPARE(f.CalendarControl->shownDay(0), QDate(2026, 11, 24));
+        QCOMPARE(ligne->text(), QStringLiteral("Semaine 48 : mardi 24 novembre 2026"));
+
+        p.action(QStringLiteral("KelmoToolbar1(2)"))->trigger();
+        QCOMPARE(f.CalendarControl->viewType(), CalendarViewType::WorkWeek);
+        f.CalendarControl->ShowDay(QDate(2026, 12, 30));
+        QCOMPARE(ligne->text(), QStringLiteral("Semaine 53 : lundi 28 décembre 2026 - vendredi 1 janvier 2027"));
+
+        p.action(QStringLiteral("KelmoToolbar1(3)"))->trigger();
+        QCOMPARE(f.CalendarControl->viewType(), CalendarViewType::Week);
+        QVERIFY2(ligne->text().startsWith(QStringLiteral("Semaine 53 : lundi 28 décembre 2026 - ")), qPrintable(ligne->text()));
+        p.action(QStringLiteral("KelmoToolbar1(4)"))->trigger();
+        QCOMPARE(f.CalendarControl->viewType(), CalendarViewType::Month);
+        const QDate premier = f.CalendarControl->shownDay(0);
+        QVERIFY2(ligne->text().startsWith(QStringLiteral("Semaine %1 : ").arg(premier.weekNumber())), qPrintable(ligne->text()));
+    }
+
+    void themes()
+    {
+        Poste p;
+        auto coches = [&] {
+            QStringList r;
+            for (QAction *a : p.f->mnuThemes->actions())
+                if (a->isChecked())
+                    r.append(a->text());
+            return r;
+        };
+        QCOMPARE(coches(), QStringList{QStringLiteral("Office 2013")});
+        p.f->mnuTheme[0]->trigger();
+        QCOMPARE(coches(), (QStringList{QStringLiteral("Office 2000"), QStringLiteral("Office 2013")}));
+        QCOMPARE(p.f->CalendarControl->theme(), 0);
+        p.f->mnuTheme[1]->trigger();
+        QCOMPARE(coches(), QStringList{QStringLiteral("Office XP")});
+        QCOMPARE(p.f->CalendarControl->theme(), 1);
+    }
+
+    void suppression_data()
+    {
+        QTest::addColumn<bool>("serie");
+        QTest::addColumn<QList<int>>("reponses");     // Oui 6 / Non 7 to the box
+        QTest::addColumn<QList<int>>("choix");        // what the chooser answers
+        QTest::addColumn<int>("questionsChoix");
+        QTest::addColumn<QStringList>("lundi");
+        QTest::addColumn<QStringList>("mardi");
+        const QStringList vide;
+        const QStringList unLundi{QStringLiteral("10:00 A")}, unMardi{QStringLiteral("10:00 A")};
+        QTest::newRow("simple, oui") << false << QList<int>{6} << QList<int>{} << 0 << vide << vide;
+        QTest::newRow("simple, non") << false << QList<int>{7} << QList<int>{} << 0 << unLundi << vide;
+        QTest::newRow("occurrence") << true << QList<int>{6} << QList<int>{int(ChoixOccurrence::Occurrence)} << 1 << vide << unMardi;
+        QTest::newRow("série") << true << QList<int>{6} << QList<int>{int(ChoixOccurrence::Serie)} << 1 << vide << vide;
+        QTest::newRow("série, choix annulé") << true << QList<int>{6} << QList<int>{int(ChoixOccurrence::Annule)} << 1 << unLundi
+                                               << unMardi;
+        QTest::newRow("série, non") << true << QList<int>{7} << QList<int>{} << 0 << unLundi << unMardi;
+    }
+
+    void suppression()
+    {
+        QFETCH(bool, serie);
+        QFETCH(QList<int>, reponses);
+        QFETCH(QList<int>, choix);
+        QFETCH(int, questionsChoix);
+        QFETCH(QStringList, lundi);
+        QFETCH(QStringList, mardi);
+        Poste p;
+        p.ajouter(QStringLiteral("A"), Maintenant, serie);
+        for (int r : reponses)
+            p.repondeur.repondre(Prompt::Reponse(r));
+        for (int c : choix)
+            p.choix.append(ChoixOccurrence(c));
+        p.f->clicDroit(surRendezVous(p.premierDuJour(Maintenant.date())));
+        p.action(QStringLiteral("mnuDeleteEvent"))->trigger();
+
+        QCOMPARE(p.repondeur.appels().size(), 1);
+        const auto &q = p.repondeur.appels().first();
+        QCOMPARE(q.titre, QStringLiteral("Supprimer un Rendez-Vous"));
+        QCOMPARE(q.texte, QStringLiteral("Êtes-vous sûr de vouloir supprimer ce Rendez-Vous ? "));
+        QCOMPARE(q.icone, Prompt::Icone::Question);
+        QCOMPARE(q.boutons, Prompt::Boutons::OuiNon);
+        QCOMPARE(p.repondeur.imprevus(), 0);
+        QCOMPARE(p.questionsChoix.size(), questionsChoix);
+        if (questionsChoix)
+            QCOMPARE(p.questionsChoix.first(), QStringLiteral("effacer:A"));
+        QCOMPARE(p.jour(QDate(2026, 11, 23)), lundi);
+        QCOMPARE(p.jour(QDate(2026, 11, 24)), mardi);
+    }
+
+    // The box's default is No: a user who just presses Enter keeps the
+    // appointment.
+    void suppressionNonParDefaut()
+    {
+        Poste p;
+        p.ajouter(QStringLiteral("A"), Maintenant);
+        p.f->clicDroit(surRendezVous(p.premierDuJour(Maintenant.date())));
+        p.action(QStringLiteral("mnuDeleteEvent"))->trigger();
+        QCOMPARE(p.repondeur.imprevus(), 1);
+        QCOMPARE(p.jour(QDate(2026, 11, 23)).size(), 1);
+    }
+
+    void suppressionClavier_data()
+    {
+        QTest::addColumn<int>("reponse");
+        QTest::addColumn<int>("restants");
+        QTest::newRow("oui") << int(Prompt::Reponse::Oui) << 0;
+        QTest::newRow("non") << int(Prompt::Reponse::Non) << 1;
+    }
+
+    void suppressionClavier()
+    {
+        QFETCH(int, reponse);
+        QFETCH(int, restants);
+        Poste p;
+        p.ajouter(QStringLiteral("A"), Maintenant, true);
+        p.f->show();
+        p.f->CalendarControl->Populate();
+        const CalendarEventPtr occurrence = p.f->CalendarControl->shownEvents().first();
+        QCOMPARE(occurrence->RecurrenceState(), int(CalendarEvent::Occurrence));
+        CalendarSelection s{occurrence->StartDateTime(), occurrence->EndDateTime(), false};
+        p.f->CalendarControl->selectFromPane(s, {occurrence});
+        p.repondeur.repondre(Prompt::Reponse(reponse));
+        p.f->CalendarControl->setFocus();
+        QTest::keyClick(p.f->CalendarControl, Qt::Key_Delete);
+        QCOMPARE(p.repondeur.textes(), QStringList{QStringLiteral("Êtes vous sûr de vouloir supprimer ce ou ces rendez-vous ? ")});
+        QCOMPARE(p.repondeur.appels().first().titre, QStringLiteral("Suppression..."));
+        QVERIFY(p.questionsChoix.isEmpty());
+        QCOMPARE(p.jour(QDate(2026, 11, 23)).size(), restants);
+        QCOMPARE(p.jour(QDate(2026, 11, 24)).size(), 1);
+    }
+
+    // Cut, copy and paste of the menu and of both bars follow the view.
+    void etatDesCommandes()
+    {
+        Poste p;
+        p.ajouter(QStringLiteral("A"), Maintenant);
+        p.f->actualiser();
+        auto etats = [&] {
+            QString r;
+            for (const char *nom : {"mnuCut", "mnuCopy", "mnuPaste", "KelmoToolbar1(6)", "KelmoToolbar1(7)", "KelmoToolbar1(8)",
+                                    "Toolbar(6)", "Toolbar(7)", "Toolbar(8)"})
+                r += p.action(QString::fromLatin1(nom))->isEnabled() ? QLatin1Char('1') : QLatin1Char('0');
+            return r;
+        };
+        QCOMPARE(etats(), QStringLiteral("000000000"));
+        const CalendarEventPtr e = p.f->CalendarControl->shownEvents().first();
+        p.f->CalendarControl->selectFromPane({e->StartDateTime(), e->EndDateTime(), false}, {e});
+        QCOMPARE(etats(), QStringLiteral("110110110"));
+        p.action(QStringLiteral("KelmoToolbar1(7)"))->trigger();
+        QCOMPARE(etats(), QStringLiteral("111111111"));
+        p.f->CalendarControl->selectFromPane({QDateTime(QDate(2026, 11, 24), QTime(9, 0)), QDateTime(QDate(2026, 11, 24), QTime(9, 30)), false},
+                                             {});
+        QCOMPARE(etats(), QStringLiteral("001001001"));
+        p.action(QStringLiteral("mnuPaste"))->trigger();
+        QCOMPARE(p.jour(QDate(2026, 11, 24)), QStringList{QStringLiteral("09:00 A")});
+    }
+
+    void ouverture_data()
+    {
+        QTest::addColumn<bool>("serie");
+        QTest::addColumn<int>("choix");
+        QTest::addColumn<int>("etatOuvert"); // -1: nothing opened
+        QTest::newRow("simple") << false << int(ChoixOccurrence::Annule) << int(CalendarEvent::NotRecurring);
+        QTest::newRow("occurrence") << true << int(ChoixOccurrence::Occurrence) << int(CalendarEvent::Exception);
+        QTest::newRow("série") << true << int(ChoixOccurrence::Serie) << int(CalendarEvent::Master);
+        QTest::newRow("annulé") << true << int(ChoixOccurrence::Annule) << -1;
+    }
+
+    void ouverture()
+    {
+        QFETCH(bool, serie);
+        QFETCH(int, choix);
+        QFETCH(int, etatOuvert);
+        Poste p;
+        const CalendarEventPtr maitre = p.ajouter(QStringLiteral("A"), Maintenant, serie);
+        const QDate jour = serie ? QDate(2026, 11, 24) : QDate(2026, 11, 23);
+        const CalendarEventPtr cible = p.premierDuJour(jour);
+        p.choix.append(ChoixOccurrence(choix));
+        p.f->doubleClic(surRendezVous(cible));
+        QCOMPARE(p.questionsChoix, serie ? QStringList{QStringLiteral("ouvrir:A")} : QStringList{});
+        const CalendarEventPtr ouvert = p.f->dernierEvenementOuvert();
+        if (etatOuvert < 0) {
+            QVERIFY(!ouvert);
+            QVERIFY(p.etat().isEmpty());
+            return;
+        }
+        QVERIFY(ouvert);
+        QCOMPARE(ouvert->RecurrenceState(), etatOuvert);
+        QCOMPARE(p.etat(), QStringLiteral("La saisie des rendez-vous n'est pas encore disponible."));
+        if (etatOuvert == CalendarEvent::Exception) {
+            // A copy: the shared occurrence stays as it was until the editor
+            // hands its work back.
+            QVERIFY(ouvert != cible);
+            QCOMPARE(cible->RecurrenceState(), int(CalendarEvent::Occurrence));
+            QCOMPARE(ouvert->RExceptionStartTimeOrig(), QDateTime(QDate(2026, 11, 24), QTime(10, 0)));
+        } else if (etatOuvert == CalendarEvent::Master) {
+            QCOMPARE(ouvert->EventID(), maitre->EventID());
+        }
+        QCOMPARE(p.jour(jour).size(), 1);
+    }
+
+    void doubleClicSurCaseVide()
+    {
+        Poste p;
+        appState().RegleCourante.PraticienNumero = 2;
+        CalendarHit h;
+        h.area = HitDayCell;
+        p.f->doubleClic(h);
+        QCOMPARE(appState().RegleCourante.PraticienNumero, qint16(0));
+        QVERIFY(!p.f->dernierEvenementOuvert());
+        QCOMPARE(p.etat(), QStringLiteral("La saisie des rendez-vous n'est pas encore disponible."));
+        QCOMPARE(p.jour(Maintenant.date()), QStringList{});
+    }
+
+    void presence()
+    {
+        Poste p;
+        p.ajouter(QStringLiteral("A"), Maintenant);
+        p.f->clicDroit(surRendezVous(p.premierDuJour(Maintenant.date())));
+        p.action(QStringLiteral("mnuPatientEnSalle"))->trigger();
+        QCOMPARE(p.premierDuJour(Maintenant.date())->BusyStatus(), 0);
+        p.action(QStringLiteral("mnuPatientSorti"))->trigger();
+        QCOMPARE(p.premierDuJour(Maintenant.date())->BusyStatus(), 1);
+        // The changes went to the patient base's copy without a complaint.
+        QCOMPARE(p.repondeur.appels().size(), 0);
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("miroir"));
+            db.setDatabaseName(CheminPatientsMdb(appState().CheminBaseAgenda));
+            QVERIFY(db.open());
+            QSqlQuery q(QStringLiteral("SELECT Numero, HeureRV FROM Events"), db);
+            QVERIFY(q.next());
+            QCOMPARE(q.value(0).toInt(), 12);
+            QCOMPARE(q.value(1).toString(), QStringLiteral("10:00:00"));
+            QVERIFY(!q.next());
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("miroir"));
+    }
+
+    void gardes_data()
+    {
+        QTest::addColumn<bool>("sansGlisser");
+        QTest::addColumn<bool>("sansWeekEnd");
+        QTest::addColumn<int>("operation");
+        QTest::addColumn<bool>("serie");
+        QTest::addColumn<QDate>("jourSelection");
+        QTest::addColumn<bool>("refuse");
+        const QDate lundi(2026, 11, 23), samedi(2026, 11, 28);
+        QTest::newRow("redimensionner série") << true << false << int(OpResizeEnd) << true << lundi << true;
+        QTest::newRow("créer samedi") << false << true << int(OpCreateInPlace) << false << samedi << true;
+        QTest::newRow("créer lundi") << false << true << int(OpCreateInPlace) << false << lundi << false;
+        QTest::newRow("créer samedi, permis") << false << false << int(OpCreateInPlace) << false << samedi << false;
+    }
+
+    void gardes()
+    {
+        QFETCH(bool, sansGlisser);
+        QFETCH(bool, sansWeekEnd);
+        QFETCH(int, operation);
+        QFETCH(bool, serie);
+        QFETCH(QDate, jourSelection);
+        QFETCH(bool, refuse);
+        Poste p;
+        p.f->setDisableDraggingRecurrenceEvents(sansGlisser);
+        p.f->setDisableInPlaceCreateSaSu(sansWeekEnd);
+        p.ajouter(QStringLiteral("A"), Maintenant, serie);
+        const CalendarEventPtr e = p.premierDuJour(Maintenant.date());
+        p.f->CalendarControl->ShowDay(jourSelection);
+        p.f->CalendarControl->setSelection({QDateTime(jourSelection, QTime(9, 0)), QDateTime(jourSelection, QTime(9, 30)), false});
+        QCOMPARE(p.f->refuserOperation(operation, {e}), refuse);
+    }
+
+    // A real drag of Monday's appointment to 11:00, through the view.
+    void glisserALaSouris_data()
+    {
+        QTest::addColumn<bool>("sansGlisser");
+        QTest::addColumn<bool>("serie");
+        QTest::addColumn<QString>("lundi");
+        QTest::newRow("série, glisser interdit") << true << true << QStringLiteral("10:00 A");
+        QTest::newRow("simple, glisser interdit") << true << false << QStringLiteral("11:00 A");
+        QTest::newRow("série, glisser permis") << false << true << QStringLiteral("11:00 A");
+    }
+
+    void glisserALaSouris()
+    {
+        QFETCH(bool, sansGlisser);
+        QFETCH(bool, serie);
+        QFETCH(QString, lundi);
+        Poste p;
+        p.ajouter(QStringLiteral("A"), Maintenant, serie);
+        p.f->setDisableDraggingRecurrenceEvents(sansGlisser);
+        p.f->resize(1200, 800);
+        p.f->show();
+        QVERIFY(QTest::qWaitForWindowExposed(p.f.get()));
+        p.f->actualiser();
+        CalendarView *vue = p.f->CalendarControl;
+        std::optional<QPoint> de, vers;
+        for (int y = 5; y < vue->height(); y += 3)
+            for (int x = 70; x < vue->width() / 5; x += 9) {
+                const CalendarHit h = vue->hitTest(QPoint(x, y));
+                if (!de && h.event && h.area == HitEvent)
+                    de = QPoint(x, y);
+                if (!vers && !h.event && h.area == HitDayCell && h.time == Maintenant.addSecs(3600))
+                    vers = QPoint(x, y + 2);
+            }
+        QVERIFY(de && vers);
+        QWidget *volet = vue->childAt(*de);
+        QTest::mousePress(volet, Qt::LeftButton, {}, volet->mapFrom(vue, *de));
+        for (int i = 1; i <= 4; ++i)
+            QTest::mouseMove(volet, volet->mapFrom(vue, *de + (*vers - *de) * i / 4));
+        QTest::mouseRelease(volet, Qt::LeftButton, {}, volet->mapFrom(vue, *vers));
+        QCOMPARE(p.jour(Maintenant.date()), QStringList{lundi});
+        QCOMPARE(p.jour(QDate(2026, 11, 24)), serie ? QStringList{QStringLiteral("10:00 A")} : QStringList{});
+    }
+
+    // Another workstation writes into the same Events.mdb: the next tick of
+    // Timer1 shows its appointment.
+    void actualisationParTimer1()
+    {
+        Poste p;
+        CalendarDataProvider autre;
+        QVERIFY(autre.SetDataProvider(p.demarrage.connexionEvenements()));
+        QVERIFY(autre.Open());
+        CalendarEventPtr e = autre.CreateNewEvent(Maintenant.addDays(1), Maintenant.addDays(1).addSecs(1800));
+        e->setSubject(QStringLiteral("Poste 2"));
+        QVERIFY(autre.AddEvent(e));
+        auto sujets = [&] {
+            QStringList r;
+            for (const CalendarEventPtr &x : p.f->CalendarControl->shownEvents())
+                r.append(x->Subject());
+            return r;
+        };
+        QCOMPARE(sujets(), QStringList{});
+        p.f->resize(1000, 500);
+        p.f->show();
+        CalendarView *vue = p.f->CalendarControl;
+        const CalendarSelection choisie{QDateTime(QDate(2026, 11, 25), QTime(15, 0)), QDateTime(QDate(2026, 11, 25), QTime(15, 30)),
+                                        false};
+        vue->setSelection(choisie);
+        vue->setScrollPosition(120);
+        const int defilement = vue->scrollPosition();
+        QVERIFY(QMetaObject::invokeMethod(p.f->Timer1, "timeout"));
+        QCOMPARE(sujets(), QStringList{QStringLiteral("Poste 2")});
+        // The reading leaves the user where they were.
+        QCOMPARE(vue->selection(), choisie);
+        QCOMPARE(vue->scrollPosition(), defilement);
+        autre.Close();
+    }
+
+    // Another store attached: the calendar shows its appointments at once.
+    void autreFournisseur()
+    {
+        Poste p;
+        QTemporaryDir ailleurs;
+        const QString connexion = QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source='%1/Events.mdb';").arg(ailleurs.path());
+        {
+            CalendarDataProvider autre;
+            QVERIFY(autre.SetDataProvider(connexion));
+            QVERIFY(autre.Open() || autre.Create());
+            CalendarEventPtr e = autre.CreateNewEvent(Maintenant, Maintenant.addSecs(1800));
+            e->setSubject(QStringLiteral("Ailleurs"));
+            QVERIFY(autre.AddEvent(e));
+            autre.Close();
+        }
+        QVERIFY(p.f->OpenProvider(2, connexion));
+        QCOMPARE(appState().TypeFournisseur, 2);
+        QCOMPARE(p.f->CalendarControl->shownEvents().size(), 1);
+        QCOMPARE(p.f->CalendarControl->shownEvents().first()->Subject(), QStringLiteral("Ailleurs"));
+    }
+
+    void rechercheAbandonnee()
+    {
+        Poste p;
+        QStringList recherches;
+        int fiches = 0;
+        ExecuteurInstalle executeur([&](QDialog &d) {
+            recherches.append(QString::fromLatin1(d.metaObject()->className()));
+            d.reject();
+            return int(QDialog::Rejected);
+        });
+        const OuvreurFiche avant = FixerOuvreurFiche([&](FichePatient, QWidget *) { ++fiches; });
+        p.action(QStringLiteral("KelmoToolbar1(12)"))->trigger();
+        FixerOuvreurFiche(avant);
+        QCOMPARE(recherches, QStringList{QStringLiteral("Recherche_patient_Agenda")});
+        QCOMPARE(fiches, 0);
+        QCOMPARE(RetourRecherche, 0);
+    }
+
+    void rappels()
+    {
+        Poste p;
+        Reminder r;
+        r.Event = CalendarEvent::create(1);
+        r.Event->setSubject(QStringLiteral("DUPONT    Jean     "));
+        r.StartTime = QDateTime(QDate(2026, 11, 23), QTime(10, 30));
+        ReminderEngine &moteur = *appState().MoteurRappels;
+
+        // Under an open dialog the reminder waits for it to close.
+        p.f->DialoguesOuverts = 1;
+        emit moteur.reminderAction(ReminderEngine::Fire, r);
+        QVERIFY(p.f->timerRMDForm->isActive());
+        QVERIFY(p.etat().isEmpty());
+        QVERIFY(QMetaObject::invokeMethod(p.f->timerRMDForm, "timeout"));
+        QVERIFY(p.f->timerRMDForm->isActive());
+        QVERIFY(p.etat().isEmpty());
+        p.f->DialoguesOuverts = 0;
+        QVERIFY(QMetaObject::invokeMethod(p.f->timerRMDForm, "timeout"));
+        QVERIFY(!p.f->timerRMDForm->isActive());
+        QCOMPARE(p.etat(), QStringLiteral("Rappel : DUPONT Jean à 10:30"));
+
+        // Other actions only concern the reminder window.
+        p.f->StatusBar->clearMessage();
+        emit moteur.reminderAction(ReminderEngine::Dismissed, r);
+        QVERIFY(p.etat().isEmpty());
+        emit moteur.reminderAction(ReminderEngine::Fire, r);
+        QCOMPARE(p.etat(), QStringLiteral("Rappel : DUPONT Jean à 10:30"));
+    }
+
+    void menuRappelsSuitLeMoteur()
+    {
+        Poste p;
+        QVERIFY(!p.f->mnuReminders->isEnabled());
+        appState().MoteurRappels->setEnabled(true);
+        emit p.f->mnuRappels->aboutToShow();
+        QVERIFY(p.f->mnuReminders->isEnabled());
+        p.f->mnuReminders->trigger();
+        QCOMPARE(p.etat(), QStringLiteral("Aucun rappel de rendez-vous en cours."));
+        appState().MoteurRappels->setEnabled(false);
+        emit p.f->mnuCalendar->aboutToShow();
+        QVERIFY(!p.f->mnuReminders->isEnabled());
     }
 
     void fermetureLanceLArret()
@@ -53,10 +779,10 @@ private Q_SLOTS:
         Demarrage d(appState(), prog.chemin());
         QVERIFY(!d.initialiser(QString()));
         ParametresFenetre p;
-        p.rappelsActifs = true;
         QVERIFY(!d.charger(p));
         p.rappelsActifs = true;
         frmMain f(d, p);
+        QVERIFY(appState().MoteurRappels->isEnabled());
         f.show();
         QVERIFY(f.close());
         QVERIFY(!appState().ConfigDb);

@@ -1,12 +1,127 @@
 #include "calendar/view/datepicker.h"
 
+#include "calendar/calendardataprovider.h"
 #include "calendar/view/calendarview.h"
+
+#include <QTextCharFormat>
 
 DatePicker::DatePicker(QWidget *parent) : QCalendarWidget(parent)
 {
     setObjectName(QStringLiteral("wndDatePicker"));
+    setLocale(QLocale(QLocale::French, QLocale::France));
+    setFirstDayOfWeek(Qt::Monday);
+    setVerticalHeaderFormat(QCalendarWidget::ISOWeekNumbers);
+    setHorizontalHeaderFormat(QCalendarWidget::ShortDayNames);
+    setGridVisible(false);
+
+    connect(this, &QCalendarWidget::clicked, this, &DatePicker::dayChosen);
+    connect(this, &QCalendarWidget::activated, this, &DatePicker::dayChosen);
+    connect(this, &QCalendarWidget::selectionChanged, this, [this] { dayChosen(selectedDate()); });
+    connect(this, &QCalendarWidget::currentPageChanged, this, [this] { RedrawControl(); });
 }
 
-void DatePicker::AttachToCalendar(CalendarView *) {}
+void DatePicker::AttachToCalendar(CalendarView *view)
+{
+    for (const QMetaObject::Connection &c : std::as_const(m_viewLinks))
+        disconnect(c);
+    m_viewLinks.clear();
+    m_view = view;
+    if (view) {
+        m_viewLinks.append(connect(view, &CalendarView::viewChanged, this, &DatePicker::followView));
+        m_viewLinks.append(connect(view, &CalendarView::eventsEdited, this, &DatePicker::RedrawControl));
+    }
+    followView();
+}
 
-void DatePicker::RedrawControl() {}
+void DatePicker::followView()
+{
+    m_shown.clear();
+    if (m_view) {
+        for (int i = 0; i < m_view->shownDaysCount(); ++i)
+            m_shown.append(m_view->shownDay(i));
+    }
+    if (!m_shown.isEmpty()) {
+        // The day the view was brought to when it is on show (a month view
+        // starts in the month before), otherwise the first day shown.
+        const QDate chosen = m_view->selection().begin.date();
+        const QDate day = chosen.isValid() && m_shown.contains(chosen) ? chosen : m_shown.first();
+        const int page = yearShown() * 12 + monthShown();
+        m_following = true;
+        setSelectedDate(day);
+        m_following = false;
+        if (yearShown() * 12 + monthShown() != page)
+            return; // the page change has read the month already
+    }
+    RedrawControl();
+}
+
+void DatePicker::dayChosen(const QDate &day)
+{
+    if (m_following || !m_view || !day.isValid())
+        return;
+    if (m_shown.contains(day) && m_view->selection().begin.date() == day)
+        return;
+    m_view->ShowDay(day);
+}
+
+void DatePicker::watchProvider()
+{
+    CalendarDataProvider *provider = m_view ? m_view->dataProvider() : nullptr;
+    if (provider == m_provider)
+        return;
+    for (const QMetaObject::Connection &c : std::as_const(m_providerLinks))
+        disconnect(c);
+    m_providerLinks.clear();
+    m_provider = provider;
+    if (provider) {
+        m_providerLinks.append(connect(provider, &CalendarDataProvider::eventAdded, this, &DatePicker::RedrawControl));
+        m_providerLinks.append(connect(provider, &CalendarDataProvider::eventChanged, this, &DatePicker::RedrawControl));
+        m_providerLinks.append(connect(provider, &CalendarDataProvider::eventDeleted, this, &DatePicker::RedrawControl));
+    }
+}
+
+void DatePicker::RedrawControl()
+{
+    watchProvider();
+    m_busy.clear();
+    const QDate first(yearShown(), monthShown(), 1);
+    const QDate last = first.addMonths(1).addDays(-1);
+    if (m_provider && m_provider->IsOpen()) {
+        for (const CalendarEventPtr &e : m_provider->RetrieveEvents(first, last)) {
+            if (!e)
+                continue;
+            // Every day the appointment covers; one ending at midnight does
+            // not cover the day it ends on.
+            QDate from = e->StartDateTime().date();
+            QDate to = e->EndDateTime().date();
+            if (to > from && e->EndDateTime().time() == QTime(0, 0))
+                to = to.addDays(-1);
+            if (to < from)
+                to = from;
+            for (QDate d = std::max(from, first); d <= std::min(to, last); d = d.addDays(1))
+                m_busy.insert(d);
+        }
+    }
+    applyFormats();
+}
+
+void DatePicker::applyFormats()
+{
+    // Clears every format set before, then marks the shown range and the
+    // days with appointments.
+    setDateTextFormat(QDate(), QTextCharFormat());
+    const QColor base = palette().color(QPalette::Base);
+    const QColor mark = palette().color(QPalette::Highlight);
+    const QColor range = QColor::fromRgbF(base.redF() * 0.8 + mark.redF() * 0.2, base.greenF() * 0.8 + mark.greenF() * 0.2,
+                                          base.blueF() * 0.8 + mark.blueF() * 0.2);
+    for (const QDate &d : std::as_const(m_shown)) {
+        QTextCharFormat f = dateTextFormat(d);
+        f.setBackground(range);
+        setDateTextFormat(d, f);
+    }
+    for (const QDate &d : std::as_const(m_busy)) {
+        QTextCharFormat f = dateTextFormat(d);
+        f.setFontWeight(QFont::Bold);
+        setDateTextFormat(d, f);
+    }
+}

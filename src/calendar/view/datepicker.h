@@ -2,12 +2,17 @@
 
 #include <QCalendarWidget>
 #include <QDate>
+#include <QList>
+#include <QPointer>
+#include <QSet>
 
+class CalendarDataProvider;
 class CalendarView;
 
 // The month calendar beside the book (wndDatePicker): it follows the days the
 // view shows, a click brings the clicked day on show in the view, and days
-// that hold an appointment are drawn in bold.
+// that hold an appointment are drawn in bold. Weeks start on Monday and carry
+// their ISO number; names are French whatever the machine's language.
 class DatePicker final : public QCalendarWidget
 {
     Q_OBJECT
@@ -19,4 +24,23 @@ public:
     void AttachToCalendar(CalendarView *view);
     // Reads again which days of the shown month hold appointments.
     void RedrawControl();
+
+    // Days of the shown month found holding an appointment at the last read.
+    [[nodiscard]] const QSet<QDate> &busyDays() const { return m_busy; }
+
+private:
+    void followView();
+    void dayChosen(const QDate &day);
+    void watchProvider();
+    void applyFormats();
+
+    QPointer<CalendarView> m_view;
+    QPointer<CalendarDataProvider> m_provider;
+    QList<QMetaObject::Connection> m_viewLinks;
+    QList<QMetaObject::Connection> m_providerLinks;
+    QList<QDate> m_shown;   // the days the view shows
+    QSet<QDate> m_busy;
+    // Set while the picker moves itself to follow the view, so that its own
+    // selection signals are not sent back to the view.
+    bool m_following = false;
 };

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "calendar/view/calendarpane.h"
+#include "calendar/view/monthpane.h"
 
 // The week view: the seven days of the week as boxes in two columns,
-// Monday to Wednesday on the left, Thursday to Sunday on the right.
-class WeekPane final : public CalendarPane
+// Monday to Wednesday on the left, Thursday to Sunday on the right, with
+// Saturday and Sunday sharing the last box.
+class WeekPane final : public DayBoxPane
 {
     Q_OBJECT
 
@@ -12,10 +13,13 @@ public:
     WeekPane(CalendarView *view, QWidget *parent);
 
     [[nodiscard]] QList<QDate> daysFor(const QDate &anchor) const override;
-    void setDays(const QList<QDate> &days) override;
-    void eventsChanged() override;
-    [[nodiscard]] CalendarHit hitTest(const QPoint &pos) const override;
+    // Header of a day box: "ddd, dd MMMM" in French.
+    [[nodiscard]] static QString headerText(const QDate &day);
 
-private:
-    QList<QDate> m_days;
+protected:
+    void placeBoxes() override;
+    [[nodiscard]] int boxArea() const override { return HitWeekDay; }
+    [[nodiscard]] int daysPerRow() const override { return 1; }
+    [[nodiscard]] QDate stepDay(int direction) const override;
+    void paintEvent(QPaintEvent *event) override;
 };

@@ -1,0 +1,223 @@
+// The main window's commands on appointments and its reminder routing.
+
+#include "shell/frmmain.h"
+
+#include "calendar/calendardataprovider.h"
+#include "calendar/view/calendarview.h"
+#include "calendar/view/datepicker.h"
+#include "shell/appstate.h"
+#include "shell/prompt.h"
+#include "shell/regleslignedate.h"
+
+#include <QAction>
+#include <QCursor>
+#include <QMenu>
+#include <QStatusBar>
+#include <QTimer>
+
+// --- Clicks on the calendar ----------------------------------------------
+
+void frmMain::doubleClic(const CalendarHit &hit)
+{
+    if (!hit.event) {
+        appState().RegleCourante = RegleMatch{};
+        ouvrirEditeurNouveau();
+        return;
+    }
+    ouvrirEvenement(hit.event);
+}
+
+void frmMain::clicDroit(const CalendarHit &hit)
+{
+    if (hit.event) {
+        m_evenementCible = hit.event;
+        afficherMenuContextuel(mnuContexEditEvent);
+    } else if (hit.area == HitTimeScale) {
+        afficherMenuContextuel(mnuContextTimeScale);
+    } else {
+        afficherMenuContextuel(mnuContextNewEvent);
+    }
+}
+
+void frmMain::afficherMenuContextuel(QMenu *menu)
+{
+    m_menuDemande = menu;
+    if (afficherMenu)
+        afficherMenu(menu, QCursor::pos());
+}
+
+// --- Opening and the editor ----------------------------------------------
+
+CalendarEventPtr frmMain::maitreDe(const CalendarEventPtr &evenement) const
+{
+    const CalendarRecurrencePatternPtr serie = evenement->RecurrencePattern();
+    if (!serie)
+        return evenement->RecurrenceState() == CalendarEvent::Master ? evenement : CalendarEventPtr();
+    if (CalendarEventPtr maitre = serie->MasterEvent())
+        return maitre;
+    // The master read with the week may have gone since: ask the store.
+    if (CalendarDataProvider *fournisseur = CalendarControl->dataProvider())
+        return fournisseur->GetEvent(serie->MasterEventID());
+    return {};
+}
+
+void frmMain::ouvrirEvenement(CalendarEventPtr evenement)
+{
+    if (!evenement)
+        return;
+    if (evenement->RecurrenceState() != CalendarEvent::NotRecurring) {
+        const ChoixOccurrence choix = choisirOccurrenceOuSerie(false, evenement->Subject());
+        if (choix == ChoixOccurrence::Annule)
+            return;
+        if (choix == ChoixOccurrence::Occurrence) {
+            if (evenement->RecurrenceState() == CalendarEvent::Occurrence) {
+                // The occurrence is edited as an exception of its own.
+                evenement = evenement->CloneEvent();
+                evenement->MarkAsRecurrenceException();
+            }
+        } else {
+            evenement = maitreDe(evenement);
+            if (!evenement)
+                return;
+        }
+    }
+    ouvrirEditeur(evenement);
+}
+
+void frmMain::ouvrirEditeurNouveau()
+{
+    m_dernierOuvert.reset();
+    StatusBar->showMessage(QStringLiteral("La saisie des rendez-vous n'est pas encore disponible."), 8000);
+}
+
+void frmMain::ouvrirEditeur(const CalendarEventPtr &evenement)
+{
+    m_dernierOuvert = evenement;
+    StatusBar->showMessage(QStringLiteral("La saisie des rendez-vous n'est pas encore disponible."), 8000);
+}
+
+// --- Delete and presence -------------------------------------------------
+
+void frmMain::supprimerEvenementCible()
+{
+    const CalendarEventPtr evenement = m_evenementCible;
+    if (!evenement)
+        return;
+    Prompt::Message question;
+    question.titre = QStringLiteral("Supprimer un Rendez-Vous");
+    question.texte = QStringLiteral("Êtes-vous sûr de vouloir supprimer ce Rendez-Vous ? ");
+    question.icone = Prompt::Icone::Question;
+    question.boutons = Prompt::Boutons::OuiNon;
+    question.parDefaut = Prompt::Reponse::Non;
+    if (Prompt::demander(question) != Prompt::Reponse::Oui)
+        return;
+
+    CalendarDataProvider *fournisseur = CalendarControl->dataProvider();
+    if (!fournisseur)
+        return;
+    const int etat = evenement->RecurrenceState();
+    if (etat == CalendarEvent::Occurrence || etat == CalendarEvent::Exception) {
+        const ChoixOccurrence choix = choisirOccurrenceOuSerie(true, evenement->Subject());
+        if (choix == ChoixOccurrence::Annule)
+            return;
+        if (choix == ChoixOccurrence::Serie) {
+            if (const CalendarEventPtr maitre = maitreDe(evenement))
+                fournisseur->DeleteEvent(maitre);
+        } else {
+            fournisseur->DeleteEvent(evenement);
+        }
+    } else {
+        fournisseur->DeleteEvent(evenement);
+    }
+    CalendarControl->Populate();
+    wndDatePicker->RedrawControl();
+}
+
+void frmMain::changerPresence(int busyStatus)
+{
+    const CalendarEventPtr evenement = m_evenementCible;
+    CalendarDataProvider *fournisseur = CalendarControl->dataProvider();
+    if (!evenement || !fournisseur)
+        return;
+    evenement->setBusyStatus(busyStatus);
+    fournisseur->ChangeEvent(evenement);
+    CalendarControl->Populate();
+}
+
+// --- Guards of the calendar's own operations ------------------------------
+
+bool frmMain::refuserOperation(int operation, const QList<CalendarEventPtr> &evenements) const
+{
+    const int etat = evenements.isEmpty() || !evenements.first() ? -1 : evenements.first()->RecurrenceState();
+    if (RefuserGlisserRecurrent(m_sansGlisserRecurrents, operation, etat))
+        return true;
+    if (operation == OpCreateInPlace && m_sansCreationWeekEnd) {
+        const CalendarSelection selection = CalendarControl->selection();
+        return RefuserCreationWeekEnd(true, operation, selection.begin, selection.end, selection.allDay);
+    }
+    return false;
+}
+
+bool frmMain::confirmerOperation(int operation) const
+{
+    if (operation != OpDeleteSelected && operation != OpDeleteEvent)
+        return true;
+    Prompt::Message question;
+    question.titre = QStringLiteral("Suppression...");
+    question.texte = QStringLiteral("Êtes vous sûr de vouloir supprimer ce ou ces rendez-vous ? ");
+    question.icone = Prompt::Icone::Question;
+    question.boutons = Prompt::Boutons::OuiNon;
+    question.parDefaut = Prompt::Reponse::Non;
+    return Prompt::demander(question) == Prompt::Reponse::Oui;
+}
+
+// --- Reminders -------------------------------------------------------------
+
+bool frmMain::rappelsActifs() const
+{
+    const auto &moteur = appState().MoteurRappels;
+    return moteur ? moteur->isEnabled() : m_rappelsActifs;
+}
+
+void frmMain::majMenuRappels()
+{
+    mnuReminders->setEnabled(rappelsActifs());
+}
+
+void frmMain::surRappel(int action, const Reminder &rappel)
+{
+    if (action != ReminderEngine::Fire)
+        return;
+    m_rappelEnAttente = rappel;
+    if (DialoguesOuverts != 0)
+        timerRMDForm->start();
+    else
+        montrerRappel();
+}
+
+void frmMain::verifierRappels()
+{
+    if (DialoguesOuverts != 0)
+        return;
+    timerRMDForm->stop();
+    montrerRappel();
+}
+
+void frmMain::montrerRappel()
+{
+    // The reminder list window takes this place when it comes; until then
+    // the due reminder is told in the status bar.
+    if (!m_rappelEnAttente.isNull())
+        StatusBar->showMessage(TexteRappelBarreEtat(m_rappelEnAttente));
+}
+
+void frmMain::commandeRappels()
+{
+    if (DialoguesOuverts != 0)
+        return;
+    const auto &moteur = appState().MoteurRappels;
+    const int n = moteur ? moteur->Count() : 0;
+    StatusBar->showMessage(n == 0 ? QStringLiteral("Aucun rappel de rendez-vous en cours.")
+                                  : QStringLiteral("Rappels de rendez-vous en cours : %1").arg(n),
+                           8000);
+}
