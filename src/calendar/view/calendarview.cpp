@@ -305,6 +305,19 @@ bool CalendarView::commitChangedEvent(const CalendarEventPtr &event)
     return ok;
 }
 
+bool CalendarView::addCopyOfEvent(const CalendarEventPtr &event, const QDateTime &start, const QDateTime &end)
+{
+    CalendarEventPtr copie = copieIndependante(event);
+    copie->setStartDateTime(start);
+    copie->setEndDateTime(end);
+    copie->setCreationTime({});
+    const bool ok = m_provider && m_provider->AddEvent(copie);
+    Populate();
+    if (ok)
+        emit eventsEdited();
+    return ok;
+}
+
 CalendarPane *CalendarView::currentPane() const { return paneFor(m_type); }
 
 void CalendarView::keyPressEvent(QKeyEvent *event)

@@ -127,6 +127,9 @@ public:
     // Writes an appointment a pane moved or resized (times already set on it)
     // through the provider, reads the shown days again and emits eventsEdited.
     bool commitChangedEvent(const CalendarEventPtr &event);
+    // Adds a plain copy of the appointment at these times (a drag with Ctrl),
+    // reads the shown days again and emits eventsEdited.
+    bool addCopyOfEvent(const CalendarEventPtr &event, const QDateTime &start, const QDateTime &end);
     // The pane of the current view type.
     [[nodiscard]] CalendarPane *currentPane() const;
 

@@ -208,7 +208,9 @@ QRect DayPane::timeScaleRect() const { return QRect(0, bodyTop(), m_timeWidth, s
 
 int DayPane::columnsWidth() const
 {
-    const int bar = m_scrollBar->isVisible() ? m_scrollBar->width() : 0;
+    // The bar's own visibility also depends on the window being shown: the
+    // layout follows the switch alone, so that it is the same before and after.
+    const int bar = m_verticalScrolling ? m_scrollBar->sizeHint().width() : 0;
     return std::max(0, width() - m_timeWidth - bar);
 }
 
@@ -724,6 +726,8 @@ void DayPane::mousePressEvent(QMouseEvent *event)
         m_pendingKind = hit.area == HitEventResizeBegin ? Drag::ResizeBegin
                         : hit.area == HitEventResizeEnd ? Drag::ResizeEnd
                                                         : Drag::Move;
+        // Moving with Ctrl held copies the appointment instead.
+        m_dragCopy = ctrl && m_pendingKind == Drag::Move;
         return;
     }
     switch (hit.area) {
@@ -836,6 +840,7 @@ void DayPane::mouseMoveEvent(QMouseEvent *event)
             break;
         const int operation = m_pendingKind == Drag::ResizeBegin ? OpResizeBegin
                               : m_pendingKind == Drag::ResizeEnd ? OpResizeEnd
+                              : m_dragCopy                       ? OpDragCopy
                                                                  : OpDragMove;
         if (m_view->isOperationRefused(operation, {m_dragEvent})) {
             m_drag = Drag::Refused;
@@ -870,7 +875,9 @@ void DayPane::mouseReleaseEvent(QMouseEvent *event)
         const QDateTime end = m_newEnd;
         m_dragEvent.clear();
         m_newStart = m_newEnd = QDateTime();
-        if (e && start.isValid() && end.isValid() && (start != e->StartDateTime() || end != e->EndDateTime())) {
+        if (e && start.isValid() && end.isValid() && m_dragCopy) {
+            m_view->addCopyOfEvent(e, start, end);
+        } else if (e && start.isValid() && end.isValid() && (start != e->StartDateTime() || end != e->EndDateTime())) {
             e->setStartDateTime(start);
             e->setEndDateTime(end);
             m_view->commitChangedEvent(e);

@@ -116,6 +116,7 @@ private:
     QPoint m_pressPos;
     CalendarEventPtr m_dragEvent;
     bool m_dragAllDay = false;
+    bool m_dragCopy = false;
     qint64 m_grabSeconds = 0; // from the appointment's start to the pressed point
     QDateTime m_anchorCell;   // where a selection by the mouse began
     int m_anchorDay = -1;

@@ -83,13 +83,13 @@ private:
     QRect boite(const QString &sujet) const { return volet()->eventRect(affiche(sujet)); }
 
     // Press, move in steps, release: a drag as a hand does it.
-    void glisser(const QPoint &de, const QPoint &vers)
+    void glisser(const QPoint &de, const QPoint &vers, Qt::KeyboardModifiers touches = {})
     {
         QWidget *w = volet();
-        QTest::mousePress(w, Qt::LeftButton, {}, de);
+        QTest::mousePress(w, Qt::LeftButton, touches, de);
         for (int i = 1; i <= 4; ++i)
             QTest::mouseMove(w, de + (vers - de) * i / 4);
-        QTest::mouseRelease(w, Qt::LeftButton, {}, vers);
+        QTest::mouseRelease(w, Qt::LeftButton, touches, vers);
     }
 
 private Q_SLOTS:
@@ -299,6 +299,16 @@ private Q_SLOTS:
         QTest::newRow("occurrence déplacée") << "serie" << "mar 15:00"
                                               << QStringList{"série mar. 15:00-15:30 s3"}
                                               << QStringList{"série mer. 09:00-09:30 s2"};
+        QTest::newRow("copie avec Ctrl") << "ctrl" << "mer 14:00" << QStringList{"rdv mar. 09:00-09:30 s0"}
+                                          << QStringList{"rdv mer. 14:00-14:30 s0"};
+        // A refusing guard keeps the appointment where it was.
+        const QStringList intact{"rdv mar. 09:00-09:30 s0"};
+        QTest::newRow("déplacement refusé") << "refus" << "mer 14:00" << intact << QStringList{};
+        QTest::newRow("début refusé") << "refus haut" << "mar 8:00" << intact << QStringList{};
+        QTest::newRow("fin refusée") << "refus bas" << "mar 11:00" << intact << QStringList{};
+        QTest::newRow("copie d'une occurrence") << "ctrl serie" << "mar 15:00"
+                                                 << QStringList{"série mar. 09:00-09:30 s2", "série mar. 15:00-15:30 s0"}
+                                                 << QStringList{"série mer. 09:00-09:30 s2"};
     }
     void glisserDeposer()
     {
@@ -306,6 +316,9 @@ private Q_SLOTS:
         QFETCH(QString, depot);
         QFETCH(QStringList, mardi);
         QFETCH(QStringList, mercredi);
+        const bool copie = prise.startsWith(u"ctrl");
+        const bool refus = prise.startsWith(u"refus");
+        prise = prise.section(u' ', copie || refus ? 1 : 0);
         QString sujet = QStringLiteral("rdv");
         if (prise == u"serie") {
             sujet = QStringLiteral("série");
@@ -339,54 +352,17 @@ private Q_SLOTS:
                                               : QPoint(cellule.center().x(), cellule.top() + r.height() / 2);
 
         QSignalSpy edits(m_view.get(), &CalendarView::eventsEdited);
-        int gardes = 0;
-        m_view->setOperationGuard([&](int, const QList<CalendarEventPtr> &) {
-            ++gardes;
-            return false;
+        QList<int> gardes;
+        m_view->setOperationGuard([&](int op, const QList<CalendarEventPtr> &events) {
+            gardes.append(op);
+            return refus && events == QList<CalendarEventPtr>{cible};
         });
-        glisser(de, vers);
-        QCOMPARE(gardes, 1);
-        QCOMPARE(edits.count(), 1);
+        glisser(de, vers, copie ? Qt::ControlModifier : Qt::NoModifier);
+        const int operation = copie ? OpDragCopy : prise == u"haut" ? OpResizeBegin : prise == u"bas" ? OpResizeEnd : OpDragMove;
+        QCOMPARE(gardes, QList<int>{operation});
+        QCOMPARE(edits.count(), refus ? 0 : 1);
         QCOMPARE(stocke(1), mardi);
         QCOMPARE(stocke(2), mercredi);
-    }
-
-    // A refusing guard keeps the appointment where it was; it is asked with
-    // the operation's code and the appointment.
-    void glisserRefuse_data()
-    {
-        QTest::addColumn<QString>("prise");
-        QTest::addColumn<int>("operation");
-        QTest::newRow("déplacer") << "milieu" << int(OpDragMove);
-        QTest::newRow("début") << "haut" << int(OpResizeBegin);
-        QTest::newRow("fin") << "bas" << int(OpResizeEnd);
-    }
-    void glisserRefuse()
-    {
-        QFETCH(QString, prise);
-        QFETCH(int, operation);
-        QVERIFY(ajouter(jour(1, 9), jour(1, 9, 30), QStringLiteral("rdv")));
-        m_view->Populate();
-        m_view->setScrollPosition(7 * 2 * volet()->rowHeight());
-        QList<int> demandes;
-        QStringList sujets;
-        m_view->setOperationGuard([&](int op, const QList<CalendarEventPtr> &events) {
-            demandes.append(op);
-            for (const CalendarEventPtr &e : events)
-                sujets.append(e->Subject());
-            return true;
-        });
-        const QRect r = boite(QStringLiteral("rdv"));
-        const QPoint de = prise == u"haut"  ? QPoint(r.center().x(), r.top() + 1)
-                          : prise == u"bas" ? QPoint(r.center().x(), r.bottom() - 1)
-                                            : r.center();
-        QSignalSpy edits(m_view.get(), &CalendarView::eventsEdited);
-        glisser(de, de + QPoint(0, 5 * volet()->rowHeight()));
-        QCOMPARE(demandes, QList<int>{operation});
-        QCOMPARE(sujets, QStringList{QStringLiteral("rdv")});
-        QCOMPARE(edits.count(), 0);
-        QCOMPARE(stocke(1), QStringList{QStringLiteral("rdv mar. 09:00-09:30 s0")});
-        QCOMPARE(affiche(QStringLiteral("rdv"))->StartDateTime(), jour(1, 9));
     }
 
     // The Delete key asks the confirmation (code 12) and deletes only on yes;
