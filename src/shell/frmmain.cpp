@@ -269,6 +269,11 @@ void frmMain::construireMenus()
     mnuDeleteEvent = action(mnuContexEditEvent, "mnuDeleteEvent", QStringLiteral("&Supprimer"));
     mnuPatientEnSalle = action(mnuContexEditEvent, "mnuPatientEnSalle", QStringLiteral("&Patient en salle d'attente"));
     mnuPatientSorti = action(mnuContexEditEvent, "mnuPatientSorti", QStringLiteral("Patient s&orti de salle d'attente"));
+    // The recurrence dialog straight from the calendar: the editor cannot
+    // keep a series it has just made (its own reservation of the slot closes
+    // it), so a series is made or changed here.
+    mnuContexEditEvent->addSeparator();
+    mnuRecurrenceEvent = action(mnuContexEditEvent, "mnuRecurrenceEvent", QStringLiteral("Pé&riodicité..."));
     mnuContextNewEvent = sousMenu(mnuContextMenu, "mnuContextNewEvent", QStringLiteral("NewEvent"));
     mnuNewEvent = action(mnuContextNewEvent, "mnuNewEvent", QStringLiteral("&Nouveau Rendez-Vous"));
     mnuContextTimeScale = sousMenu(mnuContextMenu, "mnuContextTimeScale", QStringLiteral("TimeScale"));
@@ -324,6 +329,7 @@ void frmMain::construireMenus()
             ouvrirEvenement(m_evenementCible);
     });
     connect(mnuDeleteEvent, &QAction::triggered, this, &frmMain::supprimerEvenementCible);
+    connect(mnuRecurrenceEvent, &QAction::triggered, this, &frmMain::periodiciteEvenementCible);
     connect(mnuPatientEnSalle, &QAction::triggered, this, [this] { changerPresence(0); });
     connect(mnuPatientSorti, &QAction::triggered, this, [this] { changerPresence(1); });
     connect(mnuNewEvent, &QAction::triggered, this, &frmMain::ouvrirEditeurNouveau);

@@ -136,6 +136,7 @@ public:
     QAction *mnuDeleteEvent = nullptr;
     QAction *mnuPatientEnSalle = nullptr;
     QAction *mnuPatientSorti = nullptr;
+    QAction *mnuRecurrenceEvent = nullptr;
     QMenu *mnuContextNewEvent = nullptr;
     QAction *mnuNewEvent = nullptr;
     QMenu *mnuContextTimeScale = nullptr;
@@ -160,6 +161,9 @@ public:
     void ouvrirEvenement(CalendarEventPtr evenement);
     // Delete command on the event under the context menu.
     void supprimerEvenementCible();
+    // Makes the menu-target appointment a series, changes its series or
+    // takes the recurrence away, through the recurrence dialog.
+    void periodiciteEvenementCible();
     // Patient presence on the event under the context menu: busy status 0
     // (in the waiting room) or 1 (not arrived).
     void changerPresence(int busyStatus);

@@ -3,6 +3,7 @@
 #include "shell/frmmain.h"
 
 #include "appointments/frmeditevent.h"
+#include "appointments/frmeditrecurrence.h"
 #include "calendar/calendardataprovider.h"
 #include "calendar/view/calendarview.h"
 #include "calendar/view/datepicker.h"
@@ -114,6 +115,22 @@ void frmMain::ouvrirEditeur(const CalendarEventPtr &evenement)
 }
 
 // --- Delete and presence -------------------------------------------------
+
+void frmMain::periodiciteEvenementCible()
+{
+    const CalendarEventPtr cible = m_evenementCible;
+    if (!cible || !appState().Calendrier)
+        return;
+    // The dialog works on a copy (for an occurrence, a copy of its master);
+    // the store changes only when it is confirmed.
+    CalendarEventPtr copie = cible->CloneEvent();
+    const int reponse = frmEditRecurrence::Editer(this, copie, cible->StartDateTime().date());
+    if (reponse == frmEditRecurrence::Annule || !copie)
+        return;
+    appState().Calendrier->ChangeEvent(copie);
+    CalendarControl->Populate();
+    wndDatePicker->RedrawControl();
+}
 
 void frmMain::supprimerEvenementCible()
 {

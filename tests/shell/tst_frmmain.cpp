@@ -19,6 +19,7 @@
 
 #include <QAction>
 #include <QDialog>
+#include <QCheckBox>
 #include <QLabel>
 #include <QMenu>
 #include <QSqlDatabase>
@@ -591,6 +592,44 @@ private Q_SLOTS:
             QVERIFY(!q.next());
         }
         QSqlDatabase::removeDatabase(QStringLiteral("miroir"));
+    }
+
+    // A plain appointment made a weekly series from its context menu: the
+    // store holds the series once the dialog is confirmed, and nothing when
+    // it is cancelled.
+    void periodiciteDepuisLeCalendrier_data()
+    {
+        QTest::addColumn<bool>("confirme");
+        QTest::newRow("OK") << true;
+        QTest::newRow("Annuler") << false;
+    }
+    void periodiciteDepuisLeCalendrier()
+    {
+        QFETCH(bool, confirme);
+        Poste p;
+        p.ajouter(QStringLiteral("A"), Maintenant);
+        p.f->clicDroit(surRendezVous(p.premierDuJour(Maintenant.date())));
+        ExecuteurInstalle executeur([confirme](QDialog &d) {
+            auto bouton = [&d](const char *nom) {
+                auto *b = d.findChild<QAbstractButton *>(QString::fromLatin1(nom));
+                if (b)
+                    b->click();
+                return b != nullptr;
+            };
+            if (!bouton("optRecWeekly"))
+                return int(QDialog::Rejected);
+            auto *lundi = d.findChild<QCheckBox *>(QStringLiteral("chkWeeklyMonday"));
+            if (lundi && !lundi->isChecked())
+                lundi->click();
+            bouton(confirme ? "btnOK" : "btnCancel");
+            return d.result();
+        });
+        p.action(QStringLiteral("mnuRecurrenceEvent"))->trigger();
+        const QStringList attendu = confirme ? QStringList{QStringLiteral("10:00 A")} : QStringList{};
+        QCOMPARE(p.jour(QDate(2026, 11, 30)), attendu);
+        QCOMPARE(p.jour(QDate(2026, 12, 7)), attendu);
+        QCOMPARE(p.jour(QDate(2026, 11, 24)), QStringList{});
+        QCOMPARE(p.jour(Maintenant.date()), QStringList{QStringLiteral("10:00 A")});
     }
 
     void gardes_data()
