@@ -26,12 +26,12 @@ run: build
 	TAVONEL_PROGRAM_DIR="$(CURDIR)/run" $(BUILD)/src/app/tavonel
 
 # A demonstration agenda made anew in ./demo for the current week (two
-# practitioners, their rules, 50 patients, about 60 appointments), and the
-# agenda started on it.
+# practitioners, their rules, 50 patients, about 60 appointments), started as
+# agenda 1 of that folder, whose activity journal goes to ./demo/Journal.
 demo: build
 	rm -rf demo
 	$(BUILD)/src/app/tavonel-admin demo demo
-	TAVONEL_PROGRAM_DIR="$(CURDIR)/demo" $(BUILD)/src/app/tavonel
+	TAVONEL_PROGRAM_DIR="$(CURDIR)/demo" $(BUILD)/src/app/tavonel "$$($(BUILD)/src/app/tavonel-admin launch-arg 1)"
 
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j$(JOBS)

@@ -10,6 +10,7 @@
 #include "shell/basesqlite.h"
 #include "shell/config.h"
 #include "shell/demarrage.h"
+#include "shell/profilini.h"
 #include "shell/support.h"
 
 #include <QDir>
@@ -435,7 +436,19 @@ std::optional<QString> CreerDemo(const QString &dossierDemande, const QDate &jou
         ++b.rendezVous;
     }
 
+    // The same data also serve as agenda 1, opened with its launch
+    // argument: that start keeps the activity journal in Journal/.
+    const QString agendaIni = dossier + QStringLiteral("Agenda.ini");
+    EcrireIni(QStringLiteral("Agenda1"), QStringLiteral("PathDB1"), dossier, agendaIni);
+    EcrireIni(QStringLiteral("Agenda1"), QStringLiteral("AgendaName1"), NomAgendaDemo(), agendaIni);
+    EcrireIni(QStringLiteral("Sauvegarge"), QStringLiteral("CheminLog"), dossier + QStringLiteral("Journal"), agendaIni);
+
     if (bilan)
         *bilan = b;
     return std::nullopt;
+}
+
+QString NomAgendaDemo()
+{
+    return QStringLiteral("Cabinet de démonstration");
 }

@@ -7,7 +7,7 @@
 
 // A demonstration agenda, to show the program to a practice or to try it
 // out: the default agenda of a start without argument, in a program folder of
-// its own. Two practitioners with their names, the seven appointment types
+// its own (and agenda 1 of that folder, see NomAgendaDemo). Two practitioners with their names, the seven appointment types
 // with their colours, the rules of a working week (mornings, pause,
 // afternoons that change hands between odd and even weeks, a paediatrics
 // afternoon, a home-visit slot), fifty patients in Patients.mdb and about
@@ -33,6 +33,12 @@ struct BilanDemo
 // French reason is returned, as for any failure. The application state is
 // used for the time of the creation and given back as it was.
 [[nodiscard]] std::optional<QString> CreerDemo(const QString &dossier, const QDate &jour, BilanDemo *bilan = nullptr);
+
+// The name of agenda 1 of the demonstration folder: the same data as the
+// default agenda, opened with the launch argument of agenda 1, with the
+// activity journal kept in the folder's Journal/ (Agenda.ini, written by
+// CreerDemo).
+[[nodiscard]] QString NomAgendaDemo();
 
 // The practitioners' names of the demonstration (sections Praticien1 and
 // Praticien2 of table Ini).

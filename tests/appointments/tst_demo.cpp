@@ -1,4 +1,7 @@
 #include "appointments/demo.h"
+#include "appointments/miroir.h"
+#include "cipher/encryptx.h"
+#include "shell/journal.h"
 #include "appointments/paquetrdv.h"
 #include "calendar/calendardataprovider.h"
 #include "patients/schemapatients.h"
@@ -137,6 +140,24 @@ private slots:
         QCOMPARE(admin.exitCode(), 0);
         const QString sortie = QString::fromUtf8(admin.readAllStandardOutput());
         QVERIFY2(sortie.contains(QStringLiteral("50 patients")) && sortie.contains(QStringLiteral("23/11/2026")), qPrintable(sortie));
+
+        // The same data open as agenda 1, whose changes go to the journal.
+        {
+            Demarrage demarrage(appState(), dossier);
+            QVERIFY(!demarrage.initialiser(EncoderArgument(QStringLiteral("1"))));
+            ParametresFenetre p;
+            QVERIFY(!demarrage.charger(p));
+            QCOMPARE(appState().AgendaName, NomAgendaDemo());
+            BrancherMiroir(*appState().Calendrier);
+            const QList<CalendarEventPtr> jour = appState().Calendrier->RetrieveDayEvents(mercredi);
+            QVERIFY(!jour.isEmpty());
+            QVERIFY(appState().Calendrier->ChangeEvent(jour.first()));
+            QFile journal(dossier + QStringLiteral("/Journal/2026/") + NomFichierJournal(mercredi, 0));
+            QVERIFY2(journal.open(QIODevice::ReadOnly), qPrintable(journal.fileName()));
+            QVERIFY(journal.readAll().startsWith(LigneJournal(NomAgendaDemo(), *jour.first(), JournalModification).left(30).toLatin1()));
+            demarrage.arreter(false);
+            appState() = AppState{};
+        }
 
         const QFileInfo avant(dossier + QStringLiteral("/Events.mdb"));
         admin.start(QStringLiteral(TAVONEL_ADMIN_EXE), {QStringLiteral("demo"), dossier});
