@@ -4,6 +4,12 @@
 
 #include <QtTest>
 
+#include <optional>
+
+// Declared before the tables use them.
+Q_DECLARE_METATYPE(std::optional<qint64>)
+Q_DECLARE_METATYPE(std::optional<QString>)
+
 using Champs = QList<QString>; // 14 values, for readable table rows
 
 namespace {
@@ -261,8 +267,6 @@ private slots:
     }
 };
 
-Q_DECLARE_METATYPE(std::optional<qint64>)
-Q_DECLARE_METATYPE(std::optional<QString>)
 
 QTEST_GUILESS_MAIN(tst_paquetrdv)
 #include "tst_paquetrdv.moc"
