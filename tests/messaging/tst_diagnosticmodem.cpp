@@ -3,10 +3,10 @@
 #include "messaging/smstext.h"
 #include "modemsimulator.h"
 #include "shell/cp1252.h"
+#include "support/admintest.h"
 #include "support/dossiertest.h"
 #include "support/repondeurscripte.h"
 
-#include <QProcess>
 #include <QtTest>
 
 #include <memory>
@@ -17,13 +17,6 @@ using Reponse = ModemSimule::Reponse;
 namespace {
 
 constexpr int PortTest = 2;
-
-struct Sortie
-{
-    int code = -1;
-    QString texte;
-    QString erreurs;
-};
 
 } // namespace
 
@@ -74,29 +67,6 @@ private:
             QString raison;                                                                                        \
             QVERIFY2(demarrer(&raison), qPrintable(QStringLiteral("le modem simulé ne démarre pas : ") + raison)); \
         } while (false)
-
-    // Runs tavonel-admin while the simulated modem answers on this thread.
-    Sortie lancerAdmin(const QStringList &arguments)
-    {
-        QProcess p;
-        p.start(QStringLiteral(TAVONEL_ADMIN_EXE), arguments);
-        Sortie s;
-        if (!p.waitForStarted(10000))
-            return s;
-        // The modem lives on this thread's event loop: keep it turning.
-        QDeadlineTimer limite(60000);
-        while (p.state() != QProcess::NotRunning && !limite.hasExpired())
-            QTest::qWait(20);
-        if (p.state() != QProcess::NotRunning) {
-            p.kill();
-            p.waitForFinished(3000);
-            return s;
-        }
-        s.code = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-        s.texte = QString::fromUtf8(p.readAllStandardOutput());
-        s.erreurs = QString::fromUtf8(p.readAllStandardError());
-        return s;
-    }
 
 private slots:
     void smsTest_data()
@@ -182,7 +152,7 @@ private slots:
         QFETCH(QString, modeTexte);
         DEMARRER_MODEM();
         m_modem->script(QStringLiteral("AT+CSCS=?"), ModemSimule::Texte(jeux));
-        const Sortie s = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
+        const SortieAdmin s = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
         QVERIFY2(s.code == code, qPrintable(s.texte + s.erreurs));
         const QStringList lignes = s.texte.split(u'\n');
         QVERIFY2(lignes.contains(QStringLiteral("Fabricant : huawei")), qPrintable(s.texte));
@@ -203,12 +173,12 @@ private slots:
         qputenv("TAVONEL_MODEM_DEVICE_2", QFile::encodeName(m_dossier->chemin() + QStringLiteral("absent")));
         QElapsedTimer chrono;
         chrono.start();
-        const Sortie absent = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
+        const SortieAdmin absent = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
         QCOMPARE(absent.code, 1);
         QVERIFY2(absent.erreurs.contains(QStringLiteral("Désolé, connexion impossible.")), qPrintable(absent.erreurs));
         QVERIFY(chrono.elapsed() < 10000);
 
-        const Sortie mauvais = lancerAdmin({QStringLiteral("modem-check"), QStringLiteral("COM")});
+        const SortieAdmin mauvais = lancerAdmin({QStringLiteral("modem-check"), QStringLiteral("COM")});
         QCOMPARE(mauvais.code, 2);
         QVERIFY(mauvais.erreurs.contains(QStringLiteral("numéro de port attendu")));
     }

@@ -2,12 +2,12 @@
 #include "messaging/smtpmail.h"
 #include "messaging/smtpsink.h"
 #include "shell/horloge.h"
+#include "support/admintest.h"
 #include "support/dossiertest.h"
 
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLocale>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTcpServer>
 #include <QTemporaryDir>
@@ -438,16 +438,12 @@ private slots:
         QString erreur;
         QVERIFY2(sink.demarrer(&erreur), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + erreur));
 
-        const auto lancer = [&](const QString &serveur, const QString &destinataire, QString *sortie, QString *erreurs) {
-            QProcess p;
-            p.start(QStringLiteral(TAVONEL_ADMIN_EXE),
-                    {QStringLiteral("test-mail"), QStringLiteral("--smtp"), serveur, QStringLiteral("--from"),
-                     QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("--to"), destinataire});
-            if (!p.waitForFinished(30000) || p.exitStatus() != QProcess::NormalExit)
-                return -1;
-            *sortie = QString::fromUtf8(p.readAllStandardOutput());
-            *erreurs = QString::fromUtf8(p.readAllStandardError());
-            return p.exitCode();
+        const auto lancer = [](const QString &serveur, const QString &destinataire, QString *sortie, QString *erreurs) {
+            const SortieAdmin s = lancerAdmin({QStringLiteral("test-mail"), QStringLiteral("--smtp"), serveur, QStringLiteral("--from"),
+                                               QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("--to"), destinataire});
+            *sortie = s.texte;
+            *erreurs = s.erreurs;
+            return s.code;
         };
 
         QString sortie;
