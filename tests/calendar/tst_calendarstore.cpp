@@ -5,6 +5,7 @@
 #include "calendar/sqlitecalendarstore.h"
 #include "shell/basesqlite.h"
 #include "shell/horloge.h"
+#include "support/fichierstest.h"
 #include "support/repondeurscripte.h"
 
 #include <QDir>
@@ -363,19 +364,13 @@ private Q_SLOTS:
     {
         const QString d = nouveauDossier();
         const QString fichier = d + QStringLiteral("/Events.mdb");
-        {
-            QFile f(fichier);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write("Standard Jet DB\0 pas une base SQLite", 36);
-        }
+        QVERIFY(ecrireOctets(fichier, QByteArray("Standard Jet DB\0 pas une base SQLite", 36)));
         auto p = ouvrir(d);
         QVERIFY2(p, "la base n'a pas été recréée");
         auto *store = static_cast<SqliteCalendarStore *>(p->store());
         QVERIFY(!store->keptAsidePath().isEmpty());
         QVERIFY(store->keptAsidePath().startsWith(fichier + QStringLiteral(".illisible-")));
-        QFile garde(store->keptAsidePath());
-        QVERIFY(garde.open(QIODevice::ReadOnly));
-        QCOMPARE(garde.readAll(), QByteArray("Standard Jet DB\0 pas une base SQLite", 36));
+        QCOMPARE(lireOctets(store->keptAsidePath()), QByteArray("Standard Jet DB\0 pas une base SQLite", 36));
         QVERIFY(EstFichierSqlite(fichier));
         QVERIFY(p->AddEvent(rendezVous(*p, QDateTime(QDate(2026, 3, 9), QTime(9, 0)), 15, QStringLiteral("neuf"))));
         QCOMPARE(compter(fichier, QStringLiteral("SELECT count(*) FROM CalendarEvents")), 1);
@@ -683,11 +678,7 @@ private Q_SLOTS:
     {
         const QString d = nouveauDossier();
         const QString fichier = d + QStringLiteral("/events.xml");
-        {
-            QFile f(fichier);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write("<pas un calendrier");
-        }
+        QVERIFY(ecrireOctets(fichier, "<pas un calendrier"));
         CalendarDataProvider p;
         QVERIFY(OpenProvider(p, CalendarDataProvider::Memory, QStringLiteral("Provider=XML;Data Source='") + fichier + QStringLiteral("';")));
         QVERIFY(p.AddEvent(rendezVous(p, QDateTime(QDate(2026, 3, 9), QTime(9, 0)), 15, QStringLiteral("neuf"))));
