@@ -4,8 +4,6 @@
 #include "modemsimulator.h"
 #include "shell/cp1252.h"
 #include "support/admintest.h"
-#include "support/dossiertest.h"
-#include "support/repondeurscripte.h"
 
 #include <QtTest>
 
@@ -26,49 +24,12 @@ class TstDiagnosticModem : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<DossierProgrammeTest> m_dossier;
-    std::unique_ptr<ModemSimule> m_modem;
-    std::unique_ptr<RepondeurScripte> m_repondeur;
+    std::unique_ptr<BancModem> m_banc;
 
 private slots:
-    void init()
-    {
-        m_dossier = std::make_unique<DossierProgrammeTest>();
-        m_repondeur = std::make_unique<RepondeurScripte>();
-        m_modem = std::make_unique<ModemSimule>();
-        GsmModem::fixerDureeUnite(300ms);
-        etatModem() = EtatModem();
-    }
+    void init() { m_banc = std::make_unique<BancModem>(PortTest, 300ms); }
+    void cleanup() { m_banc.reset(); }
 
-    void cleanup()
-    {
-        GsmModem::fixerDureeUnite(GsmModem::DureeUniteNormale);
-        GsmModem::restaurerPointeur();
-        qunsetenv("TAVONEL_MODEM_DEVICE_2");
-        m_modem.reset();
-        m_repondeur.reset();
-        m_dossier.reset();
-    }
-
-private:
-    // Starts a simulator and points port PortTest at it; fails the test when
-    // socat cannot start.
-    bool demarrer(QString *erreur)
-    {
-        if (!m_modem->demarrer(erreur))
-            return false;
-        qputenv("TAVONEL_MODEM_DEVICE_2", QFile::encodeName(m_modem->peripherique()));
-        return true;
-    }
-
-    // Fails the test, with the reason, when the simulated modem cannot start.
-#define DEMARRER_MODEM()                                                                                       \
-        do {                                                                                                       \
-            QString raison;                                                                                        \
-            QVERIFY2(demarrer(&raison), qPrintable(QStringLiteral("le modem simulé ne démarre pas : ") + raison)); \
-        } while (false)
-
-private slots:
     void smsTest_data()
     {
         QTest::addColumn<Reponse>("reponseCmgf");
@@ -100,10 +61,10 @@ private slots:
         QFETCH(bool, resultat);
         QFETCH(QStringList, statuts);
         QFETCH(QStringList, boites);
-        DEMARRER_MODEM();
-        m_modem->fixerInvitesDansCorps(false);
-        m_modem->script(QStringLiteral("AT+CMGF=1"), reponseCmgf);
-        m_modem->scriptCorps(reponseCorps);
+        DEMARRER_MODEM(*m_banc);
+        m_banc->modem.fixerInvitesDansCorps(false);
+        m_banc->modem.script(QStringLiteral("AT+CMGF=1"), reponseCmgf);
+        m_banc->modem.scriptCorps(reponseCorps);
         GsmModem modem(GsmModem::Copie::Diagnostic);
         QCOMPARE(modem.msComConnect(PortTest), PortTest);
 
@@ -115,15 +76,15 @@ private slots:
                                 [&](const QString &s) { vus << s; }),
                  resultat);
         QCOMPARE(vus, statuts);
-        QCOMPARE(m_repondeur->textes(), boites);
-        QCOMPARE(m_modem->commandes().value(0), QStringLiteral("AT+CMGF=1"));
+        QCOMPARE(m_banc->repondeur.textes(), boites);
+        QCOMPARE(m_banc->modem.commandes().value(0), QStringLiteral("AT+CMGF=1"));
         if (statuts.size() > 2) {
             // The number goes as typed.
-            QCOMPARE(m_modem->commandes().value(1), QStringLiteral("AT+CMGS=\"06 12 34 56 78\""));
-            QCOMPARE(m_modem->corps().value(0),
+            QCOMPARE(m_banc->modem.commandes().value(1), QStringLiteral("AT+CMGS=\"06 12 34 56 78\""));
+            QCOMPARE(m_banc->modem.corps().value(0),
                      QByteArray(170, 'a') + "\rDocteur Herv\x85\rLe lundi \x7F 18h:15\rFin");
         } else {
-            QCOMPARE(m_modem->commandes().size(), 1);
+            QCOMPARE(m_banc->modem.commandes().size(), 1);
         }
     }
 
@@ -150,8 +111,8 @@ private slots:
         QFETCH(QByteArray, jeux);
         QFETCH(int, code);
         QFETCH(QString, modeTexte);
-        DEMARRER_MODEM();
-        m_modem->script(QStringLiteral("AT+CSCS=?"), ModemSimule::Texte(jeux));
+        DEMARRER_MODEM(*m_banc);
+        m_banc->modem.script(QStringLiteral("AT+CSCS=?"), ModemSimule::Texte(jeux));
         const SortieAdmin s = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
         QVERIFY2(s.code == code, qPrintable(s.texte + s.erreurs));
         const QStringList lignes = s.texte.split(u'\n');
@@ -163,14 +124,14 @@ private slots:
         QVERIFY2(lignes.contains(QStringLiteral("Type : ATI | Manufacturer: huawei | Model: E1750 | Revision: "
                                                 "11.126.16.00.00 | OK")),
                  qPrintable(s.texte));
-        QCOMPARE(m_modem->commandes().size(), 13);
+        QCOMPARE(m_banc->modem.commandes().size(), 13);
         if (code != 0)
             QVERIFY2(s.erreurs.contains(QStringLiteral("ne possède PAS la fonction GSM-SMS")), qPrintable(s.erreurs));
     }
 
     void commandeAdminSansPort()
     {
-        qputenv("TAVONEL_MODEM_DEVICE_2", QFile::encodeName(m_dossier->chemin() + QStringLiteral("absent")));
+        qputenv("TAVONEL_MODEM_DEVICE_2", QFile::encodeName(m_banc->dossier.chemin() + QStringLiteral("absent")));
         QElapsedTimer chrono;
         chrono.start();
         const SortieAdmin absent = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
