@@ -1,6 +1,7 @@
 #include "shell/appstate.h"
 #include "shell/horloge.h"
 #include "shell/journal.h"
+#include "support/fichierstest.h"
 
 #include <QDir>
 #include <QFile>
@@ -18,12 +19,6 @@ CalendarEventPtr rendezVous(bool dejaVenu, bool prive)
     e->setIsMeeting(dejaVenu);
     e->setIsPrivate(prive);
     return e;
-}
-
-QByteArray lire(const QString &chemin)
-{
-    QFile f(chemin);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 } // namespace
@@ -84,7 +79,7 @@ private slots:
         EcrireJournal(CalendarEventPtr(), JournalNouveau); // nothing
 
         const QString chemin = dir.path() + QStringLiteral("/journal/2027/20270101_0.txt");
-        const QByteArray octets = lire(chemin);
+        const QByteArray octets = lireOctets(chemin);
         const QList<QByteArray> lignes = octets.split('\n');
         QCOMPARE(lignes.size(), 3);
         QVERIFY(lignes.at(0).startsWith("Agenda des Pentes              | 31/12/2026 09:05:00 | Nouveau      | D\xe9j\xe0 venu | Priv\xe9 | "));
@@ -112,8 +107,8 @@ private slots:
         }
         ecrit = EcrireJournal(dir.path(), QStringLiteral("A"), *rendezVous(false, false), JournalModification);
         QCOMPARE(QFileInfo(ecrit).fileName(), QStringLiteral("20270101_0.txt"));
-        QVERIFY(lire(ecrit).contains("Modification"));
-        QVERIFY(!lire(dossier + QStringLiteral("20270101_1.txt")).contains("Modification"));
+        QVERIFY(lireOctets(ecrit).contains("Modification"));
+        QVERIFY(!lireOctets(dossier + QStringLiteral("20270101_1.txt")).contains("Modification"));
     }
 
     void sansJournal_data()
@@ -135,8 +130,7 @@ private slots:
         if (!cheminVide) {
             // A plain file where the folder should be: no folder can be made.
             chemin = dir.path() + QStringLiteral("/fichier");
-            QFile f(chemin);
-            QVERIFY(f.open(QIODevice::WriteOnly));
+            QVERIFY(ecrireOctets(chemin, {}));
         }
         QCOMPARE(EcrireJournal(chemin, QStringLiteral("A"), *rendezVous(false, false), JournalNouveau), QString());
         QCOMPARE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),

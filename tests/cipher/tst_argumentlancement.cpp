@@ -1,30 +1,8 @@
 #include "cipher/encryptx.h"
+#include "support/admintest.h"
 
-#include <QProcess>
 #include <QRegularExpression>
 #include <QtTest>
-
-namespace {
-
-struct Sortie
-{
-    int code = -1;
-    QString texte;
-};
-
-Sortie lancer(const QStringList &arguments)
-{
-    QProcess p;
-    p.start(QStringLiteral(TAVONEL_ADMIN_EXE), arguments);
-    Sortie s;
-    if (!p.waitForFinished(30000) || p.exitStatus() != QProcess::NormalExit)
-        return s;
-    s.code = p.exitCode();
-    s.texte = QString::fromUtf8(p.readAllStandardOutput()).trimmed();
-    return s;
-}
-
-} // namespace
 
 // tavonel-admin's launcher commands, run as the installer runs them.
 class tst_argumentlancement : public QObject
@@ -49,15 +27,16 @@ private Q_SLOTS:
         QFETCH(QStringList, arguments);
         QFETCH(QString, texte);
         QFETCH(int, chiffres);
-        const Sortie arg = lancer(QStringList{QStringLiteral("launch-arg")} + arguments);
+        const SortieAdmin arg = lancerAdmin(QStringList{QStringLiteral("launch-arg")} + arguments);
         QCOMPARE(arg.code, 0);
-        QVERIFY(QRegularExpression(QStringLiteral("^[0-9A-F]+$")).match(arg.texte).hasMatch());
-        QCOMPARE(arg.texte.size(), qsizetype(chiffres));
-        QCOMPARE(DecoderArgument(arg.texte), texte);
+        const QString hexa = arg.texte.trimmed();
+        QVERIFY(QRegularExpression(QStringLiteral("^[0-9A-F]+$")).match(hexa).hasMatch());
+        QCOMPARE(hexa.size(), qsizetype(chiffres));
+        QCOMPARE(DecoderArgument(hexa), texte);
 
-        const Sortie clair = lancer({QStringLiteral("decipher"), arg.texte});
+        const SortieAdmin clair = lancerAdmin({QStringLiteral("decipher"), hexa});
         QCOMPARE(clair.code, 0);
-        QCOMPARE(clair.texte, texte);
+        QCOMPARE(clair.texte.trimmed(), texte);
     }
 
     void refus_data()
@@ -71,9 +50,9 @@ private Q_SLOTS:
     void refus()
     {
         QFETCH(QStringList, arguments);
-        const Sortie s = lancer(arguments);
+        const SortieAdmin s = lancerAdmin(arguments);
         QCOMPARE(s.code, 2);
-        QCOMPARE(s.texte, QString());
+        QCOMPARE(s.texte.trimmed(), QString());
     }
 };
 

@@ -1,6 +1,7 @@
 #include "cipher/encryptx.h"
 #include "shell/cp1252.h"
 #include "shell/nombres.h"
+#include "support/fichierstest.h"
 
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -82,18 +83,6 @@ QByteArray motif(qsizetype n)
     for (qsizetype i = 0; i < n; ++i)
         o[i] = char((i * 37 + 11) & 0xFF);
     return o;
-}
-
-QByteArray lire(const QString &chemin)
-{
-    QFile f(chemin);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<illisible>");
-}
-
-bool ecrire(const QString &chemin, const QByteArray &o)
-{
-    QFile f(chemin);
-    return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(o) == o.size();
 }
 
 } // namespace
@@ -464,7 +453,7 @@ private Q_SLOTS:
         const QString clair = dossier.filePath(QStringLiteral("clair.txt"));
         const QString absent = dossier.filePath(QStringLiteral("absent.txt"));
         const QByteArray contenu("Liste des rendez-vous du lundi\r\n");
-        QVERIFY(ecrire(source, contenu));
+        QVERIFY(ecrireOctets(source, contenu));
 
         EnCryptX bf;
         QVERIFY(!bf.EncryptFile(absent, chiffre, true, QStringLiteral("k")));
@@ -473,33 +462,33 @@ private Q_SLOTS:
         QVERIFY(!bf.EncryptFile(dossier.path(), chiffre, true, QStringLiteral("k"))); // a folder is no file
 
         QVERIFY(bf.EncryptFile(source, chiffre, false, QStringLiteral("k")));
-        QCOMPARE(lire(chiffre).size(), qsizetype(48)); // 32 + 12 rounded up
-        QCOMPARE(lire(source), contenu);
+        QCOMPARE(lireOctets(chiffre).size(), qsizetype(48)); // 32 + 12 rounded up
+        QCOMPARE(lireOctets(source), contenu);
 
         // An existing target without the overwrite flag.
-        QVERIFY(ecrire(clair, "garde"));
+        QVERIFY(ecrireOctets(clair, "garde"));
         QVERIFY(!bf.EncryptFile(source, clair, false, QStringLiteral("k")));
         QVERIFY(!bf.DecryptFile(chiffre, clair, false, QStringLiteral("k")));
-        QCOMPARE(lire(clair), QByteArray("garde"));
+        QCOMPARE(lireOctets(clair), QByteArray("garde"));
 
         // EncryptFile replaces a longer target whole.
         const QByteArray long1(500, 'x');
-        QVERIFY(ecrire(clair, long1));
+        QVERIFY(ecrireOctets(clair, long1));
         QVERIFY(bf.EncryptFile(source, clair, true, QStringLiteral("k")));
-        QCOMPARE(lire(clair).size(), qsizetype(48));
+        QCOMPARE(lireOctets(clair).size(), qsizetype(48));
 
         // DecryptFile writes over the start of a longer target and leaves its
         // tail.
         QByteArray long2 = QByteArray("0123456789").repeated(5);
-        QVERIFY(ecrire(clair, long2));
+        QVERIFY(ecrireOctets(clair, long2));
         EnCryptX lecteur;
         QVERIFY(lecteur.DecryptFile(chiffre, clair, true, QStringLiteral("k")));
-        QCOMPARE(lire(clair), contenu + long2.mid(contenu.size()));
+        QCOMPARE(lireOctets(clair), contenu + long2.mid(contenu.size()));
 
         // Into a new file: exactly the plain text.
         QFile::remove(clair);
         QVERIFY(EnCryptX().DecryptFile(chiffre, clair, false, QStringLiteral("k")));
-        QCOMPARE(lire(clair), contenu);
+        QCOMPARE(lireOctets(clair), contenu);
     }
 
     void argumentDeLancement_data()

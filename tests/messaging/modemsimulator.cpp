@@ -1,5 +1,7 @@
 #include "modemsimulator.h"
 
+#include "messaging/gsmmodem.h"
+
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QFileInfo>
@@ -161,4 +163,28 @@ void ModemSimule::envoyer(const Reponse &reponse)
             });
         }
     }
+}
+
+BancModem::BancModem(int port, std::chrono::milliseconds unite)
+    : port(port)
+{
+    GsmModem::fixerDureeUnite(unite);
+    GsmModem::restaurerPointeur();
+    etatModem() = EtatModem();
+}
+
+BancModem::~BancModem()
+{
+    GsmModem::fixerDureeUnite(GsmModem::DureeUniteNormale);
+    GsmModem::restaurerPointeur();
+    for (int n = 1; n <= 16; ++n)
+        qunsetenv(QStringLiteral("TAVONEL_MODEM_DEVICE_%1").arg(n).toLatin1().constData());
+}
+
+bool BancModem::demarrer(QString *erreur)
+{
+    if (!modem.demarrer(erreur))
+        return false;
+    qputenv(QStringLiteral("TAVONEL_MODEM_DEVICE_%1").arg(port).toLatin1().constData(), QFile::encodeName(modem.peripherique()));
+    return true;
 }

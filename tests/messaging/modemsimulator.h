@@ -1,5 +1,10 @@
 #pragma once
 
+#include "support/dossiertest.h"
+#include "support/repondeurscripte.h"
+
+#include <chrono>
+
 #include <QByteArray>
 #include <QHash>
 #include <QList>
@@ -85,3 +90,31 @@ private:
     QHash<QString, QList<Reponse>> m_script;
     Reponse m_reponseCorps{{"\r\n+CMGS: 42\r\n\r\nOK\r\n"}};
 };
+
+// What every modem test needs: a program folder, the scripted answerer and a
+// simulated modem that the driver reaches as COM<port> once demarrer() ran.
+// The driver's time unit and pointer and the port variables are put back
+// when it goes.
+struct BancModem
+{
+    BancModem(int port, std::chrono::milliseconds unite);
+    ~BancModem();
+    BancModem(const BancModem &) = delete;
+    BancModem &operator=(const BancModem &) = delete;
+
+    // Starts the simulator and points the port at it; false with the reason
+    // when socat cannot start.
+    bool demarrer(QString *erreur);
+
+    DossierProgrammeTest dossier;
+    RepondeurScripte repondeur;
+    ModemSimule modem;
+    const int port;
+};
+
+// Fails the test, with the reason, when the simulated modem cannot start.
+#define DEMARRER_MODEM(banc)                                                                                   \
+    do {                                                                                                       \
+        QString raison;                                                                                        \
+        QVERIFY2((banc).demarrer(&raison), qPrintable(QStringLiteral("le modem simulé ne démarre pas : ") + raison)); \
+    } while (false)

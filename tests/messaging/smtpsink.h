@@ -73,3 +73,10 @@ private:
     QStringList m_commandes;
     int m_connexions = 0;
 };
+
+// Fails the test, with the reason, when the sink cannot listen.
+#define DEMARRER_SINK(sink)                                                                                    \
+    do {                                                                                                       \
+        QString raison;                                                                                        \
+        QVERIFY2((sink).demarrer(&raison), qPrintable(QStringLiteral("SMTP sink cannot listen: ") + raison)); \
+    } while (false)

@@ -3,10 +3,8 @@
 #include "messaging/smstext.h"
 #include "modemsimulator.h"
 #include "shell/cp1252.h"
-#include "support/dossiertest.h"
-#include "support/repondeurscripte.h"
+#include "support/admintest.h"
 
-#include <QProcess>
 #include <QtTest>
 
 #include <memory>
@@ -18,13 +16,6 @@ namespace {
 
 constexpr int PortTest = 2;
 
-struct Sortie
-{
-    int code = -1;
-    QString texte;
-    QString erreurs;
-};
-
 } // namespace
 
 // The modem checks of the settings window and of tavonel-admin.
@@ -33,72 +24,12 @@ class TstDiagnosticModem : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<DossierProgrammeTest> m_dossier;
-    std::unique_ptr<ModemSimule> m_modem;
-    std::unique_ptr<RepondeurScripte> m_repondeur;
+    std::unique_ptr<BancModem> m_banc;
 
 private slots:
-    void init()
-    {
-        m_dossier = std::make_unique<DossierProgrammeTest>();
-        m_repondeur = std::make_unique<RepondeurScripte>();
-        m_modem = std::make_unique<ModemSimule>();
-        GsmModem::fixerDureeUnite(300ms);
-        etatModem() = EtatModem();
-    }
+    void init() { m_banc = std::make_unique<BancModem>(PortTest, 300ms); }
+    void cleanup() { m_banc.reset(); }
 
-    void cleanup()
-    {
-        GsmModem::fixerDureeUnite(GsmModem::DureeUniteNormale);
-        GsmModem::restaurerPointeur();
-        qunsetenv("TAVONEL_MODEM_DEVICE_2");
-        m_modem.reset();
-        m_repondeur.reset();
-        m_dossier.reset();
-    }
-
-private:
-    // Starts a simulator and points port PortTest at it; fails the test when
-    // socat cannot start.
-    bool demarrer(QString *erreur)
-    {
-        if (!m_modem->demarrer(erreur))
-            return false;
-        qputenv("TAVONEL_MODEM_DEVICE_2", QFile::encodeName(m_modem->peripherique()));
-        return true;
-    }
-
-    // Fails the test, with the reason, when the simulated modem cannot start.
-#define DEMARRER_MODEM()                                                                                       \
-        do {                                                                                                       \
-            QString raison;                                                                                        \
-            QVERIFY2(demarrer(&raison), qPrintable(QStringLiteral("le modem simulé ne démarre pas : ") + raison)); \
-        } while (false)
-
-    // Runs tavonel-admin while the simulated modem answers on this thread.
-    Sortie lancerAdmin(const QStringList &arguments)
-    {
-        QProcess p;
-        p.start(QStringLiteral(TAVONEL_ADMIN_EXE), arguments);
-        Sortie s;
-        if (!p.waitForStarted(10000))
-            return s;
-        // The modem lives on this thread's event loop: keep it turning.
-        QDeadlineTimer limite(60000);
-        while (p.state() != QProcess::NotRunning && !limite.hasExpired())
-            QTest::qWait(20);
-        if (p.state() != QProcess::NotRunning) {
-            p.kill();
-            p.waitForFinished(3000);
-            return s;
-        }
-        s.code = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-        s.texte = QString::fromUtf8(p.readAllStandardOutput());
-        s.erreurs = QString::fromUtf8(p.readAllStandardError());
-        return s;
-    }
-
-private slots:
     void smsTest_data()
     {
         QTest::addColumn<Reponse>("reponseCmgf");
@@ -130,10 +61,10 @@ private slots:
         QFETCH(bool, resultat);
         QFETCH(QStringList, statuts);
         QFETCH(QStringList, boites);
-        DEMARRER_MODEM();
-        m_modem->fixerInvitesDansCorps(false);
-        m_modem->script(QStringLiteral("AT+CMGF=1"), reponseCmgf);
-        m_modem->scriptCorps(reponseCorps);
+        DEMARRER_MODEM(*m_banc);
+        m_banc->modem.fixerInvitesDansCorps(false);
+        m_banc->modem.script(QStringLiteral("AT+CMGF=1"), reponseCmgf);
+        m_banc->modem.scriptCorps(reponseCorps);
         GsmModem modem(GsmModem::Copie::Diagnostic);
         QCOMPARE(modem.msComConnect(PortTest), PortTest);
 
@@ -145,15 +76,15 @@ private slots:
                                 [&](const QString &s) { vus << s; }),
                  resultat);
         QCOMPARE(vus, statuts);
-        QCOMPARE(m_repondeur->textes(), boites);
-        QCOMPARE(m_modem->commandes().value(0), QStringLiteral("AT+CMGF=1"));
+        QCOMPARE(m_banc->repondeur.textes(), boites);
+        QCOMPARE(m_banc->modem.commandes().value(0), QStringLiteral("AT+CMGF=1"));
         if (statuts.size() > 2) {
             // The number goes as typed.
-            QCOMPARE(m_modem->commandes().value(1), QStringLiteral("AT+CMGS=\"06 12 34 56 78\""));
-            QCOMPARE(m_modem->corps().value(0),
+            QCOMPARE(m_banc->modem.commandes().value(1), QStringLiteral("AT+CMGS=\"06 12 34 56 78\""));
+            QCOMPARE(m_banc->modem.corps().value(0),
                      QByteArray(170, 'a') + "\rDocteur Herv\x85\rLe lundi \x7F 18h:15\rFin");
         } else {
-            QCOMPARE(m_modem->commandes().size(), 1);
+            QCOMPARE(m_banc->modem.commandes().size(), 1);
         }
     }
 
@@ -180,9 +111,9 @@ private slots:
         QFETCH(QByteArray, jeux);
         QFETCH(int, code);
         QFETCH(QString, modeTexte);
-        DEMARRER_MODEM();
-        m_modem->script(QStringLiteral("AT+CSCS=?"), ModemSimule::Texte(jeux));
-        const Sortie s = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
+        DEMARRER_MODEM(*m_banc);
+        m_banc->modem.script(QStringLiteral("AT+CSCS=?"), ModemSimule::Texte(jeux));
+        const SortieAdmin s = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
         QVERIFY2(s.code == code, qPrintable(s.texte + s.erreurs));
         const QStringList lignes = s.texte.split(u'\n');
         QVERIFY2(lignes.contains(QStringLiteral("Fabricant : huawei")), qPrintable(s.texte));
@@ -193,22 +124,22 @@ private slots:
         QVERIFY2(lignes.contains(QStringLiteral("Type : ATI | Manufacturer: huawei | Model: E1750 | Revision: "
                                                 "11.126.16.00.00 | OK")),
                  qPrintable(s.texte));
-        QCOMPARE(m_modem->commandes().size(), 13);
+        QCOMPARE(m_banc->modem.commandes().size(), 13);
         if (code != 0)
             QVERIFY2(s.erreurs.contains(QStringLiteral("ne possède PAS la fonction GSM-SMS")), qPrintable(s.erreurs));
     }
 
     void commandeAdminSansPort()
     {
-        qputenv("TAVONEL_MODEM_DEVICE_2", QFile::encodeName(m_dossier->chemin() + QStringLiteral("absent")));
+        qputenv("TAVONEL_MODEM_DEVICE_2", QFile::encodeName(m_banc->dossier.chemin() + QStringLiteral("absent")));
         QElapsedTimer chrono;
         chrono.start();
-        const Sortie absent = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
+        const SortieAdmin absent = lancerAdmin({QStringLiteral("modem-check"), QString::number(PortTest)});
         QCOMPARE(absent.code, 1);
         QVERIFY2(absent.erreurs.contains(QStringLiteral("Désolé, connexion impossible.")), qPrintable(absent.erreurs));
         QVERIFY(chrono.elapsed() < 10000);
 
-        const Sortie mauvais = lancerAdmin({QStringLiteral("modem-check"), QStringLiteral("COM")});
+        const SortieAdmin mauvais = lancerAdmin({QStringLiteral("modem-check"), QStringLiteral("COM")});
         QCOMPARE(mauvais.code, 2);
         QVERIFY(mauvais.erreurs.contains(QStringLiteral("numéro de port attendu")));
     }

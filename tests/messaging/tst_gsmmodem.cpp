@@ -4,8 +4,6 @@
 #include "messaging/smstext.h"
 #include "modemsimulator.h"
 #include "shell/cp1252.h"
-#include "support/dossiertest.h"
-#include "support/repondeurscripte.h"
 
 #include <QElapsedTimer>
 #include <QProcess>
@@ -32,52 +30,12 @@ class TstGsmModem : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<DossierProgrammeTest> m_dossier;
-    std::unique_ptr<ModemSimule> m_modem;
-    std::unique_ptr<RepondeurScripte> m_repondeur;
+    std::unique_ptr<BancModem> m_banc;
 
 private slots:
-    void init()
-    {
-        m_dossier = std::make_unique<DossierProgrammeTest>();
-        m_repondeur = std::make_unique<RepondeurScripte>();
-        m_modem = std::make_unique<ModemSimule>();
-        GsmModem::fixerDureeUnite(UniteTest);
-        GsmModem::restaurerPointeur();
-        etatModem() = EtatModem();
-    }
+    void init() { m_banc = std::make_unique<BancModem>(PortTest, UniteTest); }
+    void cleanup() { m_banc.reset(); }
 
-    void cleanup()
-    {
-        GsmModem::fixerDureeUnite(GsmModem::DureeUniteNormale);
-        GsmModem::restaurerPointeur();
-        for (int n = 1; n <= 16; ++n)
-            qunsetenv(QStringLiteral("TAVONEL_MODEM_DEVICE_%1").arg(n).toLatin1().constData());
-        m_modem.reset();
-        m_repondeur.reset();
-        m_dossier.reset();
-    }
-
-private:
-    // Starts a simulator and points port PortTest at it; fails the test when
-    // socat cannot start.
-    bool demarrer(QString *erreur)
-    {
-        if (!m_modem->demarrer(erreur))
-            return false;
-        qputenv(QStringLiteral("TAVONEL_MODEM_DEVICE_%1").arg(PortTest).toLatin1().constData(),
-                QFile::encodeName(m_modem->peripherique()));
-        return true;
-    }
-
-    // Fails the test, with the reason, when the simulated modem cannot start.
-#define DEMARRER_MODEM()                                                                                       \
-        do {                                                                                                       \
-            QString raison;                                                                                        \
-            QVERIFY2(demarrer(&raison), qPrintable(QStringLiteral("le modem simulé ne démarre pas : ") + raison)); \
-        } while (false)
-
-private slots:
     void portZeroNeSOuvrePas()
     {
         GsmModem modem(GsmModem::Copie::Envoi);
@@ -88,7 +46,7 @@ private slots:
 
     void portAbsent()
     {
-        qputenv("TAVONEL_MODEM_DEVICE_7", QFile::encodeName(m_dossier->chemin() + QStringLiteral("pas-de-modem")));
+        qputenv("TAVONEL_MODEM_DEVICE_7", QFile::encodeName(m_banc->dossier.chemin() + QStringLiteral("pas-de-modem")));
         GsmModem modem(GsmModem::Copie::Envoi);
         QElapsedTimer chrono;
         chrono.start();
@@ -101,8 +59,8 @@ private slots:
 
     void portTenu()
     {
-        DEMARRER_MODEM();
-        QSerialPort autre(m_modem->peripherique());
+        DEMARRER_MODEM(*m_banc);
+        QSerialPort autre(m_banc->modem.peripherique());
         QVERIFY2(autre.open(QIODevice::ReadWrite), qPrintable(autre.errorString()));
         GsmModem modem(GsmModem::Copie::Envoi);
         QCOMPARE(modem.msComConnect(PortTest), 0);
@@ -113,11 +71,11 @@ private slots:
 
     void parametresDeLaLigne()
     {
-        DEMARRER_MODEM();
+        DEMARRER_MODEM(*m_banc);
         GsmModem modem(GsmModem::Copie::Envoi);
         QCOMPARE(modem.msComConnect(PortTest), PortTest);
         QProcess stty;
-        stty.start(QStringLiteral("stty"), {QStringLiteral("-F"), m_modem->peripherique(), QStringLiteral("-a")});
+        stty.start(QStringLiteral("stty"), {QStringLiteral("-F"), m_banc->modem.peripherique(), QStringLiteral("-a")});
         QVERIFY2(stty.waitForFinished(5000), "stty ne répond pas");
         const QString reglages = QString::fromLocal8Bit(stty.readAllStandardOutput());
         QVERIFY2(reglages.contains(QLatin1String("speed 19200 baud")), qPrintable(reglages));
@@ -130,10 +88,10 @@ private slots:
 
     void peripheriqueParAgendaIni()
     {
-        DEMARRER_MODEM();
-        m_dossier->ecrire(QStringLiteral("Agenda.ini"),
-                          QStringLiteral("[Ports]\nCOM4=") + m_modem->peripherique() + u'\n');
-        QCOMPARE(PeripheriqueModem(4), m_modem->peripherique());
+        DEMARRER_MODEM(*m_banc);
+        m_banc->dossier.ecrire(QStringLiteral("Agenda.ini"),
+                          QStringLiteral("[Ports]\nCOM4=") + m_banc->modem.peripherique() + u'\n');
+        QCOMPARE(PeripheriqueModem(4), m_banc->modem.peripherique());
         // The environment wins over Agenda.ini.
         qputenv("TAVONEL_MODEM_DEVICE_4", "/dev/null-modem");
         QCOMPARE(PeripheriqueModem(4), QStringLiteral("/dev/null-modem"));
@@ -148,15 +106,15 @@ private slots:
 
     void rechercheDesPorts()
     {
-        DEMARRER_MODEM();
+        DEMARRER_MODEM(*m_banc);
         for (int n = 1; n <= 16; ++n) {
             if (n != PortTest)
                 qputenv(QStringLiteral("TAVONEL_MODEM_DEVICE_%1").arg(n).toLatin1().constData(),
-                        QFile::encodeName(m_dossier->chemin() + QStringLiteral("absent%1").arg(n)));
+                        QFile::encodeName(m_banc->dossier.chemin() + QStringLiteral("absent%1").arg(n)));
         }
         // A plain file is no port.
-        m_dossier->ecrire(QStringLiteral("fichier"), QStringLiteral("x"));
-        qputenv("TAVONEL_MODEM_DEVICE_9", QFile::encodeName(m_dossier->chemin() + QStringLiteral("fichier")));
+        m_banc->dossier.ecrire(QStringLiteral("fichier"), QStringLiteral("x"));
+        qputenv("TAVONEL_MODEM_DEVICE_9", QFile::encodeName(m_banc->dossier.chemin() + QStringLiteral("fichier")));
 
         QStringList statuts;
         const QList<int> ports = RechercherPorts(true, [&](const QString &s) { statuts << s; });
@@ -166,7 +124,7 @@ private slots:
                                        QStringLiteral("Com 3 trouvé"),
                                        QStringLiteral("1 Port(s) COM trouvé(s)")}));
         statuts.clear();
-        qputenv("TAVONEL_MODEM_DEVICE_3", QFile::encodeName(m_dossier->chemin() + QStringLiteral("absent3")));
+        qputenv("TAVONEL_MODEM_DEVICE_3", QFile::encodeName(m_banc->dossier.chemin() + QStringLiteral("absent3")));
         QVERIFY(RechercherPorts(false, [&](const QString &s) { statuts << s; }).isEmpty());
         QCOMPARE(statuts, (QStringList{QStringLiteral("Rechercher des Ports Com Disponibles..."),
                                        QStringLiteral("0 Port(s) COM trouvé(s)")}));
@@ -222,9 +180,9 @@ private slots:
         QFETCH(int, minMs);
         QFETCH(int, maxMs);
 
-        DEMARRER_MODEM();
-        m_modem->fixerEcho(echo);
-        m_modem->script(commande, Reponse{morceaux, 200});
+        DEMARRER_MODEM(*m_banc);
+        m_banc->modem.fixerEcho(echo);
+        m_banc->modem.script(commande, Reponse{morceaux, 200});
         GsmModem modem(GsmModem::Copie::Envoi);
         QCOMPARE(modem.msComConnect(PortTest), PortTest);
 
@@ -236,14 +194,14 @@ private slots:
         QCOMPARE(etatModem().CommBuffer, tampon);
         QCOMPARE(etatModem().LastResponse, tampon);
         QVERIFY(etatModem().CommDone);
-        QCOMPARE(m_modem->recu(), VersCp1252(commande) + '\r');
+        QCOMPARE(m_banc->modem.recu(), VersCp1252(commande) + '\r');
     }
 
     void silenceAvecLUniteReelle()
     {
-        DEMARRER_MODEM();
+        DEMARRER_MODEM(*m_banc);
         GsmModem::fixerDureeUnite(GsmModem::DureeUniteNormale);
-        m_modem->fixerMuet(true);
+        m_banc->modem.fixerMuet(true);
         GsmModem modem(GsmModem::Copie::Envoi);
         QCOMPARE(modem.msComConnect(PortTest), PortTest);
         QElapsedTimer chrono;
@@ -256,8 +214,8 @@ private slots:
 
     void pointeurApresAttente()
     {
-        DEMARRER_MODEM();
-        m_modem->script(QStringLiteral("AT+CSCA?"), Reponse{});
+        DEMARRER_MODEM(*m_banc);
+        m_banc->modem.script(QStringLiteral("AT+CSCA?"), Reponse{});
         GsmModem modem(GsmModem::Copie::Envoi);
         QCOMPARE(modem.msComConnect(PortTest), PortTest);
         QVERIFY(!GsmModem::pointeurOccupe());
@@ -267,24 +225,24 @@ private slots:
         QVERIFY(modem.sendIt(QStringLiteral("AT"), QStringLiteral("OK"), QStringLiteral("ERROR"), 1));
         QVERIFY(!GsmModem::pointeurOccupe());
         // An error answer is a normal end too.
-        m_modem->script(QStringLiteral("AT+X"), ModemSimule::Erreur());
+        m_banc->modem.script(QStringLiteral("AT+X"), ModemSimule::Erreur());
         QVERIFY(!modem.sendIt(QStringLiteral("AT+X"), QStringLiteral("OK"), QStringLiteral("ERROR"), 1));
         QVERIFY(!GsmModem::pointeurOccupe());
     }
 
     void initialisation()
     {
-        DEMARRER_MODEM();
+        DEMARRER_MODEM(*m_banc);
         GsmModem modem(GsmModem::Copie::Envoi);
         QCOMPARE(modem.msComConnect(PortTest), PortTest);
         QVERIFY(modem.InitMobile());
-        QCOMPARE(m_modem->commandes(), (QStringList{QStringLiteral("AT"), QStringLiteral("AT+COPS?"),
+        QCOMPARE(m_banc->modem.commandes(), (QStringList{QStringLiteral("AT"), QStringLiteral("AT+COPS?"),
                                                     QStringLiteral("AT+CSMP=17,167,0,16"), QStringLiteral("AT+CSCS=?"),
                                                     QStringLiteral("AT+CSCS=\"GSM\"")}));
-        QCOMPARE(m_modem->recu(), QByteArray("AT\rAT+COPS?\rAT+CSMP=17,167,0,16\rAT+CSCS=?\rAT+CSCS=\"GSM\"\r"));
+        QCOMPARE(m_banc->modem.recu(), QByteArray("AT\rAT+COPS?\rAT+CSMP=17,167,0,16\rAT+CSCS=?\rAT+CSCS=\"GSM\"\r"));
         // Text mode is taken for granted by the sending copy.
-        QVERIFY(!m_modem->commandes().contains(QStringLiteral("AT+CMGF=1")));
-        QVERIFY(m_repondeur->appels().isEmpty());
+        QVERIFY(!m_banc->modem.commandes().contains(QStringLiteral("AT+CMGF=1")));
+        QVERIFY(m_banc->repondeur.appels().isEmpty());
         QVERIFY(!GsmModem::pointeurOccupe());
     }
 
@@ -311,21 +269,21 @@ private slots:
         QFETCH(Reponse, reponse);
         QFETCH(int, envoyees);
         QFETCH(QStringList, boites);
-        DEMARRER_MODEM();
-        m_modem->script(commande, reponse);
+        DEMARRER_MODEM(*m_banc);
+        m_banc->modem.script(commande, reponse);
         GsmModem modem(GsmModem::Copie::Envoi);
         QCOMPARE(modem.msComConnect(PortTest), PortTest);
         QVERIFY(!modem.InitMobile());
         // The initialisation stops at the command that failed.
-        QCOMPARE(m_modem->commandes().size(), envoyees);
-        QCOMPARE(m_modem->commandes().constLast(), commande);
-        QCOMPARE(m_repondeur->textes(), boites);
+        QCOMPARE(m_banc->modem.commandes().size(), envoyees);
+        QCOMPARE(m_banc->modem.commandes().constLast(), commande);
+        QCOMPARE(m_banc->repondeur.textes(), boites);
     }
 
     void initialisationOperateurTardif()
     {
-        DEMARRER_MODEM();
-        m_modem->script(QStringLiteral("AT+COPS?"),
+        DEMARRER_MODEM(*m_banc);
+        m_banc->modem.script(QStringLiteral("AT+COPS?"),
                         QList<Reponse>{ModemSimule::Texte("+COPS: 0,0,\"\""), ModemSimule::Texte("+COPS: 0,0,\"\""),
                                        ModemSimule::Texte("+COPS: 0,2,\"20810\",2")});
         GsmModem modem(GsmModem::Copie::Envoi);
@@ -333,30 +291,30 @@ private slots:
         QElapsedTimer chrono;
         chrono.start();
         QVERIFY(modem.InitMobile());
-        QCOMPARE(m_modem->nombre(QStringLiteral("AT+COPS?")), 3);
+        QCOMPARE(m_banc->modem.nombre(QStringLiteral("AT+COPS?")), 3);
         // A second between unanswered rounds.
         QVERIFY2(chrono.elapsed() >= 2000, qPrintable(QString::number(chrono.elapsed())));
     }
 
     void initialisationSansOperateur()
     {
-        DEMARRER_MODEM();
+        DEMARRER_MODEM(*m_banc);
         // Registered to no network: the name stays "Inconnu" for eight rounds,
         // then the initialisation goes on.
-        m_modem->script(QStringLiteral("AT+COPS?"), ModemSimule::Texte("+COPS: 0,0,\"\""));
+        m_banc->modem.script(QStringLiteral("AT+COPS?"), ModemSimule::Texte("+COPS: 0,0,\"\""));
         GsmModem modem(GsmModem::Copie::Envoi);
         QCOMPARE(modem.msComConnect(PortTest), PortTest);
         QElapsedTimer chrono;
         chrono.start();
         QVERIFY(modem.InitMobile());
         QVERIFY2(chrono.elapsed() >= 7000, qPrintable(QString::number(chrono.elapsed())));
-        QCOMPARE(m_modem->nombre(QStringLiteral("AT+COPS?")), 8);
-        QCOMPARE(m_modem->commandes().value(9), QStringLiteral("AT+CSMP=17,167,0,16"));
+        QCOMPARE(m_banc->modem.nombre(QStringLiteral("AT+COPS?")), 8);
+        QCOMPARE(m_banc->modem.commandes().value(9), QStringLiteral("AT+CSMP=17,167,0,16"));
     }
 
     void envoiMessageAccentue()
     {
-        DEMARRER_MODEM();
+        DEMARRER_MODEM(*m_banc);
         GsmModem modem(GsmModem::Copie::Envoi);
         QCOMPARE(modem.msComConnect(PortTest), PortTest);
         const QString message = BuildSMSText(
@@ -371,8 +329,8 @@ private slots:
               "Le lundi 03 aout 2026 \x7F 09H05 \r"
               "Tarif 25 Euro - contact\x80" "cabinet.fr"
               "\x1A\r";
-        QCOMPARE(m_modem->recu(), QByteArray(attendu).replace("No\x85l", "Noel"));
-        QCOMPARE(m_modem->corps().size(), 1);
+        QCOMPARE(m_banc->modem.recu(), QByteArray(attendu).replace("No\x85l", "Noel"));
+        QCOMPARE(m_banc->modem.corps().size(), 1);
     }
 
     void envoiEchecs_data()
@@ -392,18 +350,18 @@ private slots:
         QFETCH(QString, reponseCorps);
         QFETCH(bool, resultat);
         QFETCH(int, corps);
-        DEMARRER_MODEM();
-        m_modem->fixerInvitesDansCorps(false);
-        m_modem->fixerEcho(false);
-        m_modem->script(QStringLiteral("AT+CMGS=\"0600000000\""),
+        DEMARRER_MODEM(*m_banc);
+        m_banc->modem.fixerInvitesDansCorps(false);
+        m_banc->modem.fixerEcho(false);
+        m_banc->modem.script(QStringLiteral("AT+CMGS=\"0600000000\""),
                         reponseCmgs == QLatin1String("invite") ? Reponse{{"\r\n> "}} : ModemSimule::Erreur());
-        m_modem->scriptCorps(reponseCorps == QLatin1String("ok") ? ModemSimule::Texte("+CMGS: 7") : ModemSimule::Erreur());
+        m_banc->modem.scriptCorps(reponseCorps == QLatin1String("ok") ? ModemSimule::Texte("+CMGS: 7") : ModemSimule::Erreur());
         GsmModem modem(GsmModem::Copie::Envoi);
         QCOMPARE(modem.msComConnect(PortTest), PortTest);
         QCOMPARE(modem.SendSMS(QStringLiteral("0600000000"), QStringLiteral("Bonjour")), resultat);
-        QCOMPARE(m_modem->corps().size(), corps);
+        QCOMPARE(m_banc->modem.corps().size(), corps);
         if (corps == 0)
-            QCOMPARE(m_modem->recu(), QByteArray("AT+CMGS=\"0600000000\"\r"));
+            QCOMPARE(m_banc->modem.recu(), QByteArray("AT+CMGS=\"0600000000\"\r"));
     }
 
     void corpsSansReponseSelonLaCopie_data()
@@ -418,10 +376,10 @@ private slots:
     {
         QFETCH(bool, diagnostic);
         QFETCH(int, unites);
-        DEMARRER_MODEM();
-        m_modem->fixerInvitesDansCorps(false);
-        m_modem->fixerEcho(false);
-        m_modem->scriptCorps(Reponse{});
+        DEMARRER_MODEM(*m_banc);
+        m_banc->modem.fixerInvitesDansCorps(false);
+        m_banc->modem.fixerEcho(false);
+        m_banc->modem.scriptCorps(Reponse{});
         GsmModem modem(diagnostic ? GsmModem::Copie::Diagnostic : GsmModem::Copie::Envoi);
         QCOMPARE(modem.msComConnect(PortTest), PortTest);
         // The body is waited for with the copy's own limit.
@@ -438,7 +396,7 @@ private slots:
         const qint64 ecoule = chrono.elapsed();
         const qint64 unite = UniteTest.count();
         QVERIFY2(ecoule >= unites * unite && ecoule < (unites + 1) * unite, qPrintable(QString::number(ecoule)));
-        QCOMPARE(m_modem->corps().size(), 1);
+        QCOMPARE(m_banc->modem.corps().size(), 1);
     }
 
     void smsSeul_data()
@@ -461,21 +419,21 @@ private slots:
         QFETCH(QString, commande);
         QFETCH(Reponse, reponse);
         QFETCH(QString, statut);
-        DEMARRER_MODEM();
-        qputenv("TAVONEL_MODEM_DEVICE_11", QFile::encodeName(m_dossier->chemin() + QStringLiteral("absent")));
+        DEMARRER_MODEM(*m_banc);
+        qputenv("TAVONEL_MODEM_DEVICE_11", QFile::encodeName(m_banc->dossier.chemin() + QStringLiteral("absent")));
         if (!commande.isEmpty())
-            m_modem->script(commande, reponse);
+            m_banc->modem.script(commande, reponse);
         GsmModem modem(GsmModem::Copie::Envoi);
         QCOMPARE(EnvoyerSMSSeul(modem, port, QStringLiteral("0611223344"), QStringLiteral("Rappel")), statut);
         // The port is open for the one message only.
         QVERIFY(!modem.estConnecte());
         if (statut.endsWith(QLatin1String("OK")))
-            QCOMPARE(m_modem->corps(), QList<QByteArray>{QByteArray("Rappel")});
+            QCOMPARE(m_banc->modem.corps(), QList<QByteArray>{QByteArray("Rappel")});
     }
 
     void diagnostic()
     {
-        DEMARRER_MODEM();
+        DEMARRER_MODEM(*m_banc);
         GsmModem modem(GsmModem::Copie::Diagnostic);
         QSignalSpy journal(&modem, &GsmModem::journal);
         QSignalSpy sortie(&modem, &GsmModem::sortie);
@@ -483,7 +441,7 @@ private slots:
         InfosModem infos;
         QVERIFY(modem.getMobileInfo(infos));
 
-        QCOMPARE(m_modem->commandes(),
+        QCOMPARE(m_banc->modem.commandes(),
                  (QStringList{QStringLiteral("AT"), QStringLiteral("ATI"), QStringLiteral("AT+CGMI"),
                               QStringLiteral("AT+COPS?"), QStringLiteral("AT+COPN=?"), QStringLiteral("AT+IPR?"),
                               QStringLiteral("AT+CSCA?"), QStringLiteral("AT+CSDH?"), QStringLiteral("AT+CSMP?"),
@@ -516,17 +474,17 @@ private slots:
 
     void diagnosticSansModem()
     {
-        DEMARRER_MODEM();
-        m_modem->fixerMuet(true);
+        DEMARRER_MODEM(*m_banc);
+        m_banc->modem.fixerMuet(true);
         GsmModem modem(GsmModem::Copie::Diagnostic);
         QSignalSpy deconnexion(&modem, &GsmModem::deconnexionDemandee);
         QCOMPARE(modem.msComConnect(PortTest), PortTest);
         InfosModem infos;
         infos.manufacturer = QStringLiteral("ancien");
         QVERIFY(!modem.getMobileInfo(infos));
-        QCOMPARE(m_repondeur->textes(), QStringList{QStringLiteral("Pas de Modem GSM trouvé")});
+        QCOMPARE(m_banc->repondeur.textes(), QStringList{QStringLiteral("Pas de Modem GSM trouvé")});
         QCOMPARE(deconnexion.size(), 1);
-        QCOMPARE(m_modem->commandes(), QStringList{QStringLiteral("AT")});
+        QCOMPARE(m_banc->modem.commandes(), QStringList{QStringLiteral("AT")});
         QVERIFY(infos.manufacturer.isEmpty());
         QVERIFY(!GsmModem::pointeurOccupe());
     }

@@ -6,6 +6,7 @@
 #include "shell/modal.h"
 #include "shell/profilini.h"
 #include "support/dossiertest.h"
+#include "support/fichierstest.h"
 #include "support/repondeurscripte.h"
 
 #include <QDir>
@@ -50,20 +51,11 @@ private:
     struct Profils
     {
         QTemporaryDir dir;
-        QByteArray ancien;
+        VariableTemporaire variable{"TAVONEL_DOSSIER_PROFILS", dir.path().toLocal8Bit()};
         explicit Profils(const QString &dossierConfig)
         {
-            ancien = qgetenv("TAVONEL_DOSSIER_PROFILS");
-            qputenv("TAVONEL_DOSSIER_PROFILS", dir.path().toLocal8Bit());
             ecrire(dir.path() + QStringLiteral("/Kelmoreg.reg"),
                    QStringLiteral("[Brenwick.32]\nPath=%1\n").arg(dossierConfig));
-        }
-        ~Profils()
-        {
-            if (ancien.isEmpty())
-                qunsetenv("TAVONEL_DOSSIER_PROFILS");
-            else
-                qputenv("TAVONEL_DOSSIER_PROFILS", ancien);
         }
     };
 
@@ -291,7 +283,7 @@ private slots:
         QCOMPARE(LireIni(QStringLiteral("Agenda"), QStringLiteral("Identity3"), QStringLiteral("?"), ini), QStringLiteral("CAB3"));
         QCOMPARE(LireIni(QStringLiteral("Agenda"), QStringLiteral("Autre"), QStringLiteral("?"), ini), QStringLiteral("garde"));
         // The new keys come in the order of writing.
-        const QString texte = DepuisCp1252(LireFichierBrut(ini));
+        const QString texte = DepuisCp1252(lireOctets(ini));
         QStringList cles;
         for (const QString &l : texte.split(QRegularExpression(QStringLiteral("\r?\n")))) {
             const QString cle = l.section(u'=', 0, 0);
@@ -307,12 +299,12 @@ private slots:
     {
         DossierProgrammeTest prog;
         prog.ecrire(QStringLiteral("Agenda.ini"), QStringLiteral("[Agenda]\nPath1=/a/Patients.mdb\n"));
-        const QByteArray avant = LireFichierBrut(prog.chemin() + QStringLiteral("Agenda.ini"));
+        const QByteArray avant = lireOctets(prog.chemin() + QStringLiteral("Agenda.ini"));
         frmZek_AG2 f;
         f.DBPath[1]->setText(QStringLiteral("/b/Patients.mdb"));
         QTest::mouseClick(f.btnAnnuler, Qt::LeftButton);
         QCOMPARE(f.result(), int(QDialog::Rejected));
-        QCOMPARE(LireFichierBrut(prog.chemin() + QStringLiteral("Agenda.ini")), avant);
+        QCOMPARE(lireOctets(prog.chemin() + QStringLiteral("Agenda.ini")), avant);
         QCOMPARE(appState().Path[1], QString());
     }
 
@@ -331,12 +323,6 @@ private slots:
         }
     }
 
-private:
-    static QByteArray LireFichierBrut(const QString &chemin)
-    {
-        QFile f(chemin);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
 };
 
 QTEST_MAIN(tst_liaisons)

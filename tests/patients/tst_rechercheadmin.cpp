@@ -1,8 +1,8 @@
 #include "basestest.h"
 
+#include "support/admintest.h"
 #include "support/dossiertest.h"
 
-#include <QProcess>
 #include <QtTest>
 
 // tavonel-admin search-patients, run as support runs it, over the program
@@ -11,26 +11,7 @@ class tst_rechercheadmin : public QObject
 {
     Q_OBJECT
 
-private:
-    struct Sortie
-    {
-        int code = -1;
-        QStringList lignes;
-        QString erreur;
-    };
-
-    static Sortie lancer(const QStringList &arguments)
-    {
-        QProcess p;
-        p.start(QStringLiteral(TAVONEL_ADMIN_EXE), arguments);
-        Sortie s;
-        if (!p.waitForFinished(30000) || p.exitStatus() != QProcess::NormalExit)
-            return s;
-        s.code = p.exitCode();
-        s.lignes = QString::fromUtf8(p.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
-        s.erreur = QString::fromUtf8(p.readAllStandardError());
-        return s;
-    }
+    static QStringList lignes(const SortieAdmin &s) { return s.texte.split(u'\n', Qt::SkipEmptyParts); }
 
 private slots:
     void recherche()
@@ -47,20 +28,20 @@ private slots:
         prog.ecrire(QStringLiteral("Agenda.ini"),
                     QStringLiteral("[Agenda]\nPath1=%1cab1/Patients.mdb\nIdentity1=CAB1\n").arg(prog.chemin()));
 
-        Sortie s = lancer({QStringLiteral("search-patients"), QStringLiteral("agenda"), QStringLiteral("lefe")});
+        SortieAdmin s = lancerAdmin({QStringLiteral("search-patients"), QStringLiteral("agenda"), QStringLiteral("lefe")});
         QCOMPARE(s.code, 0);
-        QCOMPARE(s.lignes, (QStringList{QStringLiteral("Agenda\tLefèvre\tZoé\t01/02/1985\t\t4\t"), QStringLiteral("1 patients")}));
+        QCOMPARE(lignes(s), (QStringList{QStringLiteral("Agenda\tLefèvre\tZoé\t01/02/1985\t\t4\t"), QStringLiteral("1 patients")}));
 
-        s = lancer({QStringLiteral("search-patients"), QStringLiteral("linked"), QStringLiteral("le"), QStringLiteral("z")});
+        s = lancerAdmin({QStringLiteral("search-patients"), QStringLiteral("linked"), QStringLiteral("le"), QStringLiteral("z")});
         QCOMPARE(s.code, 0);
-        QCOMPARE(s.lignes, (QStringList{QStringLiteral("CAB1\tLEFEVRE\tZoé\t01/02/1985\t30/06/2025\t12\t4"), QStringLiteral("1 patients")}));
+        QCOMPARE(lignes(s), (QStringList{QStringLiteral("CAB1\tLEFEVRE\tZoé\t01/02/1985\t30/06/2025\t12\t4"), QStringLiteral("1 patients")}));
 
         prog.ecrire(QStringLiteral("Agenda.ini"), QStringLiteral("[Agenda]\nPath1=%1absente/Patients.mdb\n").arg(prog.chemin()));
-        s = lancer({QStringLiteral("search-patients"), QStringLiteral("linked"), QStringLiteral("le")});
+        s = lancerAdmin({QStringLiteral("search-patients"), QStringLiteral("linked"), QStringLiteral("le")});
         QCOMPARE(s.code, 1);
-        QVERIFY2(s.erreur.startsWith(QStringLiteral("Erreur 14 lors de la recherche d'une fiche\n")), qPrintable(s.erreur));
+        QVERIFY2(s.erreurs.startsWith(QStringLiteral("Erreur 14 lors de la recherche d'une fiche\n")), qPrintable(s.erreurs));
 
-        s = lancer({QStringLiteral("search-patients"), QStringLiteral("ailleurs"), QStringLiteral("le")});
+        s = lancerAdmin({QStringLiteral("search-patients"), QStringLiteral("ailleurs"), QStringLiteral("le")});
         QCOMPARE(s.code, 2);
     }
 };

@@ -3,6 +3,7 @@
 #include "patients/recherchepatients.h"
 #include "shell/appstate.h"
 #include "shell/jettexte.h"
+#include "support/fichierstest.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -33,10 +34,7 @@ private:
 
     static QByteArray empreinte(const QString &chemin)
     {
-        QFile f(chemin);
-        if (!f.open(QIODevice::ReadOnly))
-            return {};
-        return QCryptographicHash::hash(f.readAll(), QCryptographicHash::Sha1);
+        return QCryptographicHash::hash(lireOctets(chemin), QCryptographicHash::Sha1);
     }
 
 private slots:
@@ -390,13 +388,9 @@ private slots:
         const QString chemin = d + QStringLiteral("Patients.mdb");
         std::unique_ptr<BaseSqlite> verrou;
         if (genre == QStringLiteral("texte")) {
-            QFile f(chemin);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write("Standard Jet DB, not ours\n");
+            QVERIFY(ecrireOctets(chemin, "Standard Jet DB, not ours\n"));
         } else if (genre == QStringLiteral("dechets")) {
-            QFile f(chemin);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write(QByteArray("SQLite format 3\0", 16) + QByteArray(4080, '\x7f'));
+            QVERIFY(ecrireOctets(chemin, QByteArray("SQLite format 3\0", 16) + QByteArray(4080, '\x7f')));
         } else if (genre == QStringLiteral("vide")) {
             auto b = BaseSqlite::ouvrir(chemin, BaseSqlite::Mode::Creer);
             QVERIFY(b);

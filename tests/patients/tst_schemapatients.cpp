@@ -1,5 +1,6 @@
 #include "patients/schemapatients.h"
 #include "shell/basesqlite.h"
+#include "support/fichierstest.h"
 #include "support/repondeurscripte.h"
 
 #include <QDir>
@@ -18,12 +19,6 @@ class tst_schemapatients : public QObject
 
 private:
     using Colonnes = QList<std::pair<QString, QString>>;
-
-    static QByteArray octets(const QString &chemin)
-    {
-        QFile f(chemin);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
 
     // Name and declared type of each column, in order.
     static Colonnes colonnes(const QSqlDatabase &db, const QString &table)
@@ -245,13 +240,9 @@ private Q_SLOTS:
         QTemporaryDir dir;
         QVERIFY(dir.isValid());
         QString d = dir.path() + u'/';
-        {
-            QFile f(d + nom);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write("pas une base");
-        }
+        QVERIFY(ecrireOctets(d + nom, "pas une base"));
         QVERIFY(!CreerBasePatients(d));
-        QCOMPARE(octets(d + nom), QByteArray("pas une base"));
+        QCOMPARE(lireOctets(d + nom), QByteArray("pas une base"));
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{nom});
         QVERIFY(repondeur.appels().isEmpty());
     }
@@ -263,15 +254,9 @@ private Q_SLOTS:
         const QString d = dir.path() + u'/';
         QCOMPARE(CheminPatientsMdb(d), d + QStringLiteral("Patients.mdb"));
         QCOMPARE(CheminPatientsMdb(dir.path()), d + QStringLiteral("Patients.mdb"));
-        {
-            QFile f(d + QStringLiteral("patients.mdb"));
-            QVERIFY(f.open(QIODevice::WriteOnly));
-        }
+        QVERIFY(ecrireOctets(d + QStringLiteral("patients.mdb"), {}));
         QCOMPARE(CheminPatientsMdb(d), d + QStringLiteral("patients.mdb"));
-        {
-            QFile f(d + QStringLiteral("Patients.mdb"));
-            QVERIFY(f.open(QIODevice::WriteOnly));
-        }
+        QVERIFY(ecrireOctets(d + QStringLiteral("Patients.mdb"), {}));
         QCOMPARE(CheminPatientsMdb(d), d + QStringLiteral("Patients.mdb"));
     }
 

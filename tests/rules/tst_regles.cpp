@@ -2,8 +2,8 @@
 #include "shell/appstate.h"
 #include "shell/basesqlite.h"
 #include "shell/config.h"
+#include "support/fichierstest.h"
 
-#include <QFile>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -99,16 +99,12 @@ private Q_SLOTS:
         const QString d = autre.path() + u'/';
         const QString chemin = d + QStringLiteral("Config.mdb");
         QVERIFY(CreerBaseConfig(d));
-        QFile f(chemin);
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        const QByteArray avant = f.readAll();
-        f.close();
+        const QByteArray avant = lireOctets(chemin);
         QVERIFY(!avant.isEmpty());
         QString erreur;
         QVERIFY(!CreerBaseConfig(d, &erreur));
         QVERIFY(!erreur.isEmpty());
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        QCOMPARE(f.readAll(), avant);
+        QCOMPARE(lireOctets(chemin), avant);
     }
 
     // What the lookup says of the moment itself, with no rule in the table.

@@ -2,6 +2,7 @@
 #include "shell/appstate.h"
 #include "shell/basesqlite.h"
 #include "shell/config.h"
+#include "support/fichierstest.h"
 #include "support/repondeurscripte.h"
 
 #include <QFile>
@@ -115,9 +116,7 @@ private Q_SLOTS:
         QCOMPARE(QFile::exists(chemin), !contenu.isNull());
         if (contenu.isNull())
             return;
-        QFile f(chemin);
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        QCOMPARE(f.readAll(), contenu); // not a byte changed
+        QCOMPARE(lireOctets(chemin), contenu); // not a byte changed
     }
 
     void baseSansTableIniRefusee()

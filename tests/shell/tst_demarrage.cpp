@@ -7,6 +7,7 @@
 #include "shell/profilini.h"
 #include "shell/registre.h"
 #include "support/dossiertest.h"
+#include "support/fichierstest.h"
 #include "support/repondeurscripte.h"
 
 #include <QDir>
@@ -23,12 +24,6 @@ private:
     {
         FermerConfig();
         appState() = AppState{};
-    }
-
-    static QByteArray octets(const QString &chemin)
-    {
-        QFile f(chemin);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
 
     // A start without argument in `dossier`, both steps run.
@@ -157,10 +152,10 @@ private Q_SLOTS:
         DossierProgrammeTest prog;
         if (avecIni)
             prog.ecrire(QStringLiteral("Agenda.ini"), QStringLiteral("[Agenda2]\nPathDB2=%1\nAgendaName2=B\n").arg(prog.chemin()));
-        const QByteArray avant = octets(prog.chemin() + QStringLiteral("Agenda.ini"));
+        const QByteArray avant = lireOctets(prog.chemin() + QStringLiteral("Agenda.ini"));
         Demarrage d(appState(), prog.chemin());
         QCOMPARE(d.initialiser(argument), std::optional<QString>(QString::fromUtf8("Agenda non configuré !")));
-        QCOMPARE(octets(prog.chemin() + QStringLiteral("Agenda.ini")), avant);
+        QCOMPARE(lireOctets(prog.chemin() + QStringLiteral("Agenda.ini")), avant);
         QCOMPARE(QDir(prog.chemin()).entryList(QDir::Files), avecIni ? QStringList{QStringLiteral("Agenda.ini")} : QStringList{});
     }
 
@@ -168,18 +163,14 @@ private Q_SLOTS:
     {
         DossierProgrammeTest prog;
         const QByteArray jet = QByteArray("\x00\x01\x00\x00Standard Jet DB\x00", 20) + QByteArray(4000, '\x42');
-        {
-            QFile f(prog.chemin() + QStringLiteral("Config.mdb"));
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write(jet);
-        }
+        QVERIFY(ecrireOctets(prog.chemin() + QStringLiteral("Config.mdb"), jet));
         Demarrage d(appState(), prog.chemin());
         QCOMPARE(d.initialiser(QString()), std::nullopt);
         ParametresFenetre p;
         const auto fatal = d.charger(p);
         QVERIFY(fatal.has_value());
         QCOMPARE(*fatal, QString::fromUtf8("La base de donnée n'est pas trouvée dans le chemin : \n  ") + prog.chemin());
-        QCOMPARE(octets(prog.chemin() + QStringLiteral("Config.mdb")), jet);
+        QCOMPARE(lireOctets(prog.chemin() + QStringLiteral("Config.mdb")), jet);
     }
 
     void dossierDeDonneesInexistant()
@@ -202,12 +193,12 @@ private Q_SLOTS:
             QVERIFY(l.ok);
             l.d.arreter(false);
         }
-        const QByteArray patients = octets(CheminPatientsMdb(prog.chemin()));
+        const QByteArray patients = lireOctets(CheminPatientsMdb(prog.chemin()));
         remettreAZero();
         Lancement l(prog.chemin());
         QVERIFY(l.ok);
         QVERIFY(!l.p.premierLancement);
-        QCOMPARE(octets(CheminPatientsMdb(prog.chemin())), patients);
+        QCOMPARE(lireOctets(CheminPatientsMdb(prog.chemin())), patients);
     }
 
     void libellesDepuisLaTableIni()

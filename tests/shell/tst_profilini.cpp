@@ -1,6 +1,7 @@
 #include "shell/cp1252.h"
 #include "shell/profilini.h"
 #include "support/dossiertest.h"
+#include "support/fichierstest.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -14,16 +15,7 @@ private:
     static QString ecrireFichier(const QTemporaryDir &dir, const QByteArray &octets)
     {
         const QString chemin = dir.filePath(QStringLiteral("test.ini"));
-        QFile f(chemin);
-        f.open(QIODevice::WriteOnly | QIODevice::Truncate);
-        f.write(octets);
-        return chemin;
-    }
-    static QByteArray lireOctets(const QString &chemin)
-    {
-        QFile f(chemin);
-        f.open(QIODevice::ReadOnly);
-        return f.readAll();
+        return ecrireOctets(chemin, octets) ? chemin : QString();
     }
 
 private Q_SLOTS:

@@ -1,5 +1,6 @@
 #include "shell/horloge.h"
 #include "shell/support.h"
+#include "support/fichierstest.h"
 #include "support/repondeurscripte.h"
 
 #include <QDir>
@@ -15,50 +16,6 @@
 #include <unistd.h>
 
 namespace {
-
-// Sets or removes an environment variable for the lifetime of the object.
-class VariableTemporaire final
-{
-public:
-    VariableTemporaire(const char *nom, const QByteArray &valeur, bool definir = true)
-        : m_nom(nom)
-        , m_avait(qEnvironmentVariableIsSet(nom))
-        , m_ancienne(qgetenv(nom))
-    {
-        if (definir)
-            qputenv(nom, valeur);
-        else
-            qunsetenv(nom);
-    }
-    ~VariableTemporaire()
-    {
-        if (m_avait)
-            qputenv(m_nom, m_ancienne);
-        else
-            qunsetenv(m_nom);
-    }
-    VariableTemporaire(const VariableTemporaire &) = delete;
-    VariableTemporaire &operator=(const VariableTemporaire &) = delete;
-
-private:
-    const char *m_nom;
-    bool m_avait;
-    QByteArray m_ancienne;
-};
-
-QByteArray lireOctets(const QString &chemin)
-{
-    QFile f(chemin);
-    if (!f.open(QIODevice::ReadOnly))
-        return QByteArray("<illisible>");
-    return f.readAll();
-}
-
-bool ecrireOctets(const QString &chemin, const QByteArray &octets)
-{
-    QFile f(chemin);
-    return f.open(QIODevice::WriteOnly) && f.write(octets) == octets.size();
-}
 
 // A packed appointment body: fourteen fields, each followed by "§".
 QString corps(const QString &champ11, int champs = 14)
@@ -152,18 +109,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("texte");
         QTest::newRow("1") << 1 << "1 minute";
         QTest::newRow("5") << 5 << "5 minutes";
-        QTest::newRow("10") << 10 << "10 minutes";
-        QTest::newRow("15") << 15 << "15 minutes";
-        QTest::newRow("30") << 30 << "30 minutes";
         QTest::newRow("60") << 60 << "1 heure";
         QTest::newRow("120") << 120 << "2 heures";
-        QTest::newRow("240") << 240 << "4 heures";
-        QTest::newRow("480") << 480 << "8 heures";
         QTest::newRow("720") << 720 << "0.5 jour";
         QTest::newRow("1440") << 1440 << "1 jour";
         QTest::newRow("2880") << 2880 << "2 jours";
-        QTest::newRow("4320") << 4320 << "3 jours";
-        QTest::newRow("5760") << 5760 << "4 jours";
         QTest::newRow("10080") << 10080 << "1 semaine";
         QTest::newRow("20160") << 20160 << "2 semaines";
     }
@@ -200,61 +150,25 @@ private Q_SLOTS:
 
     // --- Weeks -------------------------------------------------------------
 
-    void semaines_data()
-    {
-        QTest::addColumn<QDate>("date");
-        QTest::addColumn<int>("numero");
-        QTest::addColumn<int>("parite");
-        QTest::newRow("1er janvier 2021") << QDate(2021, 1, 1) << 53 << 1;
-        QTest::newRow("4 janvier 2021") << QDate(2021, 1, 4) << 1 << 1;
-        QTest::newRow("3 janvier 2021 dimanche") << QDate(2021, 1, 3) << 53 << 1;
-        QTest::newRow("29 decembre 2008 lundi") << QDate(2008, 12, 29) << 1 << 1;
-        QTest::newRow("28 decembre 2008 dimanche") << QDate(2008, 12, 28) << 52 << 2;
-        QTest::newRow("1er mai 2024") << QDate(2024, 5, 1) << 18 << 2;
-        QTest::newRow("31 decembre 2024 mardi") << QDate(2024, 12, 31) << 1 << 1;
-        QTest::newRow("29 decembre 2024 dimanche") << QDate(2024, 12, 29) << 52 << 2;
-    }
-
-    void semaines()
-    {
-        QFETCH(QDate, date);
-        QFETCH(int, numero);
-        QFETCH(int, parite);
-        QCOMPARE(GetWeekNumber(date), numero);
-        QCOMPARE(GetWeekParity(date), parite);
-    }
-
     void semainesCommeIso()
     {
-        // Every day of half a century, against Qt's own ISO week.
+        // Every day of half a century, against Qt's own ISO week: the week
+        // number, its parity (1 odd, 2 even) and the day counted from Sunday.
         int jours = 0;
         for (QDate d(1990, 1, 1); d <= QDate(2040, 12, 31); d = d.addDays(1)) {
-            if (GetWeekNumber(d) != d.weekNumber())
-                QFAIL(qPrintable(QStringLiteral("%1: %2 au lieu de %3")
+            const int iso = d.weekNumber();
+            if (GetWeekNumber(d) != iso || GetWeekParity(d) != (iso % 2 ? 1 : 2)
+                || JourSemaineDimanche1(d) != d.dayOfWeek() % 7 + 1)
+                QFAIL(qPrintable(QStringLiteral("%1: semaine %2 (%3), parité %4, jour %5")
                                      .arg(d.toString(Qt::ISODate))
                                      .arg(GetWeekNumber(d))
-                                     .arg(d.weekNumber())));
+                                     .arg(iso)
+                                     .arg(GetWeekParity(d))
+                                     .arg(JourSemaineDimanche1(d))));
             ++jours;
         }
         QCOMPARE(jours, 18628);
-    }
-
-    void jourSemaine_data()
-    {
-        QTest::addColumn<QDate>("date");
-        QTest::addColumn<int>("jour");
-        QTest::newRow("dimanche") << QDate(2024, 6, 16) << 1;
-        QTest::newRow("lundi") << QDate(2024, 6, 17) << 2;
-        QTest::newRow("mercredi") << QDate(2024, 5, 1) << 4;
-        QTest::newRow("samedi") << QDate(2024, 6, 15) << 7;
-        QTest::newRow("invalide") << QDate() << 0;
-    }
-
-    void jourSemaine()
-    {
-        QFETCH(QDate, date);
-        QFETCH(int, jour);
-        QCOMPARE(JourSemaineDimanche1(date), jour);
+        QCOMPARE(JourSemaineDimanche1(QDate()), 0);
     }
 
     // --- System errors -----------------------------------------------------
