@@ -438,10 +438,12 @@ std::optional<QString> CreerDemo(const QString &dossierDemande, const QDate &jou
 
     // The same data also serve as agenda 1, opened with its launch
     // argument: that start keeps the activity journal in Journal/.
+    // Absolute paths: the agenda may be started from any folder.
+    const QString absolu = AjouterSlash(QDir(dossier).absolutePath());
     const QString agendaIni = dossier + QStringLiteral("Agenda.ini");
-    EcrireIni(QStringLiteral("Agenda1"), QStringLiteral("PathDB1"), dossier, agendaIni);
+    EcrireIni(QStringLiteral("Agenda1"), QStringLiteral("PathDB1"), absolu, agendaIni);
     EcrireIni(QStringLiteral("Agenda1"), QStringLiteral("AgendaName1"), NomAgendaDemo(), agendaIni);
-    EcrireIni(QStringLiteral("Sauvegarge"), QStringLiteral("CheminLog"), dossier + QStringLiteral("Journal"), agendaIni);
+    EcrireIni(QStringLiteral("Sauvegarge"), QStringLiteral("CheminLog"), absolu + QStringLiteral("Journal"), agendaIni);
 
     if (bilan)
         *bilan = b;
