@@ -7,6 +7,7 @@
 #include "shell/support.h"
 
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -14,6 +15,27 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+namespace {
+
+// The desktop's fixed font, unless what it resolves to is not fixed pitch
+// after all (a fontconfig "monospace" alias can land on a proportional
+// face): then a monospaced family that the installation provides.
+QFont PoliceFixe()
+{
+    QFont police = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (QFontInfo(police).fixedPitch())
+        return police;
+    for (const QString &famille : {QStringLiteral("Liberation Mono"), QStringLiteral("DejaVu Sans Mono"), QStringLiteral("Courier New")}) {
+        QFont essai(famille, police.pointSize());
+        essai.setStyleHint(QFont::TypeWriter);
+        if (QFontInfo(essai).fixedPitch())
+            return essai;
+    }
+    return police;
+}
+
+} // namespace
 
 frm_OuvrirBase_AG::frm_OuvrirBase_AG(QWidget *parent)
     : QDialog(parent)
@@ -28,7 +50,7 @@ frm_OuvrirBase_AG::frm_OuvrirBase_AG(QWidget *parent)
     List1->setObjectName(QStringLiteral("List1"));
     // The names stand in a field of 8 characters: they line up only in a
     // fixed font.
-    List1->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    List1->setFont(PoliceFixe());
     List1->setMinimumWidth(420);
     (new QVBoxLayout(Frame1))->addWidget(List1);
 
