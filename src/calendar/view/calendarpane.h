@@ -25,7 +25,8 @@ public:
     // The view now shows these days; appointments follow with eventsChanged.
     virtual void setDays(const QList<QDate> &days) = 0;
     // The view read its appointments again (CalendarView::shownEvents) or
-    // the labels, theme or selection changed: lay out and repaint.
+    // its labels, theme or settings changed: lay out and repaint. A new
+    // selection only repaints (QWidget::update).
     virtual void eventsChanged() = 0;
     [[nodiscard]] virtual CalendarHit hitTest(const QPoint &pos) const = 0;
     [[nodiscard]] virtual int scrollPosition() const { return 0; }

@@ -40,6 +40,16 @@ CalendarEventPtr copieIndependante(const CalendarEventPtr &event)
     return copie;
 }
 
+// The same, as a new appointment at these times (pasted or copied by a drag).
+CalendarEventPtr nouvelleCopie(const CalendarEventPtr &event, const QDateTime &start, const QDateTime &end)
+{
+    CalendarEventPtr copie = copieIndependante(event);
+    copie->setStartDateTime(start);
+    copie->setEndDateTime(end);
+    copie->setCreationTime({});
+    return copie;
+}
+
 } // namespace
 
 CalendarView::CalendarView(QWidget *parent) : QWidget(parent), m_theme(CalendarTheme::forNumber(3))
@@ -178,7 +188,7 @@ void CalendarView::setSelection(const CalendarSelection &selection)
     if (selection == m_selection)
         return;
     m_selection = selection;
-    panesChanged();
+    currentPane()->update();
     emit selectionChanged();
 }
 
@@ -231,13 +241,9 @@ void CalendarView::Paste()
     const QDateTime origine = m_clipboard.first()->StartDateTime();
     bool any = false;
     for (const CalendarEventPtr &modele : std::as_const(m_clipboard)) {
-        CalendarEventPtr e = copieIndependante(modele);
         const qint64 duree = modele->StartDateTime().secsTo(modele->EndDateTime());
         const QDateTime debut = m_selection.begin.addSecs(origine.secsTo(modele->StartDateTime()));
-        e->setStartDateTime(debut);
-        e->setEndDateTime(debut.addSecs(duree));
-        e->setCreationTime({});
-        any = m_provider->AddEvent(e) || any;
+        any = m_provider->AddEvent(nouvelleCopie(modele, debut, debut.addSecs(duree))) || any;
     }
     Populate();
     if (any)
@@ -277,8 +283,7 @@ const CalendarView::CellPainter &CalendarView::cellPainter() const { return m_ce
 
 bool CalendarView::isEventSelected(const CalendarEventPtr &event) const
 {
-    return event && std::any_of(m_selectedEvents.begin(), m_selectedEvents.end(),
-                                [&](const CalendarEventPtr &e) { return e == event; });
+    return event && m_selectedEvents.contains(event);
 }
 
 void CalendarView::selectFromPane(const CalendarSelection &selection, const QList<CalendarEventPtr> &events)
@@ -287,7 +292,9 @@ void CalendarView::selectFromPane(const CalendarSelection &selection, const QLis
         return;
     m_selection = selection;
     m_selectedEvents = events;
-    panesChanged();
+    // The layout does not depend on the selection: this runs on every move
+    // of a mouse selection, so it only repaints.
+    currentPane()->update();
     emit selectionChanged();
 }
 
@@ -307,11 +314,7 @@ bool CalendarView::commitChangedEvent(const CalendarEventPtr &event)
 
 bool CalendarView::addCopyOfEvent(const CalendarEventPtr &event, const QDateTime &start, const QDateTime &end)
 {
-    CalendarEventPtr copie = copieIndependante(event);
-    copie->setStartDateTime(start);
-    copie->setEndDateTime(end);
-    copie->setCreationTime({});
-    const bool ok = m_provider && m_provider->AddEvent(copie);
+    const bool ok = m_provider && m_provider->AddEvent(nouvelleCopie(event, start, end));
     Populate();
     if (ok)
         emit eventsEdited();

@@ -2,13 +2,14 @@
 
 #include "calendar/calendardataprovider.h"
 #include "calendar/view/calendarview.h"
+#include "calendar/view/monthlayout.h"
 
 #include <QTextCharFormat>
 
 DatePicker::DatePicker(QWidget *parent) : QCalendarWidget(parent)
 {
     setObjectName(QStringLiteral("wndDatePicker"));
-    setLocale(QLocale(QLocale::French, QLocale::France));
+    setLocale(calendarLocale());
     setFirstDayOfWeek(Qt::Monday);
     setVerticalHeaderFormat(QCalendarWidget::ISOWeekNumbers);
     setHorizontalHeaderFormat(QCalendarWidget::ShortDayNames);
@@ -90,14 +91,10 @@ void DatePicker::RedrawControl()
         for (const CalendarEventPtr &e : m_provider->RetrieveEvents(first, last)) {
             if (!e)
                 continue;
-            // Every day the appointment covers; one ending at midnight does
-            // not cover the day it ends on.
-            QDate from = e->StartDateTime().date();
-            QDate to = e->EndDateTime().date();
-            if (to > from && e->EndDateTime().time() == QTime(0, 0))
-                to = to.addDays(-1);
-            if (to < from)
-                to = from;
+            // Every day the appointment covers, as the month view counts them.
+            const MonthLayoutItem span{0, e->StartDateTime(), e->EndDateTime(), e->IsAllDayEvent()};
+            const QDate from = MonthLayoutFirstDay(span);
+            const QDate to = MonthLayoutLastDay(span);
             for (QDate d = std::max(from, first); d <= std::min(to, last); d = d.addDays(1))
                 m_busy.insert(d);
         }

@@ -2,10 +2,10 @@
 
 #include "calendar/view/calendarview.h"
 #include "calendar/view/daylayout.h"
+#include "calendar/view/monthlayout.h"
 #include "shell/horloge.h"
 
 #include <QApplication>
-#include <QLocale>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -50,9 +50,8 @@ bool inBand(const CalendarEventPtr &e)
 // column narrows.
 QString dayTitle(const QDate &day, const QFontMetrics &fm, int width)
 {
-    static const QLocale french(QLocale::French, QLocale::France);
     for (const char *format : {"dddd d MMMM", "ddd d MMM", "ddd d", "d/MM"}) {
-        const QString text = french.toString(day, QLatin1String(format));
+        const QString text = calendarLocale().toString(day, QLatin1String(format));
         if (fm.horizontalAdvance(text) <= width)
             return text;
     }
@@ -298,11 +297,9 @@ void DayPane::relayout()
     for (const CalendarEventPtr &e : events) {
         if (!inBand(e) || n == 0)
             continue;
-        const QDate first = e->StartDateTime().date();
-        QDateTime endMoment = e->EndDateTime();
-        QDate last = endMoment.date();
-        if (endMoment.time() == QTime(0, 0) && last > first)
-            last = last.addDays(-1);
+        const MonthLayoutItem span{0, e->StartDateTime(), e->EndDateTime(), e->IsAllDayEvent()};
+        const QDate first = MonthLayoutFirstDay(span);
+        const QDate last = MonthLayoutLastDay(span);
         if (last < m_days.first() || first > m_days.last())
             continue;
         const int from = first < m_days.first() ? 0 : static_cast<int>(m_days.indexOf(first));
@@ -321,7 +318,6 @@ void DayPane::relayout()
         bandRows = std::max(bandRows, row + 1);
         Box b;
         b.event = e;
-        b.day = from;
         b.allDay = true;
         b.rect = QRect(columnLeft(from) + 2, m_headerHeight + 2 + row * m_bandRowHeight,
                        columnRight(to) - columnLeft(from) - 4, m_bandRowHeight - 2);
@@ -354,7 +350,6 @@ void DayPane::relayout()
         for (const DayLayoutPlace &pl : places) {
             Box b;
             b.event = ofDay.at(pl.id);
-            b.day = d;
             const int x0 = left + pl.column * width / pl.columns;
             const int x1 = left + (pl.column + 1) * width / pl.columns;
             const int y0 = pl.shownStart * m_rowHeight / scale();

@@ -59,7 +59,6 @@ private:
     struct Box
     {
         CalendarEventPtr event;
-        int day = 0;
         QRect rect;
         bool allDay = false;
     };

@@ -3,7 +3,6 @@
 #include "calendar/view/calendarview.h"
 #include "shell/horloge.h"
 
-#include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -12,12 +11,6 @@
 #include <algorithm>
 
 namespace {
-
-const QLocale &french()
-{
-    static const QLocale locale(QLocale::French, QLocale::France);
-    return locale;
-}
 
 // Dark label colours take white text.
 QColor textOn(const QColor &back, const QColor &normal)
@@ -97,8 +90,9 @@ void DayBoxPane::paintToday(QPainter &p) const
 {
     // Today is framed, whatever is selected.
     const CalendarTheme &theme = m_view->themeColors();
+    const QDate today = Horloge::aujourdhui();
     for (const Box &b : std::as_const(m_boxes)) {
-        if (b.day != Horloge::aujourdhui())
+        if (b.day != today)
             continue;
         p.setPen(QPen(theme.todayHeaderBack.darker(135), 2));
         p.setBrush(Qt::NoBrush);
@@ -368,10 +362,10 @@ QList<QDate> MonthPane::daysFor(const QDate &anchor) const
 QString MonthPane::dayLabel(const QDate &day)
 {
     if (day.day() != 1)
-        return french().toString(day, QStringLiteral("d"));
+        return calendarLocale().toString(day, QStringLiteral("d"));
     if (day.month() == 1)
-        return french().toString(day, QStringLiteral("MMMM d"));
-    return french().toString(day, QStringLiteral("MMM d"));
+        return calendarLocale().toString(day, QStringLiteral("MMMM d"));
+    return calendarLocale().toString(day, QStringLiteral("MMM d"));
 }
 
 int MonthPane::shownMonth() const
@@ -424,14 +418,14 @@ void MonthPane::paintEvent(QPaintEvent *)
     bold.setBold(true);
     int widest = 0;
     for (int d = 1; d <= 7; ++d)
-        widest = std::max(widest, QFontMetrics(bold).horizontalAdvance(french().dayName(d)));
+        widest = std::max(widest, QFontMetrics(bold).horizontalAdvance(calendarLocale().dayName(d)));
     const bool longNames = widest + 8 <= m_weekdayBand.width() / 7;
     p.setFont(bold);
     p.setPen(theme.headerText);
     for (int col = 0; col < 7 && col < m_boxes.size(); ++col) {
         const QRect &box = m_boxes.at(col).rect;
         p.drawText(QRect(box.left(), m_weekdayBand.top(), box.width(), m_weekdayBand.height()), Qt::AlignCenter,
-                   french().dayName(col + 1, longNames ? QLocale::LongFormat : QLocale::ShortFormat));
+                   calendarLocale().dayName(col + 1, longNames ? QLocale::LongFormat : QLocale::ShortFormat));
     }
     p.setFont(font());
     if (m_weekColumn > 0) {

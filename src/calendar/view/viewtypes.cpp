@@ -2,6 +2,12 @@
 
 #include <algorithm>
 
+const QLocale &calendarLocale()
+{
+    static const QLocale french(QLocale::French, QLocale::France);
+    return french;
+}
+
 CalendarTheme CalendarTheme::forNumber(int number)
 {
     CalendarTheme t;

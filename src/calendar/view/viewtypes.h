@@ -5,9 +5,13 @@
 #include <QColor>
 #include <QDateTime>
 #include <QList>
+#include <QLocale>
 #include <QString>
 
 // Plain records shared by the calendar widgets, the main window and printing.
+
+// Dates and day names of the widgets are French whatever the machine's language.
+[[nodiscard]] const QLocale &calendarLocale();
 
 // The four ways of showing the book; the numbers are the ones the commands use.
 enum class CalendarViewType { Day = 0, WorkWeek = 1, Week = 2, Month = 3 };

@@ -2,7 +2,6 @@
 
 #include "calendar/view/calendarview.h"
 
-#include <QLocale>
 #include <QPainter>
 
 WeekPane::WeekPane(CalendarView *view, QWidget *parent) : DayBoxPane(view, parent) {}
@@ -18,8 +17,7 @@ QList<QDate> WeekPane::daysFor(const QDate &anchor) const
 
 QString WeekPane::headerText(const QDate &day)
 {
-    static const QLocale french(QLocale::French, QLocale::France);
-    return french.toString(day, QStringLiteral("ddd, dd MMMM"));
+    return calendarLocale().toString(day, QStringLiteral("ddd, dd MMMM"));
 }
 
 QDate WeekPane::stepDay(int direction) const { return m_days.first().addDays(7 * direction); }
