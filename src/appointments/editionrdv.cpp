@@ -65,7 +65,7 @@ QString TexteDateHeureDefaut(const QDateTime &moment)
 {
     if (moment.time() == QTime(0, 0))
         return TexteDateRdv(moment.date());
-    return moment.toString(QStringLiteral("dd/MM/yyyy HH:mm:ss"));
+    return HorodatageRdv(moment);
 }
 
 bool IsDateValid(const QString &texte)
@@ -270,7 +270,7 @@ void LireSaisieDansEvenement(const SaisieRdv &saisie, CalendarEvent &evenement)
 
     // The box is 0 or 1, the record's flag 0 or -1: a checked box never
     // equals a set flag, so checking always rewrites the reminder.
-    const int caseRappel = saisie.rappel ? 1 : 0;
+    const int caseRappel = BooleenVersCase(saisie.rappel);
     const int drapeau = evenement.IsReminder() ? -1 : 0;
     if (caseRappel != drapeau) {
         evenement.setIsReminder(saisie.rappel);
@@ -315,7 +315,6 @@ LectureSaisie LireEvenementDansSaisie(const CalendarEvent &evenement, SaisieRdv 
 
 QString TexteModification(const CalendarEvent &evenement)
 {
-    const QString forme = QStringLiteral("dd/MM/yyyy HH:mm:ss");
-    return QStringLiteral("Rendez-vous pris le ") + evenement.CreationTime().toString(forme) + QStringLiteral(" modifié le ")
-           + evenement.LastModificationTime().toString(forme);
+    return QStringLiteral("Rendez-vous pris le ") + HorodatageRdv(evenement.CreationTime()) + QStringLiteral(" modifié le ")
+           + HorodatageRdv(evenement.LastModificationTime());
 }

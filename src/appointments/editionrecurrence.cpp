@@ -3,6 +3,7 @@
 #include "calendar/calendarrecurrenceoptions.h"
 #include "shell/nombres.h"
 #include "shell/prompt.h"
+#include "shell/support.h"
 
 #include <algorithm>
 #include <limits>
@@ -81,9 +82,8 @@ int IndexJourSemaine(QDate date)
 {
     if (!date.isValid())
         return -1;
-    // Qt counts Monday 1 ... Sunday 7; the list has Dimanche at 3, Lundi at 4.
-    const int dimancheUn = date.dayOfWeek() % 7 + 1;
-    return WhichDayMask2index(1 << (dimancheUn - 1));
+    // The list has Dimanche at 3, Lundi at 4.
+    return WhichDayMask2index(1 << (JourSemaineDimanche1(date) - 1));
 }
 
 ValeursRecurrence ValeursParDefautRecurrence(QDate selection, QDate aujourdhui)

@@ -4,6 +4,7 @@
 #include "appointments/frmeditrecurrence.h"
 #include "appointments/impressionticket.h"
 #include "calendar/calendardataprovider.h"
+#include "calendar/view/colorationregles.h"
 #include "messaging/gsmmodem.h"
 #include "messaging/mailreminder.h"
 #include "messaging/smstext.h"
@@ -252,9 +253,9 @@ void frmEditEvent::construire()
 
     cmbSchedule = new QComboBox(groupeRdv);
     cmbSchedule->setObjectName(QStringLiteral("cmbSchedule"));
-    auto *libelleSchedule = libelle(QStringLiteral("Schedule:"), groupeRdv, cmbSchedule);
-    libelleSchedule->setObjectName(QStringLiteral("lblSchedule"));
-    grilleRdv->addWidget(libelleSchedule, 4, 0);
+    lblSchedule = libelle(QStringLiteral("Schedule:"), groupeRdv, cmbSchedule);
+    lblSchedule->setObjectName(QStringLiteral("lblSchedule"));
+    grilleRdv->addWidget(lblSchedule, 4, 0);
     grilleRdv->addWidget(cmbSchedule, 4, 1);
 
     chkMeeting = new QCheckBox(QStringLiteral("Patient déjà vu en consultation"), groupeRdv);
@@ -271,7 +272,7 @@ void frmEditEvent::construire()
     cmbReminder->setEditable(true);
     cmbReminder->setInsertPolicy(QComboBox::NoInsert);
     cmbReminder->setMinimumContentsLength(10);
-    auto *lblReminder = new QLabel(QStringLiteral("avant le  début du rendez vous"), groupeRdv);
+    lblReminder = new QLabel(QStringLiteral("avant le  début du rendez vous"), groupeRdv);
     lblReminder->setObjectName(QStringLiteral("lblReminder"));
     auto *rappel = new QHBoxLayout;
     rappel->addWidget(cmbReminder);
@@ -400,7 +401,7 @@ void frmEditEvent::remplirListes()
     }
     // A book without schedules has nothing to choose there.
     cmbSchedule->setVisible(cmbSchedule->count() > 0);
-    findChild<QLabel *>(QStringLiteral("lblSchedule"))->setVisible(cmbSchedule->count() > 0);
+    lblSchedule->setVisible(cmbSchedule->count() > 0);
     cmbShowTimeAs->addItem(QStringLiteral("En salle d'attente"));
     cmbShowTimeAs->addItem(QStringLiteral("Non Arrivé"));
     const AppState &etat = appState();
@@ -453,8 +454,6 @@ void frmEditEvent::ModifyEvent(const CalendarEventPtr &event)
     // store, on OK.
     m_pEditedEvent = event->CloneEvent();
     appState().RegleCourante = GetRegleForDate(m_pEditedEvent->StartDateTime());
-    if (!m_pEditedEvent->Subject().isEmpty())
-        setWindowTitle(QStringLiteral("Rendez-vous : ") + m_pEditedEvent->Subject());
     // Any change of an occurrence makes it an exception of its series.
     if (m_pEditedEvent->RecurrenceState() == CalendarEvent::Occurrence)
         m_pEditedEvent->MarkAsRecurrenceException();
@@ -473,10 +472,11 @@ void frmEditEvent::SetStartEnd(const QDateTime &start, const QDateTime &end, boo
     const DatesAffichees dates = AfficherDates(start, end, allDay);
     cmbStartTime->clear();
     cmbStartTime->addItems(ListeHeuresDebut());
+    const QStringList jours = ListeDatesDebut(start.date());
     cmbStartDate->clear();
-    cmbStartDate->addItems(ListeDatesDebut(start.date()));
+    cmbStartDate->addItems(jours);
     cmbEndDate->clear();
-    cmbEndDate->addItems(ListeDatesDebut(start.date()));
+    cmbEndDate->addItems(jours);
     cmbStartDate->setEditText(dates.dateDebut);
     cmbStartTime->setEditText(dates.heureDebut);
     remplirHeuresFin();
@@ -573,6 +573,11 @@ void frmEditEvent::appliquerJourEntier()
     cmbEndTime->setVisible(!jourEntier);
 }
 
+DatesAffichees frmEditEvent::datesAffichees() const
+{
+    return {cmbStartDate->currentText(), cmbStartTime->currentText(), cmbEndDate->currentText(), cmbEndTime->currentText()};
+}
+
 SaisieRdv frmEditEvent::lireControles() const
 {
     SaisieRdv s;
@@ -581,7 +586,7 @@ SaisieRdv frmEditEvent::lireControles() const
     s.motif = txtLocation[0]->text();
     s.adressePar = txtLocation[1]->text();
     s.sujet = txtSubject->text();
-    s.dates = {cmbStartDate->currentText(), cmbStartTime->currentText(), cmbEndDate->currentText(), cmbEndTime->currentText()};
+    s.dates = datesAffichees();
     s.jourEntier = chkAllDayEvent->isChecked();
     s.labelId = cmbLabel->currentData().toInt();
     s.presence = cmbShowTimeAs->currentIndex();
@@ -595,15 +600,9 @@ SaisieRdv frmEditEvent::lireControles() const
     return s;
 }
 
-void frmEditEvent::ReadControlsIntoEvent()
-{
-    LireSaisieDansEvenement(lireControles(), *m_pEditedEvent);
-}
-
 bool frmEditEvent::ValidateDates()
 {
-    const SaisieRdv s = lireControles();
-    switch (::ValidateDates(s.dates)) {
+    switch (::ValidateDates(datesAffichees())) {
     case ControleDate::Aucun:
         return true;
     case ControleDate::DateDebut:
@@ -636,7 +635,7 @@ void frmEditEvent::Valider(int index)
         Prompt::bip();
         return;
     }
-    ReadControlsIntoEvent();
+    LireSaisieDansEvenement(s, *m_pEditedEvent);
     if (m_provider) {
         if (m_bAddEvent)
             m_provider->AddEvent(m_pEditedEvent);
@@ -877,7 +876,7 @@ void frmEditEvent::majCouleurLibelle()
         }
     }
     QPalette p = ctrlColor->palette();
-    p.setColor(QPalette::Window, QColor(int(couleur & 0xFF), int((couleur >> 8) & 0xFF), int((couleur >> 16) & 0xFF)));
+    p.setColor(QPalette::Window, CouleurDepuisBGR(couleur));
     ctrlColor->setPalette(p);
 }
 

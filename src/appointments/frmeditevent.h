@@ -76,10 +76,12 @@ public:
     QCheckBox *chkAllDayEvent = nullptr;
     QComboBox *cmbShowTimeAs = nullptr;
     QComboBox *cmbSchedule = nullptr;
+    QLabel *lblSchedule = nullptr;
     QCheckBox *chkMeeting = nullptr;
     QCheckBox *chkPrivate = nullptr;
     QCheckBox *chkReminder = nullptr;
     QComboBox *cmbReminder = nullptr;
+    QLabel *lblReminder = nullptr;
     QCheckBox *SSCheck1 = nullptr;
     QPushButton *Command1 = nullptr;
     QPushButton *btnView = nullptr;
@@ -111,8 +113,8 @@ protected:
 private:
     void construire();
     void remplirListes();
-    void ReadControlsIntoEvent();
     [[nodiscard]] SaisieRdv lireControles() const;
+    [[nodiscard]] DatesAffichees datesAffichees() const;
     void afficherChamps(const ChampsRdv &champs);
     void appliquerVisibiliteDates();
     void appliquerJourEntier();
