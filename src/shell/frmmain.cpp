@@ -16,7 +16,6 @@
 #include "shell/regleslignedate.h"
 
 #include <QAction>
-#include <QActionGroup>
 #include <QCloseEvent>
 #include <QCursor>
 #include <QHelpEvent>
@@ -72,7 +71,6 @@ frmMain::frmMain(Demarrage &demarrage, const ParametresFenetre &parametres, QWid
     : QMainWindow(parent)
     , m_demarrage(demarrage)
     , m_parametres(parametres)
-    , m_rappelsActifs(parametres.rappelsActifs)
 {
     setObjectName(QStringLiteral("frmMain"));
     const AppState &etat = appState();
@@ -104,7 +102,7 @@ frmMain::frmMain(Demarrage &demarrage, const ParametresFenetre &parametres, QWid
 
     if (etat.MoteurRappels) {
         connect(etat.MoteurRappels.get(), &ReminderEngine::reminderAction, this, &frmMain::surRappel);
-        etat.MoteurRappels->setEnabled(m_rappelsActifs);
+        etat.MoteurRappels->setEnabled(m_parametres.rappelsActifs);
     }
     majMenuRappels();
     majCommandes();
@@ -344,6 +342,8 @@ void frmMain::construireBarres()
     {
         int numero;
         QString conseil;
+        // Both bars show the same drawing: it is made once.
+        QIcon icone = IconeBarre(numero);
     };
     const QList<Bouton> boutons{
         {1, QStringLiteral("Affichage journalier")},  {2, QStringLiteral("Affichage semaine de travail")},
@@ -362,7 +362,7 @@ void frmMain::construireBarres()
             if (precedent != 0 && b.numero > precedent + 1)
                 barre->addSeparator();
             precedent = b.numero;
-            QAction *a = barre->addAction(IconeBarre(b.numero), b.conseil);
+            QAction *a = barre->addAction(b.icone, b.conseil);
             a->setObjectName(QStringLiteral("%1(%2)").arg(nom).arg(b.numero));
             a->setToolTip(b.conseil);
             parNumero[b.numero] = a;

@@ -37,8 +37,6 @@ public:
     // Counter of the editing dialogs now open: they add 1 when they load and
     // take 1 away when they unload.
     int DialoguesOuverts = 0;
-    [[nodiscard]] int dialoguesOuverts() const { return DialoguesOuverts; }
-    void setDialoguesOuverts(int n) { DialoguesOuverts = n; }
 
     // Attaches another calendar store (kind and connection string), then
     // reads the calendar again. False when the store could not be attached
@@ -64,11 +62,11 @@ public:
     [[nodiscard]] bool useBuiltInDialogs() const { return m_dialoguesIntegres; }
     void setUseBuiltInDialogs(bool on) { m_dialoguesIntegres = on; }
 
-    // Tool tips of the calendar: on below 2, the custom text for 1.
+    // Tool tips of the calendar: on below 2 (mode 1, the custom text, shows
+    // the same text as mode 0).
     [[nodiscard]] int ToolTips_Mode() const { return m_modeInfobulles; }
     void setToolTips_Mode(int mode);
     [[nodiscard]] bool infobullesActives() const { return m_modeInfobulles < 2; }
-    [[nodiscard]] bool infobullesTexteLibre() const { return m_modeInfobulles == 1; }
 
     // --- Controls -------------------------------------------------------
     QLabel *lblCaption = nullptr;
@@ -216,7 +214,6 @@ private:
 
     Demarrage &m_demarrage;
     ParametresFenetre m_parametres;
-    bool m_rappelsActifs = false;
     bool m_arrete = false;
 
     bool m_sansGlisserRecurrents = false;

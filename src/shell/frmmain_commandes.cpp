@@ -19,6 +19,22 @@
 #include <QStatusBar>
 #include <QTimer>
 
+namespace {
+
+// A Yes/No question whose default is No; true on Yes.
+bool confirmerSuppression(const QString &titre, const QString &texte)
+{
+    Prompt::Message question;
+    question.titre = titre;
+    question.texte = texte;
+    question.icone = Prompt::Icone::Question;
+    question.boutons = Prompt::Boutons::OuiNon;
+    question.parDefaut = Prompt::Reponse::Non;
+    return Prompt::demander(question) == Prompt::Reponse::Oui;
+}
+
+} // namespace
+
 // --- Clicks on the calendar ----------------------------------------------
 
 void frmMain::doubleClic(const CalendarHit &hit)
@@ -137,13 +153,8 @@ void frmMain::supprimerEvenementCible()
     const CalendarEventPtr evenement = m_evenementCible;
     if (!evenement)
         return;
-    Prompt::Message question;
-    question.titre = QStringLiteral("Supprimer un Rendez-Vous");
-    question.texte = QStringLiteral("Êtes-vous sûr de vouloir supprimer ce Rendez-Vous ? ");
-    question.icone = Prompt::Icone::Question;
-    question.boutons = Prompt::Boutons::OuiNon;
-    question.parDefaut = Prompt::Reponse::Non;
-    if (Prompt::demander(question) != Prompt::Reponse::Oui)
+    if (!confirmerSuppression(QStringLiteral("Supprimer un Rendez-Vous"),
+                              QStringLiteral("Êtes-vous sûr de vouloir supprimer ce Rendez-Vous ? ")))
         return;
 
     CalendarDataProvider *fournisseur = CalendarControl->dataProvider();
@@ -185,24 +196,16 @@ bool frmMain::refuserOperation(int operation, const QList<CalendarEventPtr> &eve
     const int etat = evenements.isEmpty() || !evenements.first() ? -1 : evenements.first()->RecurrenceState();
     if (RefuserGlisserRecurrent(m_sansGlisserRecurrents, operation, etat))
         return true;
-    if (operation == OpCreateInPlace && m_sansCreationWeekEnd) {
-        const CalendarSelection selection = CalendarControl->selection();
-        return RefuserCreationWeekEnd(true, operation, selection.begin, selection.end, selection.allDay);
-    }
-    return false;
+    const CalendarSelection selection = CalendarControl->selection();
+    return RefuserCreationWeekEnd(m_sansCreationWeekEnd, operation, selection.begin, selection.end, selection.allDay);
 }
 
 bool frmMain::confirmerOperation(int operation) const
 {
     if (operation != OpDeleteSelected && operation != OpDeleteEvent)
         return true;
-    Prompt::Message question;
-    question.titre = QStringLiteral("Suppression...");
-    question.texte = QStringLiteral("Êtes vous sûr de vouloir supprimer ce ou ces rendez-vous ? ");
-    question.icone = Prompt::Icone::Question;
-    question.boutons = Prompt::Boutons::OuiNon;
-    question.parDefaut = Prompt::Reponse::Non;
-    return Prompt::demander(question) == Prompt::Reponse::Oui;
+    return confirmerSuppression(QStringLiteral("Suppression..."),
+                                QStringLiteral("Êtes vous sûr de vouloir supprimer ce ou ces rendez-vous ? "));
 }
 
 // --- Reminders -------------------------------------------------------------
@@ -210,7 +213,7 @@ bool frmMain::confirmerOperation(int operation) const
 bool frmMain::rappelsActifs() const
 {
     const auto &moteur = appState().MoteurRappels;
-    return moteur ? moteur->isEnabled() : m_rappelsActifs;
+    return moteur ? moteur->isEnabled() : m_parametres.rappelsActifs;
 }
 
 void frmMain::majMenuRappels()
