@@ -552,17 +552,21 @@ void SqliteCalendarStore::DoRetrieveRangeEvents(const QDate &first, const QDate 
     const QString debut = RecordValue::isoText(QDateTime(first, QTime(0, 0)));
     const QString fin = RecordValue::isoText(QDateTime(last.addDays(1), QTime(0, 0)));
     const QString avant = RecordValue::isoText(QDateTime(first.addDays(-1), QTime(0, 0)));
+    readKeptEvents(m_rangeStmt, rangeStatement(), {avant.toUtf8(), fin.toUtf8(), debut.toUtf8(), debut.toUtf8(), fin.toUtf8()},
+                   events);
+}
+
+void SqliteCalendarStore::readKeptEvents(sqlite3_stmt *&st, const QString &sql, const QList<QByteArray> &values,
+                                         QList<CalendarEventPtr> &events)
+{
     m_readFailed = true;
-    if (!prepareKept(m_rangeStmt, rangeStatement()))
+    if (!prepareKept(st, sql))
         return;
-    int i = 0;
-    for (const QString &v : {avant, fin, debut, debut, fin}) {
-        const QByteArray t = v.toUtf8();
-        sqlite3_bind_text(m_rangeStmt, ++i, t.constData(), int(t.size()), SQLITE_TRANSIENT);
-    }
-    LecteurEvenements lecteur(m_rangeStmt, m_helper.calendar());
+    for (int i = 0; i < values.size(); ++i)
+        sqlite3_bind_text(st, i + 1, values.at(i).constData(), int(values.at(i).size()), SQLITE_TRANSIENT);
+    LecteurEvenements lecteur(st, m_helper.calendar());
     int rc = SQLITE_ROW;
-    while ((rc = sqlite3_step(m_rangeStmt)) == SQLITE_ROW) {
+    while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
         if (CalendarEventPtr e = lecteur.lire())
             events.append(e);
     }
@@ -570,8 +574,8 @@ void SqliteCalendarStore::DoRetrieveRangeEvents(const QDate &first, const QDate 
     if (m_readFailed)
         m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
     // A statement left open keeps the file locked for the other workstations.
-    sqlite3_reset(m_rangeStmt);
-    sqlite3_clear_bindings(m_rangeStmt);
+    sqlite3_reset(st);
+    sqlite3_clear_bindings(st);
 }
 
 CalendarEventPtr SqliteCalendarStore::DoReadEvent(int eventId)
@@ -799,33 +803,11 @@ void SqliteCalendarStore::DoGetUpcomingEvents(const QDateTime &start, int minute
 {
     if (!m_base)
         return;
-    m_readFailed = true;
     const bool borne = since.isValid();
-    sqlite3_stmt *&st = borne ? m_upcomingSinceStmt : m_upcomingStmt;
-    if (!prepareKept(st, upcomingStatement(borne)))
-        return;
     const QByteArray t = RecordValue::isoText(start.addSecs(qint64(minutes) * 60)).toUtf8();
     const QByteArray depuis = RecordValue::isoText(since).toUtf8();
-    QList<const QByteArray *> valeurs{&t};
-    if (borne)
-        valeurs << &depuis;
-    valeurs << &t << &t;
-    if (borne)
-        valeurs << &depuis;
-    for (int i = 0; i < valeurs.size(); ++i)
-        sqlite3_bind_text(st, i + 1, valeurs.at(i)->constData(), int(valeurs.at(i)->size()), SQLITE_TRANSIENT);
-    LecteurEvenements lecteur(st, m_helper.calendar());
-    int rc = SQLITE_ROW;
-    while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
-        if (CalendarEventPtr e = lecteur.lire())
-            events.append(e);
-    }
-    m_readFailed = rc != SQLITE_DONE;
-    if (m_readFailed)
-        m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
-    // A statement left open keeps the file locked for the other workstations.
-    sqlite3_reset(st);
-    sqlite3_clear_bindings(st);
+    readKeptEvents(borne ? m_upcomingSinceStmt : m_upcomingStmt, upcomingStatement(borne),
+                   borne ? QList<QByteArray>{t, depuis, t, t, depuis} : QList<QByteArray>{t, t, t}, events);
 }
 
 bool SqliteCalendarStore::BeginChange()

@@ -2,6 +2,8 @@
 
 #include "calendar/calendarstore.h"
 
+#include <QByteArray>
+#include <QList>
 #include <QString>
 
 #include <memory>
@@ -74,6 +76,11 @@ private:
     QSqlQuery &prepared(std::unique_ptr<QSqlQuery> &slot, const QString &sql);
     void readEvents(QSqlQuery &q, QList<CalendarEventPtr> &events);
     bool prepareKept(sqlite3_stmt *&slot, const QString &sql);
+    // Binds the texts in turn to a kept statement (prepared on first use),
+    // maps its rows and leaves it reset; a failed step is told by
+    // LastReadFailed.
+    void readKeptEvents(sqlite3_stmt *&st, const QString &sql, const QList<QByteArray> &values,
+                        QList<CalendarEventPtr> &events);
 
     QString m_path;
     QString m_keptAside;

@@ -6,7 +6,6 @@
 #include "shell/modal.h"
 #include "shell/prompt.h"
 
-
 namespace {
 
 void noticeFiche(FichePatient, QWidget *)
@@ -44,8 +43,6 @@ void BoucleRecherchePatientPrincipale(QWidget *parent)
             Recherche_patient_Agenda dialogue(parent);
             ExecuterDialogue(dialogue);
         }
-        if (p.Numero == 0 && RetourRecherche < 1)
-            break;
         if (RetourRecherche < 1 || RetourRecherche > 4)
             break;
         // A row of a linked base is only looked at here, not opened.
@@ -67,7 +64,7 @@ bool BoucleRecherchePatientEditeur(QWidget *parent)
             Recherche_patient_AG dialogue(parent);
             ExecuterDialogue(dialogue);
         }
-        if ((p.Numero == 0 && RetourRecherche < 1) || RetourRecherche < 1 || RetourRecherche > 4)
+        if (RetourRecherche < 1 || RetourRecherche > 4)
             return false;
         if (RetourRecherche == 1)
             ouvrirFiche(FichePatient::Liee, parent);

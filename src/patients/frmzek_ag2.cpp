@@ -4,7 +4,6 @@
 #include "patients/frm_ouvrirbase_ag.h"
 #include "patients/liaisons.h"
 #include "shell/appstate.h"
-#include "shell/profilini.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -30,11 +29,8 @@ frmZek_AG2::frmZek_AG2(QWidget *parent)
         QStringLiteral("Base Secondaire 3 :"),
     };
     auto *grille = new QGridLayout;
-    const AppState &etat = appState();
-    const QString agendaIni = CheminAgendaIni();
-    auto lire = [&](const char *cle, int i) {
-        return LireIni(etat.AgendaName, QStringLiteral("%1%2").arg(QLatin1String(cle)).arg(i), QString(), agendaIni);
-    };
+    // The keys as Agenda.ini holds them now.
+    const CleLiaisons cles = LireCleLiaisons(appState().AgendaName);
     for (int i = 1; i <= 4; ++i) {
         const int ligne = (i - 1) * 2;
         grille->addWidget(new QLabel(libelles[i], this), ligne, 0, 1, 4);
@@ -54,9 +50,9 @@ frmZek_AG2::frmZek_AG2(QWidget *parent)
         grille->addWidget(DBIdentity[i], ligne + 1, 1);
         grille->addWidget(TextZek[i], ligne + 1, 2);
         grille->addWidget(DBpathDialog[i], ligne + 1, 3);
-        DBPath[i]->setText(lire("Path", i));
-        DBIdentity[i]->setText(lire("Identity", i));
-        TextZek[i]->setText(lire("Zek", i));
+        DBPath[i]->setText(cles.paths[i]);
+        DBIdentity[i]->setText(cles.identites[i]);
+        TextZek[i]->setText(cles.zeks[i]);
         connect(DBpathDialog[i], &QPushButton::clicked, this, [this, i] { Parcourir(i); });
     }
 

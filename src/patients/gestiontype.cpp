@@ -1,5 +1,6 @@
 #include "patients/gestiontype.h"
 
+#include "patients/recherchepatients.h"
 #include "patients/schemapatients.h"
 #include "shell/appstate.h"
 #include "shell/basesqlite.h"
@@ -164,6 +165,18 @@ void ChargerParNumero(qint32 &numero)
     if (!q.exec() || !q.next())
         return;
     charger(q.record(), FormeIdentifiant::Numero);
+}
+
+void ChargerDepuisLigne(const LigneRecherche &l, bool viderAvant)
+{
+    if (viderAvant)
+        ViderPatientCourant();
+    PatientCourantRecord &p = appState().PatientCourant;
+    p.Nom = l.Nom;
+    p.Prenom = l.Prenom;
+    p.DateNaissance = TexteDateBase(l.DateNaissance).toString();
+    p.Numero = static_cast<qint32>(l.Numero.toLongLong());
+    p.Base = l.Base;
 }
 
 void ViderPatientCourant()

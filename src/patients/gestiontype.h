@@ -7,6 +7,7 @@
 #include <QVariant>
 
 class QSqlRecord;
+struct LigneRecherche;
 
 // The current patient (appState().PatientCourant) and the patient numbers.
 
@@ -36,6 +37,11 @@ private:
 void ChargerDepuisCarte(const QSqlRecord &ligne);
 // Fills PatientCourant from the current row of the linked card.
 void ChargerDepuisCarte2(const QSqlRecord &ligne);
+// Takes the five fields of a search row (Nom, Prenom, DateNaissance as
+// TexteDateBase gives it, Numero, Base) into PatientCourant. With
+// viderAvant the record is first reset as ViderPatientCourant does (caption
+// emptied); otherwise its other fields and the caption stay as they were.
+void ChargerDepuisLigne(const LigneRecherche &ligne, bool viderAvant);
 // Fills PatientCourant from the own base's row with this number; Identifiant
 // is then the plain number.
 void ChargerParNumero(qint32 &numero);

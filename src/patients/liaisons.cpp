@@ -28,15 +28,25 @@ QString fichierSansCasse(const QString &dossier, const QString &nom)
 
 } // namespace
 
-void LireLiaisons(AppState &etat, const QString &fichierAgendaIni)
+CleLiaisons LireCleLiaisons(const QString &agenda, const QString &fichierAgendaIni)
 {
     const QString agendaIni = fichierAgendaIni.isEmpty() ? CheminAgendaIni() : fichierAgendaIni;
-    std::array<QString, 5> *cibles[] = {&etat.Path, &etat.Identity, &etat.Zek};
+    CleLiaisons l;
+    std::array<QString, 5> *cibles[] = {&l.paths, &l.identites, &l.zeks};
     for (int f = 0; f < 3; ++f) {
         for (int i = 1; i <= 4; ++i)
-            (*cibles[f])[i] = LireIni(etat.AgendaName, QStringLiteral("%1%2").arg(QLatin1String(familles[f])).arg(i),
-                                      QString(), agendaIni);
+            (*cibles[f])[i] =
+                LireIni(agenda, QStringLiteral("%1%2").arg(QLatin1String(familles[f])).arg(i), QString(), agendaIni);
     }
+    return l;
+}
+
+void LireLiaisons(AppState &etat, const QString &agendaIni)
+{
+    CleLiaisons l = LireCleLiaisons(etat.AgendaName, agendaIni);
+    etat.Path = std::move(l.paths);
+    etat.Identity = std::move(l.identites);
+    etat.Zek = std::move(l.zeks);
 }
 
 void EcrireLiaisons(AppState &etat, const std::array<QString, 5> &paths, const std::array<QString, 5> &identites,

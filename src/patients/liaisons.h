@@ -19,9 +19,20 @@ extern QString DossierConfig;
 extern QString ChoixBase;
 extern bool ChoixBaseValide;
 
-// Reads the twelve keys into the state, Path1 to Path4, Identity1 to
-// Identity4, Zek1 to Zek4, each empty by default, from the agenda's section
-// of the given Agenda.ini (the program folder's when none is given).
+// The twelve keys of an agenda's section of Agenda.ini, index 1 to 4 of each
+// array (0 unused): Path1 to Path4, Identity1 to Identity4, Zek1 to Zek4,
+// each empty by default.
+struct CleLiaisons
+{
+    std::array<QString, 5> paths;
+    std::array<QString, 5> identites;
+    std::array<QString, 5> zeks;
+};
+// Read from the given Agenda.ini (the program folder's when none is given).
+[[nodiscard]] CleLiaisons LireCleLiaisons(const QString &agenda, const QString &agendaIni = {});
+
+// Reads the twelve keys of the state's agenda into the state (Path,
+// Identity, Zek).
 void LireLiaisons(AppState &etat, const QString &agendaIni = {});
 
 // Writes the twelve keys in the same order (index 1 to 4 of each array),

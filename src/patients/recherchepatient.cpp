@@ -365,14 +365,7 @@ void RecherchePatient::OuvrirFiche()
     }
     // Only the five fields of the row are left in the record by the editor's
     // dialog; the main window's dialog leaves the others as they were.
-    if (estRendezVous())
-        ViderPatientCourant();
-    PatientCourantRecord &p = appState().PatientCourant;
-    p.Nom = l.Nom;
-    p.Prenom = l.Prenom;
-    p.DateNaissance = TexteDateBase(l.DateNaissance).toString();
-    p.Numero = static_cast<qint32>(l.Numero.toLongLong());
-    p.Base = l.Base;
+    ChargerDepuisLigne(l, estRendezVous());
     accept();
 }
 

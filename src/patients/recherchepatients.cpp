@@ -259,9 +259,7 @@ ErreurRecherche erreurSqlite(sqlite3 *poignee)
     const int primaire = r.numero & 0xff;
     if (primaire == SQLITE_BUSY || primaire == SQLITE_LOCKED)
         r.description = QStringLiteral("La base est verrouillée par un autre utilisateur (%1).").arg(texte);
-    else if (primaire == SQLITE_NOTADB || primaire == SQLITE_CORRUPT)
-        r.description = QStringLiteral("Le fichier n'est pas une base de patients utilisable (%1).").arg(texte);
-    else if (texte.contains(QStringLiteral("no such")))
+    else if (primaire == SQLITE_NOTADB || primaire == SQLITE_CORRUPT || texte.contains(QStringLiteral("no such")))
         r.description = QStringLiteral("Le fichier n'est pas une base de patients utilisable (%1).").arg(texte);
     else
         r.description = texte;

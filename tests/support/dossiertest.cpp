@@ -5,18 +5,8 @@
 #include <QFile>
 
 DossierProgrammeTest::DossierProgrammeTest()
+    : m_variable("TAVONEL_PROGRAM_DIR", m_dossier.path().toLocal8Bit())
 {
-    m_avaitAncien = qEnvironmentVariableIsSet("TAVONEL_PROGRAM_DIR");
-    m_ancien = qgetenv("TAVONEL_PROGRAM_DIR");
-    qputenv("TAVONEL_PROGRAM_DIR", m_dossier.path().toLocal8Bit());
-}
-
-DossierProgrammeTest::~DossierProgrammeTest()
-{
-    if (m_avaitAncien)
-        qputenv("TAVONEL_PROGRAM_DIR", m_ancien);
-    else
-        qunsetenv("TAVONEL_PROGRAM_DIR");
 }
 
 QString DossierProgrammeTest::chemin() const

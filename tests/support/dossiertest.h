@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/fichierstest.h"
+
 #include <QString>
 #include <QTemporaryDir>
 
@@ -9,7 +11,6 @@ class DossierProgrammeTest final
 {
 public:
     DossierProgrammeTest();
-    ~DossierProgrammeTest();
     DossierProgrammeTest(const DossierProgrammeTest &) = delete;
     DossierProgrammeTest &operator=(const DossierProgrammeTest &) = delete;
 
@@ -21,6 +22,5 @@ public:
 
 private:
     QTemporaryDir m_dossier;
-    QByteArray m_ancien;
-    bool m_avaitAncien = false;
+    VariableTemporaire m_variable; // after m_dossier: it takes its path
 };
