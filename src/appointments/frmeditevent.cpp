@@ -660,8 +660,12 @@ void frmEditEvent::setStatus(const QString &texte)
 
 void frmEditEvent::choisirPatient()
 {
-    if (!BoucleRecherchePatientEditeur(this))
-        return;
+    if (BoucleRecherchePatientEditeur(this))
+        prendrePatientCourant();
+}
+
+void frmEditEvent::prendrePatientCourant()
+{
     const AppState &etat = appState();
     const PatientCourantRecord &p = etat.PatientCourant;
     SaisieRdv s = lireControles();
@@ -717,11 +721,28 @@ void frmEditEvent::verifierEnSortie(int champ)
 {
     afficherValidite(champ, appState().RappelsSMS);
     const bool valide = champ == ChampRdv::Mel ? MelValide(txtBody[champ]->text()) : TelephoneValide(txtBody[champ]->text());
-    if (!valide) {
-        Prompt::bip();
-        QLineEdit *retour = txtBody[champ];
-        QTimer::singleShot(0, retour, [retour] { retour->setFocus(Qt::OtherFocusReason); });
-    }
+    if (valide)
+        return;
+    Prompt::bip();
+    // The field takes the focus back. While it does, the field that loses
+    // it is not checked in turn: two invalid fields would otherwise hand the
+    // focus to each other for ever.
+    m_champRetour = champ;
+    QLineEdit *retour = txtBody[champ];
+    QTimer::singleShot(0, retour, [this, retour] {
+        if (isVisible())
+            retour->setFocus(Qt::OtherFocusReason);
+        m_champRetour = -1;
+    });
+}
+
+bool frmEditEvent::sortieAVerifier(QObject *champ, const QFocusEvent *e) const
+{
+    if (!isVisible() || !sortieVersControle(e) || m_champRetour >= 0)
+        return false;
+    // Leaving the dialog by "Annuler" is always possible.
+    QWidget *suivant = QApplication::focusWidget();
+    return suivant != cmdCancel && champ != suivant;
 }
 
 bool frmEditEvent::eventFilter(QObject *objet, QEvent *evenement)
@@ -744,7 +765,7 @@ bool frmEditEvent::eventFilter(QObject *objet, QEvent *evenement)
         }
     } else if (evenement->type() == QEvent::FocusOut) {
         for (int champ : {int(ChampRdv::Telephone), int(ChampRdv::Portable), int(ChampRdv::Mel)}) {
-            if (objet == txtBody[champ] && sortieVersControle(static_cast<QFocusEvent *>(evenement)) && isVisible())
+            if (objet == txtBody[champ] && sortieAVerifier(objet, static_cast<QFocusEvent *>(evenement)))
                 verifierEnSortie(champ);
         }
         if (objet == cmbStartTime || objet == cmbStartTime->lineEdit())
@@ -778,10 +799,15 @@ void frmEditEvent::libererReservations()
 
 void frmEditEvent::voirPatient()
 {
-    // The card opener that the patient cards install (a notice until then).
-    OuvreurFiche ouvreur = FixerOuvreurFiche({});
-    FixerOuvreurFiche(ouvreur);
-    ouvreur(FichePatient::Agenda, this);
+    qint32 numero = static_cast<qint32>(LireEntier(txtBody[ChampRdv::NumeroPatient]->text()));
+    if (numero > 0 && appState().PatientCourant.Numero != numero)
+        ChargerParNumero(numero);
+    if (!OuvrirFichePatient(FichePatient::Agenda, this))
+        return;
+    // The card was saved: the appointment takes the patient as he now is
+    // (a telephone changed on the card goes out with the reminders).
+    if (appState().PatientCourant.Numero > 0)
+        prendrePatientCourant();
 }
 
 void frmEditEvent::basculerMarkup()

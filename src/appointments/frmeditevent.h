@@ -10,6 +10,7 @@
 class CalendarDataProvider;
 class QCheckBox;
 class QComboBox;
+class QFocusEvent;
 class QFrame;
 class QLabel;
 class QLineEdit;
@@ -124,6 +125,8 @@ private:
     void afficherValidite(int champ, bool gardeRappel);
     void couleurNormale(int champ);
     void verifierEnSortie(int champ);
+    [[nodiscard]] bool sortieAVerifier(QObject *champ, const QFocusEvent *e) const;
+    void prendrePatientCourant();
     void voirPatient();
     void basculerMarkup();
     void recurrence();
@@ -142,5 +145,7 @@ private:
     CalendarEventPtr m_pEditedEvent;
     bool m_bAddEvent = false;
     bool m_bSlotReserved = false;
+    // The phone or mail field that is taking the focus back, -1 when none.
+    int m_champRetour = -1;
     bool m_reservationsLiberees = false;
 };

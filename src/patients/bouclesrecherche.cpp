@@ -1,28 +1,32 @@
 #include "patients/bouclesrecherche.h"
 
+#include "patients/frmsignaletiques.h"
 #include "patients/gestiontype.h"
 #include "patients/recherchepatient.h"
 #include "shell/appstate.h"
 #include "shell/modal.h"
-#include "shell/prompt.h"
 
 namespace {
 
-void noticeFiche(FichePatient, QWidget *)
+bool ouvrirCarte(FichePatient fiche, QWidget *parent)
 {
-    Prompt::informer(QStringLiteral("Tavonel"), QStringLiteral("La fiche patient n'est pas encore disponible."),
-                     Prompt::Icone::Information);
+    if (fiche == FichePatient::Liee) {
+        frmSignaletiques2_AG carte(parent);
+        return carte.charger() && ExecuterDialogue(carte) == QDialog::Accepted;
+    }
+    frmSignaletiques_AG carte(parent);
+    return carte.charger() && ExecuterDialogue(carte) == QDialog::Accepted;
 }
 
 OuvreurFiche &ouvreur()
 {
-    static OuvreurFiche o = noticeFiche;
+    static OuvreurFiche o = ouvrirCarte;
     return o;
 }
 
 void ouvrirFiche(FichePatient fiche, QWidget *parent)
 {
-    ouvreur()(fiche, parent);
+    OuvrirFichePatient(fiche, parent);
 }
 
 } // namespace
@@ -30,8 +34,13 @@ void ouvrirFiche(FichePatient fiche, QWidget *parent)
 OuvreurFiche FixerOuvreurFiche(OuvreurFiche o)
 {
     OuvreurFiche precedent = ouvreur();
-    ouvreur() = o ? std::move(o) : OuvreurFiche(noticeFiche);
+    ouvreur() = o ? std::move(o) : OuvreurFiche(ouvrirCarte);
     return precedent;
+}
+
+bool OuvrirFichePatient(FichePatient fiche, QWidget *parent)
+{
+    return ouvreur()(fiche, parent);
 }
 
 void BoucleRecherchePatientPrincipale(QWidget *parent)

@@ -9,14 +9,18 @@ class QWidget;
 
 // Which card a loop opens: the linked card (a row of a linked base) or the
 // own card (a row of the own base, or a new patient). The card leaves
-// PatientCourant as saved, or with Numero 0 when the user gave up.
+// PatientCourant as saved, or with Numero 0 when the user gave up. True when
+// the card was saved.
 enum class FichePatient { Liee, Agenda };
-using OuvreurFiche = std::function<void(FichePatient fiche, QWidget *parent)>;
+using OuvreurFiche = std::function<bool(FichePatient fiche, QWidget *parent)>;
 
-// Installs the way cards are opened (the patient cards install themselves;
-// until then a notice says that the card is not available). An empty
-// function reinstates the notice. Returns the previous one.
+// Installs the way cards are opened (tests install their own); an empty
+// function reinstates the patient cards. Returns the previous one.
 OuvreurFiche FixerOuvreurFiche(OuvreurFiche ouvreur);
+
+// Opens the card modally (frmSignaletiques2_AG for Liee,
+// frmSignaletiques_AG for Agenda) on PatientCourant and RetourRecherche.
+bool OuvrirFichePatient(FichePatient fiche, QWidget *parent);
 
 // The main window's patient command (toolbar button 12), on
 // Recherche_patient_Agenda. RetourRecherche is 0 at the end.

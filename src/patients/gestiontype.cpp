@@ -190,7 +190,12 @@ qint32 NumeroSuivant(qint32 &borneBasse)
     auto base = BaseSqlite::ouvrir(CheminPatientsMdb(appState().CheminBaseAgenda), BaseSqlite::Mode::Lecture);
     if (!base)
         return 0;
-    QSqlQuery q(base->db());
+    return NumeroSuivantSur(base->db(), borneBasse);
+}
+
+qint32 NumeroSuivantSur(const QSqlDatabase &db, qint32 borneBasse)
+{
+    QSqlQuery q(db);
     q.setForwardOnly(true);
     if (!q.exec(QStringLiteral("SELECT Numero FROM Signaletiques ORDER BY Numero DESC LIMIT 1")))
         return 0;

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QVariant>
 
+class QSqlDatabase;
 class QSqlRecord;
 struct LigneRecherche;
 
@@ -51,6 +52,9 @@ void ViderPatientCourant();
 // the highest Numero + 1; the lower bound when the base has no row; 0 when
 // the base cannot be read.
 [[nodiscard]] qint32 NumeroSuivant(qint32 &borneBasse);
+// The same on a connection already open on the own base (inside the
+// transaction that writes the new row).
+[[nodiscard]] qint32 NumeroSuivantSur(const QSqlDatabase &db, qint32 borneBasse);
 // "Agenda00000042": the Base of PatientCourant ("Agenda" when empty) and the
 // number on eight digits; empty for a number of 0 or below.
 [[nodiscard]] QString IdentifiantPatient(qint32 &numero);

@@ -35,6 +35,7 @@
 // are the same patient).
 namespace {
 
+// In the order of GenreColonne, which is this type seen from outside.
 enum class TypeJet { Texte, Memo, Booleen, Long, DateHeure, Compteur };
 
 struct Colonne
@@ -307,6 +308,15 @@ const QStringList &ColonnesSignaletiques()
         return l;
     }();
     return noms;
+}
+
+DescriptionColonne ColonneSignaletiques(const QString &nom)
+{
+    for (const Colonne &c : tableSignaletiques().colonnes) {
+        if (c.nom == nom)
+            return {static_cast<GenreColonne>(c.type), c.longueur};
+    }
+    return {GenreColonne::Memo, 0};
 }
 
 QString CheminPatientsMdb(const QString &dossier)

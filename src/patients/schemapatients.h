@@ -22,3 +22,14 @@ bool CreerBasePatients(QString &dossier);
 
 // The 68 column names of Signaletiques, in their order.
 [[nodiscard]] const QStringList &ColonnesSignaletiques();
+
+// What a column of Signaletiques holds, and how it is stored (see the layout
+// at the top of the .cpp): a card converts its fields by it.
+enum class GenreColonne { Texte, Memo, Booleen, Long, DateHeure, Compteur };
+struct DescriptionColonne
+{
+    GenreColonne genre = GenreColonne::Texte;
+    int longueur = 0; // characters, Texte only
+};
+// The column of Signaletiques with this name; Memo for a name it does not have.
+[[nodiscard]] DescriptionColonne ColonneSignaletiques(const QString &nom);

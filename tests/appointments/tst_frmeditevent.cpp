@@ -121,6 +121,7 @@ private slots:
         FixerOuvreurFiche([](FichePatient, QWidget *) {
             qint32 n = appState().PatientCourant.Numero;
             ChargerParNumero(n);
+            return true;
         });
 
         m_demarrage = std::make_unique<Demarrage>(appState(), dossier);
@@ -465,6 +466,7 @@ private slots:
         QVERIFY(d->btnSMS->isEnabled());
         QVERIFY(d->chkReminder->isEnabled());
 
+
         // Leaving the start time rebuilds the end list from it; the end
         // typed stays. The date combo boxes filter their keys too.
         d->cmbStartTime->setFocus();
@@ -475,6 +477,19 @@ private slots:
         taper(d->cmbStartDate, QStringLiteral("#"));
         QVERIFY(d->cmbStartDate->currentText().endsWith(u'_'));
         QCOMPARE(repondeur.textes(), QStringList{});
+
+        // Two fields too short at once: the first keeps the focus without
+        // the second taking it back in turn, and "Annuler" still leaves.
+        const int bipsAvant = repondeur.bips();
+        d->txtBody[4]->setText(QStringLiteral("06"));
+        d->txtBody[3]->setText(QStringLiteral("01"));
+        d->txtBody[3]->setFocus();
+        QTest::keyClick(d->txtBody[3], Qt::Key_Tab);
+        QTest::qWait(50);
+        QCOMPARE(d->focusWidget(), d->txtBody[3]);
+        QCOMPARE(repondeur.bips() - bipsAvant, 1);
+        QTest::mouseClick(d->cmdCancel, Qt::LeftButton);
+        QVERIFY(!d->isVisible());
     }
 
     // The two single send buttons report in the status line only: not set

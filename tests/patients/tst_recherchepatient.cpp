@@ -497,6 +497,7 @@ private slots:
         QStringList ouvertes;
         const OuvreurFiche ancien = FixerOuvreurFiche([&ouvertes](FichePatient f, QWidget *) {
             ouvertes << (f == FichePatient::Liee ? QStringLiteral("liee") : QStringLiteral("agenda"));
+            return false;
         });
         ExecuteurInstalle executeur([&](QDialog &dlg) {
             dialogues << dlg.objectName();
@@ -530,25 +531,6 @@ private slots:
         for (const QString &n : dialogues)
             QCOMPARE(n, editeur ? QStringLiteral("Recherche_patient_AG") : QStringLiteral("Recherche_patient_Agenda"));
         QCOMPARE(repondeur.appels().size(), 0);
-    }
-
-    // Until the cards exist, the loop says so instead of opening one.
-    void ficheNonDisponible()
-    {
-        RepondeurScripte repondeur;
-        int fois = 0;
-        ExecuteurInstalle executeur([&](QDialog &dlg) {
-            auto *d = qobject_cast<RecherchePatient *>(&dlg);
-            d->show();
-            if (fois++ == 0)
-                d->CreerPatient();
-            else
-                d->Abandon();
-            return d->result();
-        });
-        QVERIFY(!BoucleRecherchePatientEditeur());
-        QCOMPARE(fois, 2);
-        QCOMPARE(repondeur.textes(), QStringList{QStringLiteral("La fiche patient n'est pas encore disponible.")});
     }
 
     // The main window counts the open search dialog, and its caption

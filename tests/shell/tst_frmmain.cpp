@@ -763,7 +763,7 @@ private Q_SLOTS:
             d.reject();
             return int(QDialog::Rejected);
         });
-        const OuvreurFiche avant = FixerOuvreurFiche([&](FichePatient, QWidget *) { ++fiches; });
+        const OuvreurFiche avant = FixerOuvreurFiche([&](FichePatient, QWidget *) { return ++fiches > 0; });
         p.action(QStringLiteral("KelmoToolbar1(12)"))->trigger();
         FixerOuvreurFiche(avant);
         QCOMPARE(recherches, QStringList{QStringLiteral("Recherche_patient_Agenda")});
