@@ -802,6 +802,9 @@ void frmEditEvent::voirPatient()
     qint32 numero = static_cast<qint32>(LireEntier(txtBody[ChampRdv::NumeroPatient]->text()));
     if (numero > 0 && appState().PatientCourant.Numero != numero)
         ChargerParNumero(numero);
+    // The card shows this patient, whatever the last search ended on (a
+    // "new patient" outcome left behind would open an empty card).
+    RetourRecherche = 0;
     if (!OuvrirFichePatient(FichePatient::Agenda, this))
         return;
     // The card was saved: the appointment takes the patient as he now is

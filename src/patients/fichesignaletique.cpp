@@ -242,7 +242,7 @@ void FicheSignaletique::construireIdentite(QWidget *page)
     lblJeuneFille = libelle(QStringLiteral("Nom de &jeune fille :"), etat);
     lblJeuneFille->setBuddy(txtFields[3]);
     f->addRow(lblJeuneFille, txtFields[3]);
-    f->addRow(QStringLiteral("Nom de l'a&ssuré :"), txtFields[4]);
+    f->addRow(QStringLiteral("Nom de l'ass&uré :"), txtFields[4]);
     Combo1 = new QComboBox(etat);
     Combo1->setObjectName(QStringLiteral("Combo1"));
     Combo1->addItems({QStringLiteral("Enfant"), QStringLiteral("Célibataire"), QStringLiteral("Concubinage"),
@@ -251,7 +251,7 @@ void FicheSignaletique::construireIdentite(QWidget *page)
     Combo1->setCurrentIndex(-1);
     lier(QStringLiteral("Situation"), Combo1);
     f->addRow(QStringLiteral("Situation :"), paire(Combo1, QStringLiteral("Enfants :"), txtFields[15], etat));
-    f->addRow(QStringLiteral("Pro&fession :"), txtFields[7]);
+    f->addRow(QStringLiteral("P&rofession :"), txtFields[7]);
     f->addRow(QStringLiteral("Né(e) à (CP, ville) :"), paire(txtFields[24], QString(), txtFields[26], etat));
     f->addRow(QStringLiteral("N° de sécurité sociale :"), txtFields[18]);
     f->addRow(QStringLiteral("INS A / INS C :"), paire(txtFields[5], QString(), txtFields[14], etat));
@@ -263,7 +263,7 @@ void FicheSignaletique::construireIdentite(QWidget *page)
     // Private and work addresses.
     auto *adresse = new QGroupBox(QStringLiteral("Adresse"), page);
     auto *fa = formulaire(adresse);
-    fa->addRow(QStringLiteral("&Adresse :"), txtFields[8]);
+    fa->addRow(QStringLiteral("A&dresse :"), txtFields[8]);
     fa->addRow(QString(), txtFields[9]);
     txtFields[10]->setToolTip(QStringLiteral("Double-clic ou touche Inser : villes de ce code postal"));
     fa->addRow(QStringLiteral("Code postal, ville :"), paire(txtFields[10], QString(), txtFields[11], adresse));
@@ -338,6 +338,21 @@ void FicheSignaletique::construireIdentite(QWidget *page)
         });
     }
 
+    // Tab follows the columns as they are read, not the order of creation.
+    QWidget *precedent = nullptr;
+    for (QWidget *w : std::initializer_list<QWidget *>{
+             txtFields[0], txtFields[1], DN, Text3, Option3[0], Option3[1], txtFields[3], txtFields[4], Combo1,
+             txtFields[15], txtFields[7], txtFields[24], txtFields[26], txtFields[18], txtFields[5], txtFields[14], Check1,
+             txtFields[8], txtFields[9], txtFields[10], txtFields[11], btnCarte, txtFields[12], txtFields[13], txtFields[32],
+             txtFields[34], txtFields[33], txtFields[31], txtFields[30], txtFields[29], txtFields[28], txtFields[6], Option2,
+             texte2, Option1, txt_MTnom, txt_MTprenom, Option4, Text4, Text6, Text7, Text8}) {
+        if (precedent)
+            setTabOrder(precedent, w);
+        precedent = w;
+    }
+    ln->addStretch();
+    lm->addStretch();
+
     grille->addWidget(etat, 0, 0, 2, 1);
     grille->addWidget(adresse, 0, 1);
     grille->addWidget(pro, 1, 1);
@@ -354,6 +369,7 @@ void FicheSignaletique::construireSesam(QWidget *page)
 {
     auto *l = new QVBoxLayout(page);
     auto *carte = new QGroupBox(QStringLiteral("Contenu de la carte Sesam_Vitale:"), page);
+    carte->setMaximumWidth(LargeurFormulaire);
     auto *lc = new QFormLayout(carte);
     text1 = new QPlainTextEdit(carte);
     text1->setObjectName(QStringLiteral("text1"));
@@ -367,16 +383,25 @@ void FicheSignaletique::construireSesam(QWidget *page)
     l->addWidget(carte);
 
     auto *amo = new QGroupBox(QStringLiteral("Assurance maladie"), page);
+    amo->setMaximumWidth(LargeurFormulaire);
     auto *fa = formulaire(amo);
     fa->addRow(QStringLiteral("Prise en charge :"), txtFields[17]);
     fa->addRow(QStringLiteral("Code CPAM, centre :"), paire(txtFields[19], QString(), txtFields[20], amo));
     ALDDebut = masqueDate(QStringLiteral("ALDDebut"), QStringLiteral("Debut ALD"), amo);
     ALDFin = masqueDate(QStringLiteral("ALDFin"), QStringLiteral("Fin ALD"), amo);
-    fa->addRow(QStringLiteral("ALD du :"), paire(ALDDebut, QStringLiteral("au :"), ALDFin, amo));
+    auto *ald = new QWidget(amo);
+    auto *la = new QHBoxLayout(ald);
+    la->setContentsMargins(0, 0, 0, 0);
+    la->addWidget(ALDDebut);
+    la->addWidget(libelle(QStringLiteral("au :"), ald));
+    la->addWidget(ALDFin);
+    la->addStretch();
+    fa->addRow(QStringLiteral("ALD du :"), ald);
     fa->addRow(QStringLiteral("Fin de droit :"), txtFields[23]);
     l->addWidget(amo);
 
     auto *amc = new QGroupBox(QStringLiteral("AMC :"), page);
+    amc->setMaximumWidth(LargeurFormulaire);
     auto *fc = formulaire(amc);
     fc->addRow(QStringLiteral("No organisme comp. :"), txtFields[40]);
     fc->addRow(QStringLiteral("Type de contrat:"), txtFields[39]);

@@ -33,6 +33,8 @@ public:
     // txtFields(i): the text fields bound to the columns of the row (see
     // colonneDuChamp); the indexes of the date masks stay empty.
     static constexpr int NombreChamps = 62;
+    // The widest that a form of the card grows.
+    static constexpr int LargeurFormulaire = 640;
     std::array<QLineEdit *, NombreChamps> txtFields{};
     QTabWidget *SSTab1 = nullptr;
     QLineEdit *DN = nullptr;

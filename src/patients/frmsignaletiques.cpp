@@ -381,6 +381,7 @@ void frmSignaletiques2_AG::construireAdministratif(QWidget *page)
     l->addLayout(visite);
 
     SSTab2 = new QTabWidget(page);
+    SSTab2->setMaximumWidth(LargeurFormulaire + 60);
     SSTab2->setObjectName(QStringLiteral("SSTab2"));
     auto *amc = new QWidget(SSTab2);
     auto *mut = new QWidget(SSTab2);

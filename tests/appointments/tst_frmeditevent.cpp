@@ -5,6 +5,7 @@
 #include "calendar/calendardataprovider.h"
 #include "messaging/smtpsink.h"
 #include "patients/bouclesrecherche.h"
+#include "patients/frmsignaletiques.h"
 #include "patients/gestiontype.h"
 #include "patients/recherchepatient.h"
 #include "rules/regles.h"
@@ -187,6 +188,24 @@ private slots:
         QVERIFY(d->btnView->isEnabled());
         QVERIFY(!d->chkMeeting->isChecked());
         QCOMPARE(d->focusWidget(), d->txtLocation[0]);
+        {
+            // The patient's own card, whatever the last search ended on; a
+            // telephone changed there comes back into the appointment.
+            RetourRecherche = 3;
+            const OuvreurFiche essai = FixerOuvreurFiche({});
+            ExecuteurInstalle carte([](QDialog &dlg) {
+                auto &f = dynamic_cast<frmSignaletiques_AG &>(dlg);
+                if (f.NouvelleFiche)
+                    return int(QDialog::Rejected);
+                f.txtFields[13]->setText(QStringLiteral("07 11 22 33 44"));
+                f.btn_enregistrer_Click();
+                return f.result();
+            });
+            QTest::mouseClick(d->btnView, Qt::LeftButton);
+            FixerOuvreurFiche(essai);
+            QCOMPARE(d->txtBody[4]->text(), QStringLiteral("07 11 22 33 44"));
+            d->txtLocation[0]->setFocus();
+        }
         taper(d->txtLocation[0], QStringLiteral("Contrôle #2 & \"suite\""));
         QCOMPARE(d->txtLocation[0]->text(), QStringLiteral("Contrôle _2 _ _suite_"));
         d->txtLocation[1]->setText(QStringLiteral("Dr Martin"));
@@ -209,9 +228,9 @@ private slots:
         const QList<CalendarEventPtr> jour = relire(QDate(2026, 3, 2));
         QCOMPARE(jour.size(), 1);
         const CalendarEventPtr e = jour.first();
-        QCOMPARE(e->Body(), QStringLiteral("DUPONT§Jean§25/03/1970§01 23 45 67 89§06 12 34 56 78§3 rue des Lilas§§69003§Lyon§à jeun§"
+        QCOMPARE(e->Body(), QStringLiteral("DUPONT§Jean§25/03/1970§01 23 45 67 89§07 11 22 33 44§3 rue des Lilas§§69003§Lyon§à jeun§"
                                            "01/03/2026 10:00:00§7§Agenda§jean.dupont@exemple.fr§"));
-        QCOMPARE(e->Subject(), QStringLiteral("DUPONT Jean (55 ans)                              01 23 45 67 89 06 12 34 56 78 (Pris le 01/03) "));
+        QCOMPARE(e->Subject(), QStringLiteral("DUPONT Jean (55 ans)                              01 23 45 67 89 07 11 22 33 44 (Pris le 01/03) "));
         QCOMPARE(e->Location(), QStringLiteral("Contrôle _2 _ _suite_ => Dr Martin"));
         QCOMPARE(e->StartDateTime(), dt("2026-03-02 09:30"));
         QCOMPARE(e->EndDateTime(), dt("2026-03-02 10:00"));
@@ -232,7 +251,7 @@ private slots:
         QCOMPARE(m->cmbReminder->currentText(), QStringLiteral("15 minutes"));
         QCOMPARE(m->lblPraticien->text(), QStringLiteral("Praticien 2"));
         QVERIFY(m->lblModif->text().startsWith(QStringLiteral("Rendez-vous pris le ")));
-        QCOMPARE(appState().PatientCourant.Telephone2, QStringLiteral("06 12 34 56 78"));
+        QCOMPARE(appState().PatientCourant.Telephone2, QStringLiteral("07 11 22 33 44"));
         QCOMPARE(reservations(), QStringList{"02/03/2026 09:30:00|" + moi});
         m->show();
         QTest::mouseClick(m->cmdCancel, Qt::LeftButton);
