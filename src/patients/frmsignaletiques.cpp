@@ -118,6 +118,13 @@ void frmSignaletiques_AG::construireNote(QWidget *page)
     souligne->setCheckable(true);
     souligne->setToolTip(QStringLiteral("Souligné (Ctrl+U)"));
     souligne->setShortcut(QKeySequence(QStringLiteral("Ctrl+U")));
+    for (QAction *a : {gras, italique, souligne}) {
+        QFont f = a->font();
+        f.setBold(a == gras);
+        f.setItalic(a == italique);
+        f.setUnderline(a == souligne);
+        a->setFont(f);
+    }
     barre->addSeparator();
     static const char16_t *const bulles[] = {u"Surligner le texte Maj+Alt+9", u"Choisir la couleur du texte Maj+Alt+1",
                                             u"Mettre le texte en noir barré Maj+Alt+7",
