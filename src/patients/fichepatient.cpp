@@ -39,6 +39,31 @@ void fixer(QString *cible, const QString &valeur)
         *cible = valeur;
 }
 
+// A read of the own base; the base stays open while the rows are read.
+struct Lecture
+{
+    std::unique_ptr<BaseSqlite> base;
+    std::optional<QSqlQuery> q;
+};
+
+Lecture lireAgenda(const QString &sql, const QVariantList &valeurs, QString *erreur)
+{
+    Lecture l;
+    l.base = ouvrirAgenda(BaseSqlite::Mode::Lecture, erreur);
+    if (!l.base)
+        return l;
+    QSqlQuery q(l.base->db());
+    q.setForwardOnly(true);
+    q.prepare(sql);
+    for (const QVariant &v : valeurs)
+        q.addBindValue(v);
+    if (q.exec())
+        l.q = std::move(q);
+    else
+        fixer(erreur, texteErreur(q.lastError()));
+    return l;
+}
+
 // A write transaction that takes the write lock at once, so that the busy
 // wait applies when another station is writing; rolled back unless
 // committed.
@@ -336,16 +361,12 @@ QStringList GetAMC(const QString &photo)
 QList<QStringList> RendezVousDuPatient(qint32 numero, QString *erreur)
 {
     QList<QStringList> lignes;
-    auto base = ouvrirAgenda(BaseSqlite::Mode::Lecture, erreur);
-    if (!base)
+    Lecture l = lireAgenda(QStringLiteral("SELECT DateRv, HeureRV, Praticien, Motif, DatePrise, DateModif, Numero FROM Events "
+                                          "WHERE Numero = ? ORDER BY DateRv DESC, HeureRV DESC"),
+                           {numero}, erreur);
+    if (!l.q)
         return lignes;
-    QSqlQuery q(base->db());
-    q.setForwardOnly(true);
-    q.prepare(QStringLiteral("SELECT DateRv, HeureRV, Praticien, Motif, DatePrise, DateModif, Numero FROM Events "
-                             "WHERE Numero = ? ORDER BY DateRv DESC, HeureRV DESC"));
-    q.addBindValue(numero);
-    if (!executer(q, erreur))
-        return lignes;
+    QSqlQuery &q = *l.q;
     const auto moment = [](const QVariant &v) {
         const QDateTime m = QDateTime::fromString(v.toString(), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
         return m.isValid() ? m.toString(QStringLiteral("dd/MM/yyyy HH:mm:ss")) : v.toString();
@@ -360,16 +381,12 @@ QList<QStringList> RendezVousDuPatient(qint32 numero, QString *erreur)
 QStringList MedecinsConnus(const QString &debut, QString *erreur)
 {
     QStringList noms;
-    auto base = ouvrirAgenda(BaseSqlite::Mode::Lecture, erreur);
-    if (!base)
+    Lecture l = lireAgenda(QStringLiteral("SELECT Sesam_Divers FROM Signaletiques WHERE Sesam_Divers LIKE ? "
+                                          "GROUP BY Sesam_Divers ORDER BY Sesam_Divers"),
+                           {debut + u'*'}, erreur);
+    if (!l.q)
         return noms;
-    QSqlQuery q(base->db());
-    q.setForwardOnly(true);
-    q.prepare(QStringLiteral("SELECT Sesam_Divers FROM Signaletiques WHERE Sesam_Divers LIKE ? "
-                             "GROUP BY Sesam_Divers ORDER BY Sesam_Divers"));
-    q.addBindValue(debut + u'*');
-    if (!executer(q, erreur))
-        return noms;
+    QSqlQuery &q = *l.q;
     while (q.next())
         noms << q.value(0).toString();
     return noms;
@@ -378,15 +395,11 @@ QStringList MedecinsConnus(const QString &debut, QString *erreur)
 QList<ValeursFiche> MemeFamille(const QString &debutNom, QString *erreur)
 {
     QList<ValeursFiche> lignes;
-    auto base = ouvrirAgenda(BaseSqlite::Mode::Lecture, erreur);
-    if (!base)
+    Lecture l = lireAgenda(QStringLiteral("SELECT * FROM Signaletiques WHERE Nom LIKE ? ORDER BY Nom, Prenom"),
+                           {debutNom + u'*'}, erreur);
+    if (!l.q)
         return lignes;
-    QSqlQuery q(base->db());
-    q.setForwardOnly(true);
-    q.prepare(QStringLiteral("SELECT * FROM Signaletiques WHERE Nom LIKE ? ORDER BY Nom, Prenom"));
-    q.addBindValue(debutNom + u'*');
-    if (!executer(q, erreur))
-        return lignes;
+    QSqlQuery &q = *l.q;
     while (q.next())
         lignes.append(ValeursDeLigne(q.record()));
     return lignes;
@@ -395,16 +408,10 @@ QList<ValeursFiche> MemeFamille(const QString &debutNom, QString *erreur)
 NoteFiche LireNote(qint32 numero, QString *erreur)
 {
     NoteFiche note;
-    auto base = ouvrirAgenda(BaseSqlite::Mode::Lecture, erreur);
-    if (!base)
-        return note;
-    QSqlQuery q(base->db());
-    q.setForwardOnly(true);
-    q.prepare(QStringLiteral("SELECT Texte FROM Notes WHERE Numero = ?"));
-    q.addBindValue(numero);
-    if (executer(q, erreur) && q.next()) {
+    Lecture l = lireAgenda(QStringLiteral("SELECT Texte FROM Notes WHERE Numero = ?"), {numero}, erreur);
+    if (l.q && l.q->next()) {
         note.existe = true;
-        note.texte = q.value(0).toString();
+        note.texte = l.q->value(0).toString();
     }
     return note;
 }
