@@ -8,14 +8,24 @@
 
 namespace {
 
+bool executerCarte(FicheSignaletique &carte)
+{
+    if (carte.charger())
+        return ExecuterDialogue(carte) == QDialog::Accepted;
+    // A card that could not be read hands over no patient: the search
+    // opens again instead of booking half a record.
+    ViderPatientCourant();
+    return false;
+}
+
 bool ouvrirCarte(FichePatient fiche, QWidget *parent)
 {
     if (fiche == FichePatient::Liee) {
         frmSignaletiques2_AG carte(parent);
-        return carte.charger() && ExecuterDialogue(carte) == QDialog::Accepted;
+        return executerCarte(carte);
     }
     frmSignaletiques_AG carte(parent);
-    return carte.charger() && ExecuterDialogue(carte) == QDialog::Accepted;
+    return executerCarte(carte);
 }
 
 OuvreurFiche &ouvreur()

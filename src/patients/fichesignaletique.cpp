@@ -38,6 +38,12 @@ const QString titreProgramme = QStringLiteral("Tavonel");
 const QString tagPrive = QStringLiteral("CodPostPriv");
 const QString tagPro = QStringLiteral("CodPostPro");
 
+bool quitteParUtilisateur(Qt::FocusReason r)
+{
+    return r == Qt::TabFocusReason || r == Qt::BacktabFocusReason || r == Qt::MouseFocusReason
+           || r == Qt::ShortcutFocusReason || r == Qt::OtherFocusReason;
+}
+
 QString nomChamp(int i)
 {
     return QStringLiteral("txtFields(%1)").arg(i);
@@ -71,6 +77,15 @@ QFormLayout *formulaire(QWidget *parent)
 }
 
 } // namespace
+
+void ChoisirTexte(QComboBox *liste, const QString &texte)
+{
+    // A value that another program wrote outside the list is kept as it
+    // is, not lost at the next save.
+    if (!texte.isEmpty() && liste->findText(texte) < 0)
+        liste->addItem(texte);
+    liste->setCurrentIndex(liste->findText(texte));
+}
 
 QString FicheSignaletique::colonneDuChamp(int i)
 {
@@ -459,7 +474,7 @@ void FicheSignaletique::afficherValeurs(const ValeursFiche &valeurs)
         else if (auto *c = qobject_cast<QCheckBox *>(l.controle))
             c->setChecked(v.toBool());
         else if (auto *b = qobject_cast<QComboBox *>(l.controle))
-            b->setCurrentIndex(b->findText(v.toString()));
+            ChoisirTexte(b, v.toString());
         else if (auto *p = qobject_cast<QPlainTextEdit *>(l.controle))
             p->setPlainText(v.toString());
     }
@@ -728,7 +743,9 @@ bool FicheSignaletique::eventFilter(QObject *objet, QEvent *evenement)
             QTimer::singleShot(0, champ, &QLineEdit::selectAll);
         break;
     case QEvent::FocusOut:
-        if (champ && static_cast<QFocusEvent *>(evenement)->reason() != Qt::PopupFocusReason)
+        // Only a field that the user leaves is checked: a message box that
+        // takes the focus would otherwise check it again, and again.
+        if (champ && isVisible() && quitteParUtilisateur(static_cast<QFocusEvent *>(evenement)->reason()))
             sortieTexte(champ);
         if (objet == List2 || objet == Table3)
             static_cast<QWidget *>(objet)->hide();

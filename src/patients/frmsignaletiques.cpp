@@ -512,7 +512,7 @@ void frmSignaletiques2_AG::afficherAMC(const QStringList &valeurs)
         if (auto *t = qobject_cast<QLineEdit *>(controles[i]))
             t->setText(valeurs[i]);
         else if (auto *c = qobject_cast<QComboBox *>(controles[i]))
-            c->setCurrentIndex(c->findText(valeurs[i]));
+            ChoisirTexte(c, valeurs[i]);
     }
 }
 
