@@ -7,8 +7,8 @@
 #include "calendar/recurrenceexpander.h"
 #include "calendar/reminderengine.h"
 #include "calendar/sqlitecalendarstore.h"
-#include "shell/basesqlite.h"
-#include "shell/horloge.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/horloge.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

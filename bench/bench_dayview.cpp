@@ -10,8 +10,8 @@
 #include "calendar/view/colorationregles.h"
 #include "rules/regles.h"
 #include "shell/appstate.h"
-#include "shell/config.h"
-#include "shell/horloge.h"
+#include "shell/base/config.h"
+#include "shell/base/horloge.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -134,7 +134,7 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "Config.mdb impossible\n");
         return 1;
     }
-    if (!ecrireRegles(*appState().ConfigDb)) {
+    if (!ecrireRegles(*ConfigOuverte())) {
         std::fprintf(stderr, "règles non écrites\n");
         return 1;
     }

@@ -9,10 +9,10 @@
 #include "patients/liaisons.h"
 #include "patients/recherchepatients.h"
 #include "shell/appstate.h"
-#include "shell/dossiers.h"
-#include "shell/horloge.h"
-#include "shell/profilini.h"
-#include "shell/support.h"
+#include "shell/base/dossiers.h"
+#include "shell/base/horloge.h"
+#include "shell/base/profilini.h"
+#include "shell/base/support.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #include "shell/appstate.h"
 #include "shell/demarrage.h"
-#include "shell/dossiers.h"
-#include "shell/frmmain.h"
-#include "shell/prompt.h"
-#include "shell/promptwidgets.h"
+#include "shell/base/dossiers.h"
+#include "shell/window/frmmain.h"
+#include "shell/base/prompt.h"
+#include "shell/base/promptwidgets.h"
 
 #include <QApplication>
 

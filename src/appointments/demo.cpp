@@ -7,11 +7,11 @@
 #include "patients/schemapatients.h"
 #include "rules/regles.h"
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/config.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/config.h"
 #include "shell/demarrage.h"
-#include "shell/profilini.h"
-#include "shell/support.h"
+#include "shell/base/profilini.h"
+#include "shell/base/support.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -121,6 +121,7 @@ class EtatSauve final
 public:
     EtatSauve()
         : m_avant(appState())
+        , m_config(ConfigOuverte())
     {
     }
     ~EtatSauve()
@@ -130,8 +131,8 @@ public:
             etat.Calendrier->Save();
             etat.Calendrier->Close();
         }
-        if (etat.ConfigDb != m_avant.ConfigDb)
-            FermerConfig();
+        if (ConfigOuverte() != m_config)
+            FixerConfig(m_config);
         etat = m_avant;
     }
     EtatSauve(const EtatSauve &) = delete;
@@ -139,6 +140,7 @@ public:
 
 private:
     AppState m_avant;
+    std::shared_ptr<ConfigIni> m_config;
 };
 
 std::optional<QString> ecrireReglages(ConfigIni &config)
@@ -340,14 +342,14 @@ std::optional<QString> CreerDemo(const QString &dossierDemande, const QDate &jou
     ParametresFenetre parametres;
     if (const auto fatal = demarrage.charger(parametres))
         return *fatal;
-    if (!etat.ConfigDb || !etat.Calendrier || !etat.Calendrier->IsOpen())
+    if (!ConfigOuverte() || !etat.Calendrier || !etat.Calendrier->IsOpen())
         return QStringLiteral("Le calendrier de démonstration ne peut pas être ouvert dans %1.").arg(dossier);
 
     BilanDemo b;
     b.lundi = jour.addDays(1 - jour.dayOfWeek());
-    if (const auto e = ecrireReglages(*etat.ConfigDb))
+    if (const auto e = ecrireReglages(*ConfigOuverte()))
         return *e;
-    if (const auto e = ecrireRegles(*etat.ConfigDb, b.lundi, b.regles))
+    if (const auto e = ecrireRegles(*ConfigOuverte(), b.lundi, b.regles))
         return *e;
 
     std::vector<PatientCourantRecord> fiches;

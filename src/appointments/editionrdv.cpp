@@ -1,9 +1,9 @@
 #include "appointments/editionrdv.h"
 
 #include "rules/praticiens.h"
-#include "shell/config.h"
-#include "shell/nombres.h"
-#include "shell/support.h"
+#include "shell/base/config.h"
+#include "shell/base/nombres.h"
+#include "shell/base/support.h"
 
 #include <QRegularExpression>
 

@@ -1,9 +1,9 @@
 #include "appointments/editionrecurrence.h"
 
 #include "calendar/calendarrecurrenceoptions.h"
-#include "shell/nombres.h"
-#include "shell/prompt.h"
-#include "shell/support.h"
+#include "shell/base/nombres.h"
+#include "shell/base/prompt.h"
+#include "shell/base/support.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,7 +1,7 @@
 #include "appointments/frmcustomeventproperties.h"
 
 #include "calendar/calendarevent.h"
-#include "shell/modal.h"
+#include "shell/base/modal.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>

@@ -14,12 +14,12 @@
 #include "rules/frmpraticiens.h"
 #include "rules/praticiens.h"
 #include "shell/appstate.h"
-#include "shell/config.h"
-#include "shell/horloge.h"
-#include "shell/nombres.h"
-#include "shell/prompt.h"
-#include "shell/support.h"
-#include "shell/supportui.h"
+#include "shell/base/config.h"
+#include "shell/base/horloge.h"
+#include "shell/base/nombres.h"
+#include "shell/base/prompt.h"
+#include "shell/base/support.h"
+#include "shell/base/supportui.h"
 
 #include <QAbstractItemView>
 #include <QApplication>

@@ -1,9 +1,9 @@
 #include "appointments/frmeditrecurrence.h"
 
 #include "calendar/calendarrecurrenceoptions.h"
-#include "shell/horloge.h"
-#include "shell/modal.h"
-#include "shell/prompt.h"
+#include "shell/base/horloge.h"
+#include "shell/base/modal.h"
+#include "shell/base/prompt.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>

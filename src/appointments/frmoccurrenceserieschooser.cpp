@@ -1,6 +1,6 @@
 #include "appointments/frmoccurrenceserieschooser.h"
 
-#include "shell/modal.h"
+#include "shell/base/modal.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -3,8 +3,8 @@
 #include "appointments/paquetrdv.h"
 #include "calendar/calendarevent.h"
 #include "shell/appstate.h"
-#include "shell/nombres.h"
-#include "shell/profilini.h"
+#include "shell/base/nombres.h"
+#include "shell/base/profilini.h"
 
 #include <QDir>
 #include <QFile>

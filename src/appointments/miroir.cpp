@@ -5,10 +5,10 @@
 #include "patients/schemapatients.h"
 #include "rules/regles.h"
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/horloge.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/horloge.h"
 #include "shell/journal.h"
-#include "shell/prompt.h"
+#include "shell/base/prompt.h"
 
 #include <QSqlError>
 #include <QSqlQuery>

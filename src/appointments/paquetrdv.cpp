@@ -1,8 +1,8 @@
 #include "appointments/paquetrdv.h"
 
 #include "patients/patientcourant.h"
-#include "shell/nombres.h"
-#include "shell/support.h"
+#include "shell/base/nombres.h"
+#include "shell/base/support.h"
 
 #include <QStringList>
 

@@ -3,7 +3,7 @@
 #include "calendar/recurrenceexpander.h"
 #include "calendar/sqlitecalendarstore.h"
 #include "calendar/xmlcalendarstore.h"
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 
 #include <QScopeGuard>
 #include <QSet>

@@ -1,7 +1,7 @@
 #include "calendar/controlestore.h"
 
-#include "shell/basesqlite.h"
-#include "shell/support.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/support.h"
 
 #include <QFileInfo>
 #include <QSqlError>

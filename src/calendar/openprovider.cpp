@@ -2,7 +2,7 @@
 
 #include "calendar/calendardataprovider.h"
 #include "shell/appstate.h"
-#include "shell/prompt.h"
+#include "shell/base/prompt.h"
 
 QString TexteMapiIndisponible()
 {

@@ -2,7 +2,7 @@
 
 #include "calendar/calendardataprovider.h"
 #include "calendar/recurrenceexpander.h"
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 
 #include <algorithm>
 

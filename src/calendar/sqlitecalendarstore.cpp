@@ -1,7 +1,7 @@
 #include "calendar/sqlitecalendarstore.h"
 
 #include "calendar/calendardataprovider.h"
-#include "shell/basesqlite.h"
+#include "shell/base/basesqlite.h"
 
 #include <sqlite3.h>
 

@@ -1,6 +1,6 @@
 #include "cipher/encryptx.h"
 
-#include "shell/cp1252.h"
+#include "shell/base/cp1252.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -3,7 +3,7 @@
 #include "messaging/gsmmodem.h"
 #include "messaging/serialline.h"
 #include "messaging/smstext.h"
-#include "shell/prompt.h"
+#include "shell/base/prompt.h"
 
 #include <QRegularExpression>
 

@@ -2,11 +2,11 @@
 
 #include "messaging/operateurs.h"
 #include "shell/appstate.h"
-#include "shell/cp1252.h"
-#include "shell/nombres.h"
-#include "shell/profilini.h"
-#include "shell/prompt.h"
-#include "shell/support.h"
+#include "shell/base/cp1252.h"
+#include "shell/base/nombres.h"
+#include "shell/base/profilini.h"
+#include "shell/base/prompt.h"
+#include "shell/base/support.h"
 
 #include <QCoreApplication>
 #include <QCursor>

@@ -1,9 +1,9 @@
 #include "messaging/mailreminder.h"
 
 #include "messaging/rtftohtml.h"
-#include "shell/cp1252.h"
-#include "shell/dossiers.h"
-#include "shell/support.h"
+#include "shell/base/cp1252.h"
+#include "shell/base/dossiers.h"
+#include "shell/base/support.h"
 
 #include <QFile>
 #include <QLocale>

@@ -1,8 +1,8 @@
 #include "messaging/operateurs.h"
 
-#include "shell/cp1252.h"
-#include "shell/dossiers.h"
-#include "shell/nombres.h"
+#include "shell/base/cp1252.h"
+#include "shell/base/dossiers.h"
+#include "shell/base/nombres.h"
 
 #include <QFile>
 #include <QRegularExpression>

@@ -1,6 +1,6 @@
 #include "messaging/serialline.h"
 
-#include "shell/profilini.h"
+#include "shell/base/profilini.h"
 
 #include <QFileInfo>
 

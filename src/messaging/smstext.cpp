@@ -1,6 +1,6 @@
 #include "messaging/smstext.h"
 
-#include "shell/cp1252.h"
+#include "shell/base/cp1252.h"
 
 #include <QLocale>
 

@@ -1,6 +1,6 @@
 #include "messaging/smtpmail.h"
 
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>

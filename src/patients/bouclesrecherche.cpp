@@ -4,7 +4,7 @@
 #include "patients/gestiontype.h"
 #include "patients/recherchepatient.h"
 #include "shell/appstate.h"
-#include "shell/modal.h"
+#include "shell/base/modal.h"
 
 namespace {
 

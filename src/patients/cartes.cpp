@@ -1,7 +1,7 @@
 #include "patients/cartes.h"
 
-#include "shell/dossiers.h"
-#include "shell/support.h"
+#include "shell/base/dossiers.h"
+#include "shell/base/support.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "patients/codespostaux.h"
 
-#include "shell/basesqlite.h"
-#include "shell/dossiers.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/dossiers.h"
 
 #include <QRegularExpression>
 #include <QSqlError>

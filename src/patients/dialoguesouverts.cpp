@@ -1,6 +1,6 @@
 #include "patients/dialoguesouverts.h"
 
-#include "shell/frmmain.h"
+#include "shell/window/frmmain.h"
 
 #include <QApplication>
 #include <QDialog>

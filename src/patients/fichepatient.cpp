@@ -3,8 +3,8 @@
 #include "patients/gestiontype.h"
 #include "patients/schemapatients.h"
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/support.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/support.h"
 
 #include <QSqlError>
 #include <QSqlQuery>

@@ -5,10 +5,10 @@
 #include "patients/dialoguesouverts.h"
 #include "patients/gestiontype.h"
 #include "patients/schemapatients.h"
-#include "shell/horloge.h"
-#include "shell/modal.h"
-#include "shell/prompt.h"
-#include "shell/support.h"
+#include "shell/base/horloge.h"
+#include "shell/base/modal.h"
+#include "shell/base/prompt.h"
+#include "shell/base/support.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -2,9 +2,9 @@
 
 #include "patients/dialoguesouverts.h"
 #include "patients/liaisons.h"
-#include "shell/modal.h"
-#include "shell/prompt.h"
-#include "shell/support.h"
+#include "shell/base/modal.h"
+#include "shell/base/prompt.h"
+#include "shell/base/support.h"
 
 #include <QFontDatabase>
 #include <QFontInfo>

@@ -3,8 +3,8 @@
 #include "patients/gestiontype.h"
 #include "patients/schemapatients.h"
 #include "shell/appstate.h"
-#include "shell/prompt.h"
-#include "shell/support.h"
+#include "shell/base/prompt.h"
+#include "shell/base/support.h"
 
 #include <QComboBox>
 #include <QFormLayout>

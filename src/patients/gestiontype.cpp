@@ -3,7 +3,7 @@
 #include "patients/recherchepatients.h"
 #include "patients/schemapatients.h"
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
+#include "shell/base/basesqlite.h"
 
 #include <QDateTime>
 #include <QSqlQuery>

@@ -1,9 +1,9 @@
 #include "patients/liaisons.h"
 
 #include "shell/appstate.h"
-#include "shell/dossiers.h"
-#include "shell/profilini.h"
-#include "shell/support.h"
+#include "shell/base/dossiers.h"
+#include "shell/base/profilini.h"
+#include "shell/base/support.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -3,8 +3,8 @@
 #include "patients/gestiontype.h"
 #include "patients/schemapatients.h"
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/jettexte.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/jettexte.h"
 
 #include <QFileInfo>
 #include <QHash>

@@ -1,8 +1,8 @@
 #include "patients/schemapatients.h"
 
-#include "shell/basesqlite.h"
-#include "shell/prompt.h"
-#include "shell/support.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/prompt.h"
+#include "shell/base/support.h"
 
 #include <QDir>
 #include <QFile>

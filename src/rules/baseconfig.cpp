@@ -1,6 +1,6 @@
 #include "rules/regles.h"
 
-#include "shell/basesqlite.h"
+#include "shell/base/basesqlite.h"
 
 #include <QFile>
 

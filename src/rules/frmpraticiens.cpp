@@ -2,7 +2,7 @@
 
 #include "patients/dialoguesouverts.h"
 #include "rules/praticiens.h"
-#include "shell/modal.h"
+#include "shell/base/modal.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

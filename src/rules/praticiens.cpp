@@ -1,8 +1,8 @@
 #include "rules/praticiens.h"
 
 #include "shell/appstate.h"
-#include "shell/config.h"
-#include "shell/nombres.h"
+#include "shell/base/config.h"
+#include "shell/base/nombres.h"
 
 QString ChosenPraticien;
 QString ChosenColor;

@@ -1,9 +1,9 @@
 #include "rules/regles.h"
 
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/config.h"
-#include "shell/support.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/config.h"
+#include "shell/base/support.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
@@ -156,7 +156,7 @@ RegleMatch GetRegleForDate(ConfigIni &config, const QDateTime &when, QString *er
 
 RegleMatch GetRegleForDate(const QDateTime &when)
 {
-    const auto &config = appState().ConfigDb;
+    const auto &config = ConfigOuverte();
     if (!config)
         return champsDuMoment(when);
     return GetRegleForDate(*config, when);

@@ -63,7 +63,7 @@ bool CreerBaseConfig(const QString &dossier, QString *erreur = nullptr);
 // A failing query leaves the rule fields empty and, when erreur is given,
 // sets it to the database's text (empty on success).
 [[nodiscard]] RegleMatch GetRegleForDate(ConfigIni &config, const QDateTime &when, QString *erreur = nullptr);
-// The same on the configuration opened at start-up (AppState::ConfigDb).
+// The same on the configuration opened at start-up (ConfigOuverte).
 [[nodiscard]] RegleMatch GetRegleForDate(const QDateTime &when);
 
 // The colour of a day-view cell, 0xBBGGRR: a selected cell keeps its

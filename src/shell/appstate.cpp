@@ -1,6 +1,6 @@
 #include "shell/appstate.h"
 
-#include "shell/config.h"
+#include "shell/base/config.h"
 
 AppState &appState()
 {

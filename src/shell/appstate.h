@@ -9,7 +9,6 @@
 #include <memory>
 
 class CalendarDataProvider;
-class ConfigIni;
 class ReminderEngine;
 
 // The one application state record: written during start-up and by the
@@ -31,8 +30,8 @@ struct AppState
     QString CheminLog;
     QString CheminBaseAgenda;
 
-    // Config.mdb and its table Ini, open from OuvrirConfig to FermerConfig.
-    std::shared_ptr<ConfigIni> ConfigDb;
+    // Config.mdb and its table Ini are held by the settings layer
+    // (ConfigOuverte), open from OuvrirConfig to FermerConfig.
 
     qint16 DureeDefaut = 0;
     bool RappelsMails = false;

@@ -8,11 +8,11 @@
 #include "patients/schemapatients.h"
 #include "rules/regles.h"
 #include "shell/appstate.h"
-#include "shell/config.h"
-#include "shell/nombres.h"
-#include "shell/profilini.h"
-#include "shell/registre.h"
-#include "shell/support.h"
+#include "shell/base/config.h"
+#include "shell/base/nombres.h"
+#include "shell/base/profilini.h"
+#include "shell/base/registre.h"
+#include "shell/base/support.h"
 
 #include <QFileInfo>
 

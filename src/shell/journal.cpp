@@ -1,9 +1,9 @@
 #include "shell/journal.h"
 
 #include "shell/appstate.h"
-#include "shell/cp1252.h"
-#include "shell/horloge.h"
-#include "shell/support.h"
+#include "shell/base/cp1252.h"
+#include "shell/base/horloge.h"
+#include "shell/base/support.h"
 
 #include <QFile>
 

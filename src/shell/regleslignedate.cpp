@@ -1,7 +1,7 @@
 #include "shell/regleslignedate.h"
 
 #include "calendar/reminderengine.h"
-#include "shell/support.h"
+#include "shell/base/support.h"
 
 #include <QLocale>
 

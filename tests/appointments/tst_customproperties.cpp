@@ -1,6 +1,6 @@
 #include "appointments/frmcustomeventproperties.h"
 #include "calendar/calendarevent.h"
-#include "shell/modal.h"
+#include "shell/base/modal.h"
 
 #include <QLineEdit>
 #include <QPushButton>

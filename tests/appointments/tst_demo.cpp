@@ -7,10 +7,10 @@
 #include "patients/schemapatients.h"
 #include "rules/regles.h"
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/config.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/config.h"
 #include "shell/demarrage.h"
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 #include "support/repondeurscripte.h"
 
 #include <QFileInfo>
@@ -61,7 +61,7 @@ private slots:
         QCOMPARE(bilan.lundi, lundi);
         QCOMPARE(bilan.patients, 50);
         QVERIFY2(bilan.rendezVous >= 50 && bilan.rendezVous <= 70, qPrintable(QString::number(bilan.rendezVous)));
-        QVERIFY(!appState().ConfigDb && !appState().Calendrier); // state given back
+        QVERIFY(!ConfigOuverte() && !appState().Calendrier); // state given back
 
         Demarrage demarrage(appState(), dossier);
         ParametresFenetre p;
@@ -69,7 +69,7 @@ private slots:
         QVERIFY(!demarrage.charger(p));
         QVERIFY(!p.premierLancement);
         AppState &etat = appState();
-        QCOMPARE(compter(etat.ConfigDb->base().db(), QStringLiteral("SELECT count(*) FROM Regles")), bilan.regles);
+        QCOMPARE(compter(ConfigOuverte()->base().db(), QStringLiteral("SELECT count(*) FROM Regles")), bilan.regles);
         QCOMPARE(LireConfig(QStringLiteral("Praticien2"), QStringLiteral("Nom"), QString()), NomPraticienDemo(2));
         QCOMPARE(p.libelles.at(2).name, QStringLiteral("Praticien 1:Pédiatrie"));
         QVERIFY(p.libelles.at(0).color != 0xFFFFFF && p.libelles.at(0).color != p.libelles.at(8).color);

@@ -1,9 +1,9 @@
 #include "appointments/editionrdv.h"
 #include "rules/regles.h"
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/config.h"
-#include "shell/support.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/config.h"
+#include "shell/base/support.h"
 #include "support/repondeurscripte.h"
 
 #include <QSqlQuery>
@@ -24,7 +24,7 @@ private:
 
     static QStringList lignesIni()
     {
-        QSqlQuery q(appState().ConfigDb->base().db());
+        QSqlQuery q(ConfigOuverte()->base().db());
         QStringList lignes;
         if (q.exec(QStringLiteral("SELECT Section, Item, Valeur FROM Ini ORDER BY Section")))
             while (q.next())

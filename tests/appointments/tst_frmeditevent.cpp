@@ -10,12 +10,12 @@
 #include "patients/recherchepatient.h"
 #include "rules/regles.h"
 #include "shell/appstate.h"
-#include "shell/config.h"
+#include "shell/base/config.h"
 #include "shell/demarrage.h"
-#include "shell/frmmain.h"
-#include "shell/horloge.h"
-#include "shell/modal.h"
-#include "shell/support.h"
+#include "shell/window/frmmain.h"
+#include "shell/base/horloge.h"
+#include "shell/base/modal.h"
+#include "shell/base/support.h"
 #include "support/dossiertest.h"
 #include "support/repondeurscripte.h"
 
@@ -62,7 +62,7 @@ private:
 
     static QStringList reservations()
     {
-        QSqlQuery q(appState().ConfigDb->base().db());
+        QSqlQuery q(ConfigOuverte()->base().db());
         QStringList r;
         if (q.exec(QStringLiteral("SELECT Section, Valeur FROM Ini WHERE Item = 'Réservation' ORDER BY Section")))
             while (q.next())
@@ -139,7 +139,7 @@ private slots:
         matin.PraticienNumero = 2;
         matin.Praticien = QStringLiteral("Dr Bernard");
         matin.TypeRV = 1;
-        QVERIFY(AjouterRegle(*appState().ConfigDb, matin) > 0);
+        QVERIFY(AjouterRegle(*ConfigOuverte(), matin) > 0);
         m_fenetre = std::make_unique<frmMain>(*m_demarrage, m_parametres);
         ViderPatientCourant();
     }

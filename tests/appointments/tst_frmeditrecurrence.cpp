@@ -1,7 +1,7 @@
 #include "appointments/frmeditrecurrence.h"
 #include "calendar/recurrenceexpander.h"
-#include "shell/horloge.h"
-#include "shell/modal.h"
+#include "shell/base/horloge.h"
+#include "shell/base/modal.h"
 #include "support/repondeurscripte.h"
 
 #include <QCheckBox>

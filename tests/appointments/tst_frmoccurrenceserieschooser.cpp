@@ -1,5 +1,5 @@
 #include "appointments/frmoccurrenceserieschooser.h"
-#include "shell/modal.h"
+#include "shell/base/modal.h"
 
 #include <QLabel>
 #include <QPushButton>

@@ -1,5 +1,5 @@
 #include "shell/appstate.h"
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 #include "shell/journal.h"
 #include "support/fichierstest.h"
 

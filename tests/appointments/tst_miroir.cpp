@@ -4,10 +4,10 @@
 #include "patients/schemapatients.h"
 #include "rules/regles.h"
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/config.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/config.h"
 #include "shell/demarrage.h"
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 #include "support/dossiertest.h"
 #include "support/repondeurscripte.h"
 
@@ -107,7 +107,7 @@ private slots:
         matin.Semaine = 3;
         matin.PraticienNumero = 1;
         matin.Praticien = QStringLiteral("Dr Alpha");
-        QVERIFY(AjouterRegle(*appState().ConfigDb, matin) > 0);
+        QVERIFY(AjouterRegle(*ConfigOuverte(), matin) > 0);
     }
 
     void cleanup()

@@ -1,6 +1,6 @@
 #include "appointments/paquetrdv.h"
 #include "patients/patientcourant.h"
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 
 #include <QtTest>
 

@@ -3,8 +3,8 @@
 #include "calendar/openprovider.h"
 #include "calendar/recurrenceexpander.h"
 #include "calendar/sqlitecalendarstore.h"
-#include "shell/basesqlite.h"
-#include "shell/horloge.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/horloge.h"
 #include "support/fichierstest.h"
 #include "support/repondeurscripte.h"
 

@@ -1,11 +1,11 @@
 #include "calendar/calendardataprovider.h"
 #include "calendar/reminderengine.h"
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/config.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/config.h"
 #include "shell/demarrage.h"
-#include "shell/horloge.h"
-#include "shell/registre.h"
+#include "shell/base/horloge.h"
+#include "shell/base/registre.h"
 #include "support/dossiertest.h"
 
 #include <QFile>

@@ -1,8 +1,8 @@
 #include "calendar/calendardataprovider.h"
 #include "calendar/openprovider.h"
 #include "calendar/reminderengine.h"
-#include "shell/basesqlite.h"
-#include "shell/horloge.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/horloge.h"
 
 #include <QDir>
 #include <QSignalSpy>

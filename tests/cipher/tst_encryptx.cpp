@@ -1,6 +1,6 @@
 #include "cipher/encryptx.h"
-#include "shell/cp1252.h"
-#include "shell/nombres.h"
+#include "shell/base/cp1252.h"
+#include "shell/base/nombres.h"
 #include "support/fichierstest.h"
 
 #include <QRegularExpression>

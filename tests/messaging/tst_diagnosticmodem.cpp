@@ -2,7 +2,7 @@
 #include "messaging/gsmmodem.h"
 #include "messaging/smstext.h"
 #include "modemsimulator.h"
-#include "shell/cp1252.h"
+#include "shell/base/cp1252.h"
 #include "support/admintest.h"
 
 #include <QtTest>

@@ -3,7 +3,7 @@
 #include "messaging/serialline.h"
 #include "messaging/smstext.h"
 #include "modemsimulator.h"
-#include "shell/cp1252.h"
+#include "shell/base/cp1252.h"
 
 #include <QElapsedTimer>
 #include <QProcess>

@@ -1,7 +1,7 @@
 #include "messaging/mailreminder.h"
 #include "messaging/smtpmail.h"
 #include "messaging/smtpsink.h"
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 #include "support/admintest.h"
 #include "support/dossiertest.h"
 #include "support/fichierstest.h"

@@ -1,7 +1,7 @@
 #include "messaging/gsmmodem.h"
 #include "messaging/operateurs.h"
 #include "shell/appstate.h"
-#include "shell/cp1252.h"
+#include "shell/base/cp1252.h"
 #include "support/dossiertest.h"
 
 #include <QFile>

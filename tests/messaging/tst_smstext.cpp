@@ -1,5 +1,5 @@
 #include "messaging/smstext.h"
-#include "shell/cp1252.h"
+#include "shell/base/cp1252.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "patients/schemapatients.h"
-#include "shell/basesqlite.h"
+#include "shell/base/basesqlite.h"
 
 #include <QDir>
 #include <QList>

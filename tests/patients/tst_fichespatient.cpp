@@ -9,8 +9,8 @@
 #include "patients/gestiontype.h"
 #include "patients/recherchepatient.h"
 #include "shell/appstate.h"
-#include "shell/horloge.h"
-#include "shell/modal.h"
+#include "shell/base/horloge.h"
+#include "shell/base/modal.h"
 #include "support/dossiertest.h"
 #include "support/repondeurscripte.h"
 

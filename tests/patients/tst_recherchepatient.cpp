@@ -4,10 +4,10 @@
 #include "patients/gestiontype.h"
 #include "patients/recherchepatient.h"
 #include "shell/appstate.h"
-#include "shell/config.h"
+#include "shell/base/config.h"
 #include "shell/demarrage.h"
-#include "shell/frmmain.h"
-#include "shell/modal.h"
+#include "shell/window/frmmain.h"
+#include "shell/base/modal.h"
 #include "support/dossiertest.h"
 #include "support/repondeurscripte.h"
 

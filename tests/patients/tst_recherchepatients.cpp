@@ -2,7 +2,7 @@
 
 #include "patients/recherchepatients.h"
 #include "shell/appstate.h"
-#include "shell/jettexte.h"
+#include "shell/base/jettexte.h"
 #include "support/fichierstest.h"
 
 #include <QCryptographicHash>

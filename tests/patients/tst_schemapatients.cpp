@@ -1,5 +1,5 @@
 #include "patients/schemapatients.h"
-#include "shell/basesqlite.h"
+#include "shell/base/basesqlite.h"
 #include "support/fichierstest.h"
 #include "support/repondeurscripte.h"
 

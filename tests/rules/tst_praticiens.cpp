@@ -2,9 +2,9 @@
 #include "rules/praticiens.h"
 #include "rules/regles.h"
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/config.h"
-#include "shell/modal.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/config.h"
+#include "shell/base/modal.h"
 
 #include <QPushButton>
 #include <QSqlQuery>
@@ -20,7 +20,7 @@ private:
 
     static void viderConfig()
     {
-        QSqlQuery q(appState().ConfigDb->base().db());
+        QSqlQuery q(ConfigOuverte()->base().db());
         QVERIFY(q.exec(QStringLiteral("DELETE FROM Regles")));
         QVERIFY(q.exec(QStringLiteral("DELETE FROM Ini")));
     }
@@ -38,7 +38,7 @@ private:
         r.PraticienNumero = static_cast<qint16>(numero);
         r.Praticien = praticien;
         r.TypeRV = static_cast<qint16>(type);
-        QVERIFY(AjouterRegle(*appState().ConfigDb, r) > 0);
+        QVERIFY(AjouterRegle(*ConfigOuverte(), r) > 0);
     }
 
 private slots:

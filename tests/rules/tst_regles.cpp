@@ -1,7 +1,7 @@
 #include "rules/regles.h"
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/config.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/config.h"
 #include "support/fichierstest.h"
 
 #include <QSqlQuery>

@@ -1,7 +1,7 @@
 #include "rules/regles.h"
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/config.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/config.h"
 #include "support/fichierstest.h"
 #include "support/repondeurscripte.h"
 
@@ -21,7 +21,7 @@ private:
 
     static int lignes(const QString &sql)
     {
-        QSqlQuery q(appState().ConfigDb->base().db());
+        QSqlQuery q(ConfigOuverte()->base().db());
         if (!q.exec(sql) || !q.next())
             return -1;
         return q.value(0).toInt();
@@ -112,7 +112,7 @@ private Q_SLOTS:
         }
         FermerConfig();
         QVERIFY(!OuvrirConfig(chemin));
-        QVERIFY(!appState().ConfigDb);
+        QVERIFY(!ConfigOuverte());
         QCOMPARE(QFile::exists(chemin), !contenu.isNull());
         if (contenu.isNull())
             return;

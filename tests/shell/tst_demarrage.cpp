@@ -1,11 +1,11 @@
 #include "cipher/encryptx.h"
 #include "patients/schemapatients.h"
 #include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/config.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/config.h"
 #include "shell/demarrage.h"
-#include "shell/profilini.h"
-#include "shell/registre.h"
+#include "shell/base/profilini.h"
+#include "shell/base/registre.h"
 #include "support/dossiertest.h"
 #include "support/fichierstest.h"
 #include "support/repondeurscripte.h"
@@ -269,7 +269,7 @@ private Q_SLOTS:
         Lancement l(prog.chemin());
         QVERIFY(l.ok);
         l.d.arreter(actifs);
-        QVERIFY(!appState().ConfigDb);
+        QVERIFY(!ConfigOuverte());
         QCOMPARE(LireIni(QStringLiteral("Agenda"), QStringLiteral("RemindersManEnabled"), QString(), prog.chemin() + QStringLiteral("Agenda.ini")),
                  texte);
         QCOMPARE(LireParametreUtilisateur(QStringLiteral("AdvancedOptions"), QStringLiteral("RemindersEnabled"), QString()), texte);

@@ -6,14 +6,14 @@
 #include "patients/gestiontype.h"
 #include "patients/schemapatients.h"
 #include "shell/appstate.h"
-#include "shell/config.h"
+#include "shell/base/config.h"
 #include "shell/demarrage.h"
-#include "shell/frmmain.h"
-#include "shell/modal.h"
+#include "shell/window/frmmain.h"
+#include "shell/base/modal.h"
 #include "appointments/frmeditevent.h"
-#include "shell/horloge.h"
-#include "shell/modal.h"
-#include "shell/profilini.h"
+#include "shell/base/horloge.h"
+#include "shell/base/modal.h"
+#include "shell/base/profilini.h"
 #include "support/dossiertest.h"
 #include "support/repondeurscripte.h"
 
@@ -827,7 +827,7 @@ private Q_SLOTS:
         QVERIFY(appState().MoteurRappels->isEnabled());
         f.show();
         QVERIFY(f.close());
-        QVERIFY(!appState().ConfigDb);
+        QVERIFY(!ConfigOuverte());
         QCOMPARE(LireIni(QStringLiteral("Agenda"), QStringLiteral("RemindersManEnabled"), QString(), prog.chemin() + QStringLiteral("Agenda.ini")),
                  QStringLiteral("Vrai"));
     }

@@ -1,6 +1,6 @@
-#include "shell/cp1252.h"
-#include "shell/jettexte.h"
-#include "shell/nombres.h"
+#include "shell/base/cp1252.h"
+#include "shell/base/jettexte.h"
+#include "shell/base/nombres.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
-#include "shell/cp1252.h"
-#include "shell/profilini.h"
+#include "shell/base/cp1252.h"
+#include "shell/base/profilini.h"
 #include "support/dossiertest.h"
 #include "support/fichierstest.h"
 

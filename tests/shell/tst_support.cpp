@@ -1,5 +1,5 @@
-#include "shell/horloge.h"
-#include "shell/support.h"
+#include "shell/base/horloge.h"
+#include "shell/base/support.h"
 #include "support/fichierstest.h"
 #include "support/repondeurscripte.h"
 

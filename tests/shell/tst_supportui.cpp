@@ -1,4 +1,4 @@
-#include "shell/supportui.h"
+#include "shell/base/supportui.h"
 #include "support/repondeurscripte.h"
 
 #include <QComboBox>

@@ -1,6 +1,6 @@
 #include "support/dossiertest.h"
 
-#include "shell/cp1252.h"
+#include "shell/base/cp1252.h"
 
 #include <QFile>
 

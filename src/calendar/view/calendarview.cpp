@@ -5,7 +5,7 @@
 #include "calendar/view/daypane.h"
 #include "calendar/view/monthpane.h"
 #include "calendar/view/weekpane.h"
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 
 #include <QKeyEvent>
 #include <QStackedLayout>

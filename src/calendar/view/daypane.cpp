@@ -3,7 +3,7 @@
 #include "calendar/view/calendarview.h"
 #include "calendar/view/daylayout.h"
 #include "calendar/view/monthlayout.h"
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 
 #include <QApplication>
 #include <QMouseEvent>

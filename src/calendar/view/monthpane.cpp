@@ -1,7 +1,7 @@
 #include "calendar/view/monthpane.h"
 
 #include "calendar/view/calendarview.h"
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 
 #include <QMouseEvent>
 #include <QPainter>

@@ -1,7 +1,7 @@
 #include "calendar/calendardataprovider.h"
 #include "calendar/view/calendarview.h"
 #include "calendar/view/daypane.h"
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>

@@ -3,8 +3,8 @@
 #include "calendar/view/daypane.h"
 #include "rules/regles.h"
 #include "shell/appstate.h"
-#include "shell/config.h"
-#include "shell/horloge.h"
+#include "shell/base/config.h"
+#include "shell/base/horloge.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -37,7 +37,7 @@ private:
         r.TypeText = QStringLiteral("Consultation");
         r.TypeColor = couleur;
         QString erreur;
-        QVERIFY2(AjouterRegle(*appState().ConfigDb, r, &erreur) != 0, qPrintable(erreur));
+        QVERIFY2(AjouterRegle(*ConfigOuverte(), r, &erreur) != 0, qPrintable(erreur));
     }
 
 private Q_SLOTS:

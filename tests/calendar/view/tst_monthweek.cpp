@@ -4,7 +4,7 @@
 #include "calendar/view/monthlayout.h"
 #include "calendar/view/monthpane.h"
 #include "calendar/view/weekpane.h"
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>

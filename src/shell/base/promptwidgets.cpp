@@ -1,4 +1,4 @@
-#include "shell/promptwidgets.h"
+#include "shell/base/promptwidgets.h"
 
 #include <QAbstractButton>
 #include <QApplication>

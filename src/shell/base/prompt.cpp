@@ -1,4 +1,4 @@
-#include "shell/prompt.h"
+#include "shell/base/prompt.h"
 
 #include <cstdio>
 

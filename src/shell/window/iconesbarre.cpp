@@ -1,4 +1,4 @@
-#include "shell/iconesbarre.h"
+#include "shell/window/iconesbarre.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,4 +1,4 @@
-#include "shell/registre.h"
+#include "shell/base/registre.h"
 
 #include <QSettings>
 

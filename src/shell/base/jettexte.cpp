@@ -1,4 +1,4 @@
-#include "shell/jettexte.h"
+#include "shell/base/jettexte.h"
 
 #include <QList>
 

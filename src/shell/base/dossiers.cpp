@@ -1,6 +1,6 @@
-#include "shell/dossiers.h"
+#include "shell/base/dossiers.h"
 
-#include "shell/support.h"
+#include "shell/base/support.h"
 
 #include <QCoreApplication>
 #include <QDir>

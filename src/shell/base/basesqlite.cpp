@@ -1,6 +1,6 @@
-#include "shell/basesqlite.h"
+#include "shell/base/basesqlite.h"
 
-#include "shell/jettexte.h"
+#include "shell/base/jettexte.h"
 
 #include <QAtomicInteger>
 #include <QDir>

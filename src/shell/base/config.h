@@ -45,10 +45,14 @@ private:
     QString m_erreur;
 };
 
-// The settings of table Ini through the configuration opened at start-up
-// (AppState::ConfigDb).
+// The settings of table Ini through the configuration opened at start-up.
 bool OuvrirConfig(const QString &chemin);
 void FermerConfig();
+// The configuration opened by OuvrirConfig, null when none is.
+[[nodiscard]] std::shared_ptr<ConfigIni> ConfigOuverte();
+// Puts another configuration in its place (null closes it): a tool that
+// borrows the state gives back the one it found.
+void FixerConfig(std::shared_ptr<ConfigIni> config);
 // A failure of the table is reported to the user ("Erreur" box) and reads as
 // the default; nothing else stops.
 [[nodiscard]] QString LireConfig(const QString &section, const QString &item, const QString &defaut);

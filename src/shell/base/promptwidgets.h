@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/prompt.h"
+#include "shell/base/prompt.h"
 
 class QWidget;
 

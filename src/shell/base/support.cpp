@@ -1,9 +1,9 @@
-#include "shell/support.h"
+#include "shell/base/support.h"
 
-#include "shell/cp1252.h"
-#include "shell/horloge.h"
-#include "shell/nombres.h"
-#include "shell/prompt.h"
+#include "shell/base/cp1252.h"
+#include "shell/base/horloge.h"
+#include "shell/base/nombres.h"
+#include "shell/base/prompt.h"
 
 #include <QCoreApplication>
 #include <QCursor>

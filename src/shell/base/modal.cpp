@@ -1,4 +1,4 @@
-#include "shell/modal.h"
+#include "shell/base/modal.h"
 
 #include <QDialog>
 

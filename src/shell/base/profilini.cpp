@@ -1,7 +1,7 @@
-#include "shell/profilini.h"
+#include "shell/base/profilini.h"
 
-#include "shell/cp1252.h"
-#include "shell/dossiers.h"
+#include "shell/base/cp1252.h"
+#include "shell/base/dossiers.h"
 
 #include <QFile>
 #include <QSaveFile>

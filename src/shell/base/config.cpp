@@ -1,8 +1,7 @@
-#include "shell/config.h"
+#include "shell/base/config.h"
 
-#include "shell/appstate.h"
-#include "shell/basesqlite.h"
-#include "shell/prompt.h"
+#include "shell/base/basesqlite.h"
+#include "shell/base/prompt.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
@@ -91,23 +90,43 @@ bool ConfigIni::supprimerReservation(const QString &valeur)
     return q.exec() || echec(q);
 }
 
+namespace {
+
+std::shared_ptr<ConfigIni> &configCourante()
+{
+    static std::shared_ptr<ConfigIni> config;
+    return config;
+}
+
+} // namespace
+
+std::shared_ptr<ConfigIni> ConfigOuverte()
+{
+    return configCourante();
+}
+
+void FixerConfig(std::shared_ptr<ConfigIni> config)
+{
+    configCourante() = std::move(config);
+}
+
 bool OuvrirConfig(const QString &chemin)
 {
     auto config = ConfigIni::ouvrir(chemin);
     if (!config)
         return false;
-    appState().ConfigDb = std::move(config);
+    configCourante() = std::move(config);
     return true;
 }
 
 void FermerConfig()
 {
-    appState().ConfigDb.reset();
+    configCourante().reset();
 }
 
 QString LireConfig(const QString &section, const QString &item, const QString &defaut)
 {
-    auto &config = appState().ConfigDb;
+    auto &config = configCourante();
     if (!config)
         return defaut;
     return config->lire(section, item, defaut);
@@ -115,7 +134,7 @@ QString LireConfig(const QString &section, const QString &item, const QString &d
 
 void EcrireConfig(const QString &section, const QString &item, const QString &valeur)
 {
-    auto &config = appState().ConfigDb;
+    auto &config = configCourante();
     if (!config)
         return;
     if (!config->ecrire(section, item, valeur))
@@ -127,7 +146,7 @@ void EcrireConfig(const QString &section, const QString &item, const QString &va
 
 void SupprimerReservation(const QString &valeur)
 {
-    auto &config = appState().ConfigDb;
+    auto &config = configCourante();
     if (config)
         config->supprimerReservation(valeur);
 }

@@ -1,4 +1,4 @@
-#include "shell/nombres.h"
+#include "shell/base/nombres.h"
 
 #include <cmath>
 #include <limits>

@@ -1,6 +1,6 @@
 // The main window's commands on appointments and its reminder routing.
 
-#include "shell/frmmain.h"
+#include "shell/window/frmmain.h"
 
 #include "appointments/frmeditevent.h"
 #include "appointments/frmeditrecurrence.h"
@@ -8,9 +8,9 @@
 #include "calendar/view/calendarview.h"
 #include "calendar/view/datepicker.h"
 #include "shell/appstate.h"
-#include "shell/horloge.h"
-#include "shell/modal.h"
-#include "shell/prompt.h"
+#include "shell/base/horloge.h"
+#include "shell/base/modal.h"
+#include "shell/base/prompt.h"
 #include "shell/regleslignedate.h"
 
 #include <QAction>

@@ -1,4 +1,4 @@
-#include "shell/horloge.h"
+#include "shell/base/horloge.h"
 
 namespace {
 QDateTime g_fixe;

@@ -1,4 +1,4 @@
-#include "shell/frmmain.h"
+#include "shell/window/frmmain.h"
 
 #include "appointments/impressionticket.h"
 #include "appointments/miroir.h"
@@ -10,9 +10,9 @@
 #include "patients/bouclesrecherche.h"
 #include "patients/gestiontype.h"
 #include "shell/appstate.h"
-#include "shell/horloge.h"
-#include "shell/iconesbarre.h"
-#include "shell/prompt.h"
+#include "shell/base/horloge.h"
+#include "shell/window/iconesbarre.h"
+#include "shell/base/prompt.h"
 #include "shell/regleslignedate.h"
 
 #include <QAction>

@@ -1,4 +1,4 @@
-#include "shell/cp1252.h"
+#include "shell/base/cp1252.h"
 
 #include <QStringDecoder>
 #include <QStringEncoder>

@@ -1,7 +1,7 @@
-#include "shell/supportui.h"
+#include "shell/base/supportui.h"
 
-#include "shell/prompt.h"
-#include "shell/support.h"
+#include "shell/base/prompt.h"
+#include "shell/base/support.h"
 
 #include <QAbstractItemModel>
 #include <QApplication>
