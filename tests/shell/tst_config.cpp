@@ -62,6 +62,12 @@ private Q_SLOTS:
         EcrireConfig(QStringLiteral("praticien1"), QStringLiteral("NOM"), QStringLiteral("Dr Durand"));
         QCOMPARE(lignes(QStringLiteral("SELECT count(*) FROM Ini")), 1);
         QCOMPARE(LireConfig(QStringLiteral("Praticien1"), QStringLiteral("Nom"), QString()), QStringLiteral("Dr Durand"));
+        // Accented letters too: one row, found and replaced whatever the case.
+        EcrireConfig(QString::fromUtf8("Réservé"), QString::fromUtf8("Élément"), QStringLiteral("1"));
+        QCOMPARE(LireConfig(QString::fromUtf8("RÉSERVÉ"), QString::fromUtf8("élément"), QString()), QStringLiteral("1"));
+        EcrireConfig(QString::fromUtf8("rÉservé"), QString::fromUtf8("ÉLÉMENT"), QStringLiteral("2"));
+        QCOMPARE(lignes(QStringLiteral("SELECT count(*) FROM Ini")), 2);
+        QCOMPARE(LireConfig(QString::fromUtf8("Réservé"), QString::fromUtf8("Élément"), QString()), QStringLiteral("2"));
         // The same item in two sections is two values.
         EcrireConfig(QStringLiteral("SMS"), QStringLiteral("First"), QStringLiteral("A"));
         EcrireConfig(QStringLiteral("Mails"), QStringLiteral("First"), QStringLiteral("B"));

@@ -49,30 +49,54 @@ bool ConfigIni::echec(const QSqlQuery &q)
     return false;
 }
 
+// Sections and items match without regard to case, accented letters
+// included: the index of the table folds ASCII only, so a row that it misses
+// is looked for again through the practice's folding ("plier").
+namespace {
+
+const QString selectionExacte = QStringLiteral("Section = ? AND Item = ?");
+const QString selectionPliee = QStringLiteral("plier(Section) = plier(?) AND plier(Item) = plier(?)");
+
+} // namespace
+
 QString ConfigIni::lire(const QString &section, const QString &item, const QString &defaut)
 {
-    QSqlQuery &q = requete(QStringLiteral("SELECT Valeur FROM Ini WHERE Section = ? AND Item = ?"));
-    q.bindValue(0, section);
-    q.bindValue(1, item);
-    if (!q.exec()) {
-        echec(q);
-        Prompt::informer(QStringLiteral("Erreur"),
-                         QStringLiteral("Lecture de la configuration impossible (%1 / %2) :\n%3").arg(section, item, m_erreur),
-                         Prompt::Icone::Critique);
-        return defaut;
-    }
-    if (!q.next()) {
+    for (const QString &selection : {selectionExacte, selectionPliee}) {
+        QSqlQuery &q = requete(QStringLiteral("SELECT Valeur FROM Ini WHERE ") + selection);
+        q.bindValue(0, section);
+        q.bindValue(1, item);
+        if (!q.exec()) {
+            echec(q);
+            Prompt::informer(QStringLiteral("Erreur"),
+                             QStringLiteral("Lecture de la configuration impossible (%1 / %2) :\n%3").arg(section, item, m_erreur),
+                             Prompt::Icone::Critique);
+            return defaut;
+        }
+        if (q.next()) {
+            const QString valeur = q.value(0).toString();
+            q.finish();
+            return valeur.isEmpty() ? defaut : valeur;
+        }
         q.finish();
-        return defaut;
     }
-    const QString valeur = q.value(0).toString();
-    q.finish();
-    return valeur.isEmpty() ? defaut : valeur;
+    return defaut;
 }
 
 bool ConfigIni::ecrire(const QString &section, const QString &item, const QString &valeur)
 {
-    // One statement: the row is added or its value replaced, never both.
+    // The row found either way takes the value; only a row found by neither
+    // is added (one statement, so that two stations never add it twice).
+    for (const QString &selection : {selectionExacte, selectionPliee}) {
+        QSqlQuery q(m_base->db());
+        q.prepare(QStringLiteral("UPDATE Ini SET Valeur = ? WHERE ") + selection);
+        q.addBindValue(valeur);
+        q.addBindValue(section);
+        q.addBindValue(item);
+        if (!q.exec())
+            return echec(q);
+        if (q.numRowsAffected() > 0)
+            return true;
+    }
     QSqlQuery q(m_base->db());
     q.prepare(QStringLiteral("INSERT INTO Ini (Section, Item, Valeur) VALUES (?, ?, ?) "
                              "ON CONFLICT (Section, Item) DO UPDATE SET Valeur = excluded.Valeur"));
