@@ -1,12 +1,15 @@
 #include "patients/liaisons.h"
 
 #include "shell/appstate.h"
+#include "shell/base/basesqlite.h"
 #include "shell/base/dossiers.h"
 #include "shell/base/profilini.h"
 #include "shell/base/support.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSqlQuery>
+#include <QVariant>
 
 QString DossierConfig;
 QString ChoixBase;
@@ -113,4 +116,18 @@ LiaisonZek LireLiaisonZek(const QString &fichierZek)
         l.path = AjouterSlash(l.path) + QStringLiteral("Patients.mdb");
     l.identity = LireIni(QStringLiteral("Base"), QStringLiteral("IdentifiantBase"), QString(), fichierZek);
     return l;
+}
+
+QString IdentifiantDansBase(const QString &cheminPatients)
+{
+    auto base = BaseSqlite::ouvrir(cheminPatients, BaseSqlite::Mode::Lecture);
+    if (!base)
+        return {};
+    QSqlQuery q(base->db());
+    q.setForwardOnly(true);
+    if (!q.exec(QStringLiteral("SELECT Base FROM Signaletiques WHERE Base <> 'Agenda' AND Base <> '' "
+                               "GROUP BY Base ORDER BY count(*) DESC LIMIT 1"))
+        || !q.next())
+        return {};
+    return q.value(0).toString();
 }

@@ -69,3 +69,8 @@ struct LiaisonZek
     QString identity;
 };
 [[nodiscard]] LiaisonZek LireLiaisonZek(const QString &fichierZek);
+
+// The identifier that a linked base gives its rows (the commonest value of
+// column Base other than "Agenda"); empty when it holds none or cannot be
+// read.
+[[nodiscard]] QString IdentifiantDansBase(const QString &cheminPatients);

@@ -88,12 +88,10 @@ QString NomJourRegle(int jourNumero)
     return nomsJours()[static_cast<std::size_t>(jourNumero)];
 }
 
-qint32 AjouterRegle(ConfigIni &config, const Regle &regle, QString *erreur)
+namespace {
+
+void lierRegle(QSqlQuery &q, const Regle &regle)
 {
-    QSqlQuery q(config.base().db());
-    q.prepare(QStringLiteral("INSERT INTO Regles (DateDebut, DateFin, HeureDebut, HeureFin, JourNumero, Jour, Semaine, "
-                             "PraticienNumero, Praticien, TypeRV, TypeText, TypeColor) "
-                             "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
     // Dates and hours are bound as our own texts: Qt would write a QTime
     // with milliseconds, and "12:00:00.000" sorts after "12:00:00".
     q.addBindValue(valeurOuNull(texteDate(regle.DateDebut)));
@@ -108,12 +106,93 @@ qint32 AjouterRegle(ConfigIni &config, const Regle &regle, QString *erreur)
     q.addBindValue(static_cast<int>(regle.TypeRV));
     q.addBindValue(regle.TypeText);
     q.addBindValue(regle.TypeColor);
+}
+
+const QString colonnesRegle = QStringLiteral("DateDebut, DateFin, HeureDebut, HeureFin, JourNumero, Jour, Semaine, "
+                                             "PraticienNumero, Praticien, TypeRV, TypeText, TypeColor");
+
+bool executerRegles(QSqlQuery &q, QString *erreur)
+{
+    if (q.exec())
+        return true;
+    if (erreur)
+        *erreur = QStringLiteral("Enregistrement de la règle impossible : %1").arg(q.lastError().text());
+    return false;
+}
+
+} // namespace
+
+qint32 AjouterRegle(ConfigIni &config, const Regle &regle, QString *erreur)
+{
+    QSqlQuery q(config.base().db());
+    q.prepare(QStringLiteral("INSERT INTO Regles (%1) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)").arg(colonnesRegle));
+    lierRegle(q, regle);
+    return executerRegles(q, erreur) ? q.lastInsertId().toInt() : 0;
+}
+
+bool ModifierRegle(ConfigIni &config, const Regle &regle, QString *erreur)
+{
+    QSqlQuery q(config.base().db());
+    q.prepare(QStringLiteral("UPDATE Regles SET DateDebut = ?, DateFin = ?, HeureDebut = ?, HeureFin = ?, JourNumero = ?, "
+                             "Jour = ?, Semaine = ?, PraticienNumero = ?, Praticien = ?, TypeRV = ?, TypeText = ?, "
+                             "TypeColor = ? WHERE Compteur = ?"));
+    lierRegle(q, regle);
+    q.addBindValue(regle.Compteur);
+    return executerRegles(q, erreur);
+}
+
+bool SupprimerRegle(ConfigIni &config, qint32 compteur, QString *erreur)
+{
+    QSqlQuery q(config.base().db());
+    q.prepare(QStringLiteral("DELETE FROM Regles WHERE Compteur = ?"));
+    q.addBindValue(compteur);
+    return executerRegles(q, erreur);
+}
+
+int DeplacerDateFin(ConfigIni &config, const QDate &ancienne, const QDate &nouvelle, QString *erreur)
+{
+    QSqlQuery q(config.base().db());
+    q.prepare(QStringLiteral("UPDATE Regles SET DateFin = ? WHERE DateFin = ?"));
+    q.addBindValue(texteDate(nouvelle));
+    q.addBindValue(texteDate(ancienne));
+    return executerRegles(q, erreur) ? q.numRowsAffected() : -1;
+}
+
+QList<Regle> ListerRegles(ConfigIni &config, int jourNumero, const QDate &dateFinMin, QString *erreur)
+{
+    QList<Regle> regles;
+    QSqlQuery q(config.base().db());
+    q.setForwardOnly(true);
+    QString sql = QStringLiteral("SELECT Compteur, %1 FROM Regles WHERE JourNumero = ?").arg(colonnesRegle);
+    if (dateFinMin.isValid())
+        sql += QStringLiteral(" AND DateFin >= ?");
+    q.prepare(sql + QStringLiteral(" ORDER BY Compteur"));
+    q.addBindValue(jourNumero);
+    if (dateFinMin.isValid())
+        q.addBindValue(texteDate(dateFinMin));
     if (!q.exec()) {
         if (erreur)
-            *erreur = QStringLiteral("Enregistrement de la règle impossible : %1").arg(q.lastError().text());
-        return 0;
+            *erreur = q.lastError().text();
+        return regles;
     }
-    return q.lastInsertId().toInt();
+    while (q.next()) {
+        Regle r;
+        r.Compteur = q.value(0).toInt();
+        r.DateDebut = QDate::fromString(q.value(1).toString().left(10), QStringLiteral("yyyy-MM-dd"));
+        r.DateFin = QDate::fromString(q.value(2).toString().left(10), QStringLiteral("yyyy-MM-dd"));
+        r.HeureDebut = lireHeure(q.value(3).toString().right(8));
+        r.HeureFin = lireHeure(q.value(4).toString().right(8));
+        r.JourNumero = static_cast<qint16>(q.value(5).toInt());
+        r.Jour = q.value(6).toString();
+        r.Semaine = static_cast<qint16>(q.value(7).toInt());
+        r.PraticienNumero = static_cast<qint16>(q.value(8).toInt());
+        r.Praticien = q.value(9).toString();
+        r.TypeRV = static_cast<qint16>(q.value(10).toInt());
+        r.TypeText = q.value(11).toString();
+        r.TypeColor = q.value(12).toInt();
+        regles.append(r);
+    }
+    return regles;
 }
 
 RegleMatch GetRegleForDate(ConfigIni &config, const QDateTime &when, QString *erreur)

@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QDateTime>
+#include <QList>
 #include <QString>
 #include <QTime>
 
@@ -51,6 +52,18 @@ struct Regle
 // Adds the rule as the newest one (its Compteur is ignored) and returns the
 // Compteur given to it, or 0 on a failure (French description in *erreur).
 qint32 AjouterRegle(ConfigIni &config, const Regle &regle, QString *erreur = nullptr);
+
+// Writes the rule over the row of its Compteur, which it keeps (and with it
+// its precedence).
+bool ModifierRegle(ConfigIni &config, const Regle &regle, QString *erreur = nullptr);
+bool SupprimerRegle(ConfigIni &config, qint32 compteur, QString *erreur = nullptr);
+// Moves every rule ending on one date to end on another, whatever its
+// weekday. The number of rules moved, -1 on a failure.
+int DeplacerDateFin(ConfigIni &config, const QDate &ancienne, const QDate &nouvelle, QString *erreur = nullptr);
+// The rules of a weekday (1 = Sunday) in the order of their Compteur; with a
+// valid date, only those that end on it or later.
+[[nodiscard]] QList<Regle> ListerRegles(ConfigIni &config, int jourNumero, const QDate &dateFinMin = {},
+                                        QString *erreur = nullptr);
 
 // Creates Config.mdb in the data folder (path + "Config.mdb") with the tables
 // Ini and Regles. Returns false, with a French description in *erreur, when

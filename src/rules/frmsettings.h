@@ -1,0 +1,86 @@
+#pragma once
+
+#include "calendar/calendarlabel.h"
+#include "rules/reglages.h"
+
+#include <QDialog>
+
+#include <array>
+
+class QComboBox;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+class QTabWidget;
+class QTableWidget;
+
+// "Configuration....": the practice as a whole (hours, the two
+// practitioners, the seven types and their colours, the links to the
+// patient bases) and, on its last tab, the schedule rules.
+class frmSettings final : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit frmSettings(QWidget *parent = nullptr);
+
+    QTabWidget *SSTab1 = nullptr;
+    QComboBox *cbOuverture = nullptr;
+    QComboBox *cbFermeture = nullptr;
+    QComboBox *cbDebutPause = nullptr;
+    QComboBox *cbFinPause = nullptr;
+    QComboBox *cmbRDVMn = nullptr;
+    std::array<QLineEdit *, 2> txtPraticien{};
+    std::array<QLineEdit *, 2> txtInitiales{};
+    std::array<QComboBox *, 2> Combo1{};    // colour families
+    std::array<QLineEdit *, 7> txtType{};
+    std::array<QPushButton *, 7> PicColor1{};
+    std::array<QPushButton *, 7> PicColor2{};
+    std::array<QLineEdit *, 3> DBPath{};     // slots 1 and 2 (0 unused)
+    std::array<QLineEdit *, 3> DBIdentity{};
+    std::array<QPushButton *, 3> DBpathDialog{};
+    QPushButton *btnLiaisons = nullptr;      // frmZek_AG2, the four slots
+    // The rule tab.
+    std::array<QRadioButton *, 8> optDay{};  // 1 = Sunday ... 7 = Saturday
+    std::array<QRadioButton *, 2> OpDate{};
+    QLineEdit *mebDateFinRegle = nullptr;
+    QTableWidget *grdRegles = nullptr;
+    QPushButton *btnAjouterRegle = nullptr;
+    QPushButton *btnEditerRegle = nullptr;
+    QPushButton *btnDupliquerRegle = nullptr;
+    QPushButton *btnSupprimerRegle = nullptr;
+    QPushButton *Command1 = nullptr;
+    QPushButton *cmdOk = nullptr;
+    QPushButton *cmdCancel = nullptr;
+
+    // The labels of the calendar as the last save left them.
+    [[nodiscard]] const CalendarLabelList &libelles() const { return m_libelles; }
+    [[nodiscard]] const ReglagesCabinet &reglages() const { return m_reglages; }
+
+    // The saving procedure (also run before the rule dialog opens, so that
+    // it offers the names as typed).
+    void Enregistrer();
+    void cmdOk_Click();
+    void ajouterRegle();
+    void editerRegle(bool dupliquer);
+    void supprimerRegle();
+    void changerDateFin();
+    void filtrer();
+
+private:
+    QWidget *ongletGeneral();
+    QWidget *ongletBases();
+    QWidget *ongletRegles();
+    void charger();
+    void choisirFamille(int praticien, int famille);
+    void choisirCouleur(QPushButton *bouton);
+    void choisirBase(int slot);
+    void lireLiaisons();
+    [[nodiscard]] int jourChoisi() const;
+    [[nodiscard]] qint32 regleCourante() const;
+    void selectionnerRegle(qint32 compteur);
+    void signalerErreur(const QString &texte);
+
+    ReglagesCabinet m_reglages;
+    CalendarLabelList m_libelles;
+};
