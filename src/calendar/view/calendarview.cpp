@@ -70,6 +70,9 @@ CalendarView::CalendarView(QWidget *parent) : QWidget(parent), m_theme(CalendarT
                 [this, pane](const QPoint &p) { emit rightClicked(pane->mapTo(this, p)); });
     }
     m_stack->setCurrentWidget(m_dayPane);
+    m_currentZone = FuseauCourant();
+    // The second scale starts on the workstation's own zone.
+    m_options.additionalTimeZone = m_currentZone;
     m_anchor = Horloge::aujourdhui();
     layOutDays();
 }
@@ -205,6 +208,25 @@ void CalendarView::setScrolling(bool dayVertical, bool dayHorizontal, bool weekV
     m_monthPane->setScrollingEnabled(monthVertical, false);
 }
 
+const CalendarOptions &CalendarView::options() const { return m_options; }
+
+void CalendarView::setOptions(const CalendarOptions &options)
+{
+    m_options = options;
+    panesChanged();
+}
+
+const FuseauHoraire &CalendarView::currentTimeZone() const { return m_currentZone; }
+
+bool CalendarView::editSelectedSubject()
+{
+    if (!m_options.editSubjectByF2 || currentPane() != m_dayPane || m_selectedEvents.size() != 1)
+        return false;
+    if (isOperationRefused(OpEditSubjectByF2, m_selectedEvents))
+        return false;
+    return m_dayPane->editSubject(m_selectedEvents.first());
+}
+
 bool CalendarView::CanCut() const { return !m_selectedEvents.isEmpty() && m_provider; }
 
 bool CalendarView::CanCopy() const { return !m_selectedEvents.isEmpty(); }
@@ -326,6 +348,10 @@ CalendarPane *CalendarView::currentPane() const { return paneFor(m_type); }
 void CalendarView::keyPressEvent(QKeyEvent *event)
 {
     emit keyPressed(event->key());
+    if (event->key() == Qt::Key_F2 && editSelectedSubject()) {
+        event->accept();
+        return;
+    }
     if (event->key() == Qt::Key_Delete && !m_selectedEvents.isEmpty()) {
         deleteSelected(true);
         event->accept();

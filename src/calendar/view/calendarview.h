@@ -80,6 +80,17 @@ public:
     // Scroll switches of the advanced options.
     void setScrolling(bool dayVertical, bool dayHorizontal, bool weekVertical, bool monthVertical);
 
+    // Options of the session (in-place editing, time scale, time mark, the
+    // second time scale); setting them redraws.
+    [[nodiscard]] const CalendarOptions &options() const;
+    void setOptions(const CalendarOptions &options);
+    // The workstation's zone, that of the main time scale.
+    [[nodiscard]] const FuseauHoraire &currentTimeZone() const;
+    // F2: the subject editor over the one selected appointment of the day
+    // views. False when the option is off, the guard refuses, or there is no
+    // such appointment.
+    bool editSelectedSubject();
+
     [[nodiscard]] bool CanCut() const;
     [[nodiscard]] bool CanCopy() const;
     [[nodiscard]] bool CanPaste() const;
@@ -156,6 +167,8 @@ private:
     QDate m_anchor;
     QList<QDate> m_days;
     CalendarSelection m_selection;
+    CalendarOptions m_options;
+    FuseauHoraire m_currentZone;
     QList<CalendarEventPtr> m_selectedEvents;
     QList<CalendarEventPtr> m_events;
     QList<CalendarEventPtr> m_clipboard;

@@ -4,13 +4,17 @@
 #include "calendar/view/daylayout.h"
 #include "calendar/view/monthlayout.h"
 #include "shell/base/horloge.h"
+#include "shell/base/prompt.h"
+#include "shell/optionsavancees.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QTextLayout>
+#include <QTimer>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -21,6 +25,7 @@ namespace {
 constexpr int kEdge = 4;       // pixels of an appointment's top and bottom edges that resize it
 constexpr int kRightGap = 6;   // free strip at the right of a column, to reach the cells
 constexpr int kLeftBar = 5;    // the darker bar at the left of an appointment
+const QColor kTimeMark(224, 96, 16);
 
 // Minutes from 00:00 of day to a moment, clipped to the day (0 to 1440).
 int minutesInDay(const QDate &day, const QDateTime &moment)
@@ -109,6 +114,14 @@ DayPane::DayPane(CalendarView *view, QWidget *parent) : CalendarPane(view, paren
         m_scroll = value;
         update();
     });
+    // The current-time line moves with the clock.
+    auto *clock = new QTimer(this);
+    clock->setInterval(30 * 1000);
+    connect(clock, &QTimer::timeout, this, [this] {
+        if (ChoixMarqueHeure(m_view->options().timeMarkMode) != MarqueHeure::Jamais)
+            update();
+    });
+    clock->start();
     relayout();
 }
 
@@ -127,6 +140,7 @@ QList<QDate> DayPane::daysFor(const QDate &anchor) const
 
 void DayPane::setDays(const QList<QDate> &days)
 {
+    finishSubjectEdit(false);
     m_days = days;
     // Anchors of a mouse selection belong to the days that were on show.
     m_anchorCell = QDateTime();
@@ -284,7 +298,15 @@ void DayPane::relayout()
     QFont big = font();
     big.setBold(true);
     big.setPixelSize(std::max(1, fm.height() * 3 / 2));
-    m_timeWidth = QFontMetrics(big).horizontalAdvance(QStringLiteral("00")) + fm.horizontalAdvance(QStringLiteral("00")) + 16;
+    m_scaleWidth = QFontMetrics(big).horizontalAdvance(QStringLiteral("00")) + fm.horizontalAdvance(QStringLiteral("00")) + 16;
+    const CalendarOptions &options = m_view->options();
+    m_timeWidth = options.showAdditionalTimeZone ? 2 * m_scaleWidth : m_scaleWidth;
+    // The second scale is shifted by the difference of the zones on the
+    // first shown day.
+    m_additionalOffset = options.showAdditionalTimeZone && !m_days.isEmpty()
+                             ? DecalageEntre(m_view->currentTimeZone(), options.additionalTimeZone,
+                                             QDateTime(m_days.first(), QTime(12, 0)))
+                             : 0;
 
     m_boxes.clear();
     const QList<CalendarEventPtr> &events = m_view->shownEvents();
@@ -390,8 +412,10 @@ void DayPane::paintEvent(QPaintEvent *event)
     const QRect clip = event->rect();
     p.fillRect(rect(), t.window);
     paintCells(p, clip);
+    paintTimeMark(p);
     paintTimeScale(p);
     paintHeader(p, clip);
+    paintCaptions(p);
     paintAllDayBand(p);
     paintDragGhost(p);
 }
@@ -486,11 +510,20 @@ void DayPane::paintCells(QPainter &p, const QRect &clip)
 
 void DayPane::paintTimeScale(QPainter &p)
 {
-    const CalendarTheme &t = m_view->themeColors();
     const QRect r = timeScaleRect();
+    p.fillRect(r, m_view->themeColors().timeScaleBack);
+    // The second scale stands at the left, the main one beside the cells.
+    if (m_timeWidth > m_scaleWidth)
+        paintScale(p, QRect(r.left(), r.top(), m_scaleWidth, r.height()), m_additionalOffset);
+    paintScale(p, QRect(r.left() + m_timeWidth - m_scaleWidth, r.top(), m_scaleWidth, r.height()), 0);
+}
+
+void DayPane::paintScale(QPainter &p, const QRect &r, int offset)
+{
+    const CalendarTheme &t = m_view->themeColors();
+    const bool showMinutes = m_view->options().showMinutes;
     p.save();
     p.setClipRect(r);
-    p.fillRect(r, t.timeScaleBack);
     QFont hourFont = font();
     hourFont.setBold(true);
     const int rowsPerHour = std::max(1, 60 / scale());
@@ -503,27 +536,63 @@ void DayPane::paintTimeScale(QPainter &p)
     for (int row = firstRow; row <= lastRow; ++row) {
         const int y = r.top() - m_scroll + row * m_rowHeight;
         const int minute = row * scale();
+        // The time this row stands for on this scale's clock.
+        const int shown = ((minute + offset) % (24 * 60) + 24 * 60) % (24 * 60);
+        const QString minutes = QStringLiteral("%1").arg(shown % 60, 2, 10, QLatin1Char('0'));
         p.setPen(t.gridLine);
         if ((row + 1) % rowsPerHour == 0)
-            p.drawLine(4, y + m_rowHeight - 1, r.right() - 2, y + m_rowHeight - 1);
+            p.drawLine(r.left() + 4, y + m_rowHeight - 1, r.right() - 2, y + m_rowHeight - 1);
         else
             p.drawLine(split, y + m_rowHeight - 1, r.right() - 2, y + m_rowHeight - 1);
         p.setPen(t.timeScaleText);
         if (minute % 60 == 0) {
             p.setFont(hourFont);
-            p.drawText(QRect(0, y + 1, split, rowsPerHour * m_rowHeight - 2), Qt::AlignRight | Qt::AlignTop,
-                       QString::number(minute / 60));
+            p.drawText(QRect(r.left(), y + 1, split - r.left(), rowsPerHour * m_rowHeight - 2), Qt::AlignRight | Qt::AlignTop,
+                       QString::number(shown / 60));
             p.setFont(small);
-            p.drawText(QRect(split + 2, y + 1, r.right() - split - 2, m_rowHeight), Qt::AlignLeft | Qt::AlignTop,
-                       QStringLiteral("00"));
-        } else if (m_rowHeight >= fm.height()) {
+            p.drawText(QRect(split + 2, y + 1, r.right() - split - 2, m_rowHeight), Qt::AlignLeft | Qt::AlignTop, minutes);
+        } else if (showMinutes && m_rowHeight >= fm.height()) {
             p.setFont(small);
-            p.drawText(QRect(split + 2, y + 1, r.right() - split - 2, m_rowHeight), Qt::AlignLeft | Qt::AlignTop,
-                       QStringLiteral("%1").arg(minute % 60, 2, 10, QLatin1Char('0')));
+            p.drawText(QRect(split + 2, y + 1, r.right() - split - 2, m_rowHeight), Qt::AlignLeft | Qt::AlignTop, minutes);
         }
     }
     p.setPen(t.gridLine);
     p.drawLine(r.right(), r.top(), r.right(), r.bottom());
+    p.restore();
+}
+
+void DayPane::paintCaptions(QPainter &p)
+{
+    const CalendarOptions &options = m_view->options();
+    const QFontMetrics fm(font());
+    const int top = bodyTop() - fm.height() - 2;
+    auto caption = [&](int left, const QString &text) {
+        if (text.isEmpty())
+            return;
+        const QRect r(left + 2, top, m_scaleWidth - 4, fm.height());
+        p.drawText(r, Qt::AlignCenter, fm.elidedText(text, Qt::ElideRight, r.width()));
+    };
+    p.save();
+    p.setPen(m_view->themeColors().timeScaleText);
+    if (m_timeWidth > m_scaleWidth)
+        caption(0, options.additionalTimeScaleCaption);
+    caption(m_timeWidth - m_scaleWidth, options.timeScaleCaption);
+    p.restore();
+}
+
+void DayPane::paintTimeMark(QPainter &p)
+{
+    const int mode = m_view->options().timeMarkMode;
+    const QDateTime now = Horloge::maintenant();
+    const int y = bodyTop() - m_scroll + (now.time().hour() * 60 + now.time().minute()) * m_rowHeight / scale();
+    if (y < bodyTop() || y >= height())
+        return;
+    p.save();
+    p.setPen(QPen(kTimeMark, 2));
+    for (int d = 0; d < m_days.size(); ++d) {
+        if (MarqueHeureSurJour(mode, m_days.at(d), now.date(), false))
+            p.drawLine(columnLeft(d), y, columnRight(d) - 1, y);
+    }
     p.restore();
 }
 
@@ -904,4 +973,94 @@ void DayPane::wheelEvent(QWheelEvent *event)
     if (steps != 0)
         setScrollPosition(m_scroll - steps * 3 * m_rowHeight);
     event->accept();
+}
+
+// ------------------------------------------------------- in-place editing
+
+bool DayPane::editSubject(const CalendarEventPtr &event)
+{
+    if (!event)
+        return false;
+    finishSubjectEdit(false);
+    if (!inBand(event))
+        ensureVisible(event->StartDateTime());
+    QRect r = eventRect(event);
+    if (r.isEmpty())
+        return false;
+    if (!m_subjectEditor) {
+        m_subjectEditor = new QLineEdit(this);
+        m_subjectEditor->setObjectName(QStringLiteral("subjectEditor"));
+        m_subjectEditor->installEventFilter(this);
+        connect(m_subjectEditor, &QLineEdit::returnPressed, this, [this] { finishSubjectEdit(true); });
+    }
+    m_editedEvent = event;
+    // Over the top of the box, as high as a line of text needs.
+    r.setHeight(m_subjectEditor->sizeHint().height());
+    if (!inBand(event))
+        r.moveTop(std::clamp(r.top(), bodyTop(), std::max(bodyTop(), height() - r.height())));
+    m_subjectEditor->setGeometry(r.adjusted(kLeftBar, 0, 0, 0));
+    m_subjectEditor->setText(event->Subject());
+    m_subjectEditor->selectAll();
+    m_subjectEditor->show();
+    m_subjectEditor->setFocus(Qt::OtherFocusReason);
+    return true;
+}
+
+QLineEdit *DayPane::subjectEditor() const
+{
+    return m_subjectEditor && m_subjectEditor->isVisible() ? m_subjectEditor : nullptr;
+}
+
+void DayPane::finishSubjectEdit(bool save)
+{
+    if (!m_subjectEditor || !m_editedEvent || m_finishingEdit)
+        return;
+    m_finishingEdit = true;
+    const CalendarEventPtr event = m_editedEvent;
+    const QString text = m_subjectEditor->text();
+    if (save && text != event->Subject()) {
+        const QString before = event->Subject();
+        event->setSubject(text);
+        if (!m_view->commitChangedEvent(event)) {
+            // The text stays in the editor for another try.
+            event->setSubject(before);
+            Prompt::informer(QStringLiteral("Tavonel"),
+                             QStringLiteral("Le sujet du rendez-vous n'a pas pu être enregistré. Le texte saisi reste "
+                                            "affiché : validez à nouveau ou appuyez sur Echap pour abandonner."),
+                             Prompt::Icone::Exclamation);
+            m_subjectEditor->setFocus(Qt::OtherFocusReason);
+            m_finishingEdit = false;
+            return;
+        }
+    }
+    m_editedEvent.clear();
+    const bool hadFocus = m_subjectEditor->hasFocus();
+    m_subjectEditor->hide();
+    if (hadFocus)
+        m_view->setFocus(Qt::OtherFocusReason);
+    m_finishingEdit = false;
+    update();
+}
+
+bool DayPane::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_subjectEditor) {
+        if (event->type() == QEvent::KeyPress) {
+            const int key = static_cast<QKeyEvent *>(event)->key();
+            if (key == Qt::Key_Escape)
+                finishSubjectEdit(false);
+            // F2 again would reach the view and open the editor afresh over
+            // what was typed.
+            if (key == Qt::Key_Escape || key == Qt::Key_F2)
+                return true;
+        }
+        if (event->type() == QEvent::FocusOut) {
+            // Another place of the window takes the focus: the text is kept.
+            // A window or a menu coming over it leaves the editor open.
+            const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
+            if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
+                finishSubjectEdit(true);
+        }
+    }
+    return CalendarPane::eventFilter(watched, event);
 }

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QRect>
 
+class QLineEdit;
 class QScrollBar;
 
 // The time columns of the day and work-week views: a header with the dates,
@@ -32,6 +33,13 @@ public:
     void timeScaleChanged(int oldScale);
     // Scrolls as little as needed for the cell beginning at this time to show.
     void ensureVisible(const QDateTime &time);
+    // Opens the line editor of the subject over the appointment: Enter writes
+    // it through the view as a changed appointment, Escape gives it up, and
+    // leaving it for another place of the window writes it too. False when
+    // the appointment is not on show.
+    bool editSubject(const CalendarEventPtr &event);
+    // The editor while it is open, else null.
+    [[nodiscard]] QLineEdit *subjectEditor() const;
 
     // Geometry in this pane's coordinates, for the view and its tests.
     [[nodiscard]] int rowHeight() const { return m_rowHeight; }
@@ -52,6 +60,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     // An appointment as drawn: body rectangles are in content coordinates
@@ -88,6 +97,11 @@ private:
     void paintAllDayBand(QPainter &p);
     void paintCells(QPainter &p, const QRect &clip);
     void paintTimeScale(QPainter &p);
+    // One scale in r, its hours shifted by offset minutes from the main one.
+    void paintScale(QPainter &p, const QRect &r, int offset);
+    void paintCaptions(QPainter &p);
+    void paintTimeMark(QPainter &p);
+    void finishSubjectEdit(bool save);
     void paintEventBox(QPainter &p, const CalendarEventPtr &event, const QRect &r, bool ghost);
     void paintDragGhost(QPainter &p);
 
@@ -108,7 +122,13 @@ private:
     int m_bandHeight = 0;
     int m_bandRowHeight = 0;
     int m_rowHeight = 20;
-    int m_timeWidth = 56;
+    int m_timeWidth = 56;    // both time scales
+    int m_scaleWidth = 56;   // one of them
+    int m_additionalOffset = 0; // minutes from the main scale to the second one
+
+    QLineEdit *m_subjectEditor = nullptr;
+    CalendarEventPtr m_editedEvent;
+    bool m_finishingEdit = false;
 
     Drag m_drag = Drag::None;
     Drag m_pendingKind = Drag::Move; // what a press on an appointment starts once the mouse moves

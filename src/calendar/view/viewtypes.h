@@ -1,6 +1,7 @@
 #pragma once
 
 #include "calendar/calendarevent.h"
+#include "shell/fuseaux.h"
 
 #include <QColor>
 #include <QDateTime>
@@ -69,6 +70,7 @@ enum CalendarEditOperation : int {
     OpDragCopy = 2,
     OpResizeBegin = 3,
     OpResizeEnd = 4,
+    OpEditSubjectByF2 = 5,
     OpDeleteSelected = 12,
     OpDeleteEvent = 13,
     OpCreateInPlace = 14,
@@ -95,4 +97,34 @@ struct CalendarTheme
     QColor monthOtherMonth;  // month days outside the shown month
 
     [[nodiscard]] static CalendarTheme forNumber(int number);
+};
+
+// Options of the calendar that last for the session only: every start
+// begins with these values, and the advanced options and time zone dialogs
+// change them.
+struct CalendarOptions
+{
+    // In-place editing of an appointment's subject and in-place creation.
+    // Only F2 has an editor in this calendar (the others are kept off).
+    bool editSubjectByMouseClick = false;
+    bool editSubjectAfterResize = false;
+    bool editSubjectByF2 = true;
+    bool editSubjectByTab = false;
+    bool inPlaceCreateEvent = false;
+    // The minutes of every step on the day views' time scale, not only the
+    // hours.
+    bool showMinutes = true;
+    // Kept for the dialogs; the drawing does not depend on them.
+    bool useOutlookFontGlyphs = false;
+    bool enablePrevNextEventButtons = false;
+    // The current-time line (MarqueHeure, plus MarqueHeureImprimee).
+    int timeMarkMode = 1;
+    // Captions above the time scale and the second one, and the zone of the
+    // second scale, drawn beside the first when it is shown.
+    QString timeScaleCaption;
+    QString additionalTimeScaleCaption;
+    bool showAdditionalTimeZone = false;
+    FuseauHoraire additionalTimeZone;
+
+    friend bool operator==(const CalendarOptions &, const CalendarOptions &) = default;
 };

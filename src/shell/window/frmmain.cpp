@@ -311,16 +311,14 @@ void frmMain::construireMenus()
     });
     connect(mnuSettings, &QAction::triggered, this,
             [this] { signalerIndisponible(QStringLiteral("Les options de l'agenda ne sont pas encore disponibles.")); });
-    connect(mnuAdvancedOptions, &QAction::triggered, this,
-            [this] { signalerIndisponible(QStringLiteral("Les options avancées ne sont pas encore disponibles.")); });
+    connect(mnuAdvancedOptions, &QAction::triggered, this, &frmMain::OptionsAvancees);
     connect(mnuSMSConfig, &QAction::triggered, this, [this] {
         signalerIndisponible(QStringLiteral("La configuration des rappels Mails et SMS n'est pas encore disponible."));
     });
     connect(mnuReminders, &QAction::triggered, this, &frmMain::commandeRappels);
     connect(mnuHelp, &QAction::triggered, this, [this] { signalerIndisponible(QStringLiteral("L'aide n'est pas encore disponible.")); });
     connect(mnuAbout, &QAction::triggered, this, &frmMain::aPropos);
-    connect(mnuChangeTimeZone, &QAction::triggered, this,
-            [this] { signalerIndisponible(QStringLiteral("Le changement de fuseau horaire n'est pas encore disponible.")); });
+    connect(mnuChangeTimeZone, &QAction::triggered, this, &frmMain::ChangerDeZone);
 
     connect(mnuOpenEvent, &QAction::triggered, this, [this] {
         if (m_evenementCible)

@@ -182,6 +182,10 @@ public:
     void appliquerTheme(int numero);
     // Reads the calendar again and redraws the picker (Timer1).
     void actualiser();
+    // "Options Avancées" and "Changer de Zone": their dialogs, modal over the
+    // window (frmadvancedoptions.cpp, frmtimezone.cpp).
+    void OptionsAvancees();
+    void ChangerDeZone();
 
     [[nodiscard]] const ParametresFenetre &parametres() const { return m_parametres; }
     [[nodiscard]] bool rappelsActifs() const;

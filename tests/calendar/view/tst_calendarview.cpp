@@ -2,7 +2,9 @@
 #include "calendar/view/calendarview.h"
 #include "calendar/view/daypane.h"
 #include "shell/base/horloge.h"
+#include "support/repondeurscripte.h"
 
+#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -512,6 +514,86 @@ private Q_SLOTS:
         QTest::mouseDClick(volet(), Qt::LeftButton, {}, p);
         QCOMPARE(doubles.count(), 1);
         QCOMPARE(doubles.at(0).at(0).toPoint(), versVue(p));
+    }
+
+    // F2 opens the subject editor over the selected appointment: Enter
+    // writes through the store; Escape or a refusing guard leave it as it
+    // was. A failed write keeps the typed text for another Enter.
+    void sujetParF2_data()
+    {
+        QTest::addColumn<bool>("refuse");
+        QTest::addColumn<bool>("storeFerme");
+        QTest::addColumn<int>("touche");
+        QTest::addColumn<QString>("stocke");
+        QTest::newRow("entrée") << false << false << int(Qt::Key_Return) << "Bilan";
+        QTest::newRow("échap") << false << false << int(Qt::Key_Escape) << "rdv";
+        QTest::newRow("garde") << true << false << int(Qt::Key_Return) << "rdv";
+        QTest::newRow("écriture refusée, puis reprise") << false << true << int(Qt::Key_Return) << "Bilan";
+    }
+
+    void sujetParF2()
+    {
+        QFETCH(bool, refuse);
+        QFETCH(bool, storeFerme);
+        QFETCH(int, touche);
+        QFETCH(QString, stocke);
+        RepondeurScripte repondeur;
+        QVERIFY(ajouter(jour(1, 9), jour(1, 9, 30), QStringLiteral("rdv")));
+        m_view->Populate();
+        m_view->setOperationGuard([&](int op, const QList<CalendarEventPtr> &) { return refuse && op == OpEditSubjectByF2; });
+        QTest::mouseClick(volet(), Qt::LeftButton, {}, boite(QStringLiteral("rdv")).center());
+        QTest::keyClick(m_view.get(), Qt::Key_F2);
+        QLineEdit *editeur = volet()->subjectEditor();
+        QCOMPARE(editeur != nullptr, !refuse);
+        if (editeur) {
+            QCOMPARE(editeur->text(), QStringLiteral("rdv"));
+            QTest::keyClicks(editeur, QStringLiteral("Bilan"));
+            if (storeFerme) {
+                m_provider->Close();
+                repondeur.repondre(Prompt::Reponse::Ok);
+            }
+            QTest::keyClick(editeur, Qt::Key(touche));
+            QCOMPARE(volet()->subjectEditor() == editeur, storeFerme);
+            QCOMPARE(editeur->text(), QStringLiteral("Bilan"));
+            QCOMPARE(repondeur.appels().size(), storeFerme ? 1 : 0);
+            if (storeFerme) {
+                QCOMPARE(this->stocke(1), QStringList{QStringLiteral("rdv mar. 09:00-09:30 s0")});
+                QVERIFY(m_provider->Open());
+                QTest::keyClick(editeur, Qt::Key_Return);
+                QVERIFY(!volet()->subjectEditor());
+            }
+        }
+        QCOMPARE(this->stocke(1), QStringList{stocke + QStringLiteral(" mar. 09:00-09:30 s0")});
+    }
+
+    // The current-time line on Wednesday at 07:00 in the work week, by time
+    // mark mode.
+    void marqueHeure_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QString>("colonnes");
+        QTest::newRow("jamais") << 0 << "-----";
+        QTest::newRow("aujourd'hui") << 1 << "--X--";
+        QTest::newRow("toujours, imprimée") << 6 << "XXXXX";
+    }
+
+    void marqueHeure()
+    {
+        QFETCH(int, mode);
+        const Horloge::Fixee mercredi(jour(2, 7));
+        CalendarOptions options = m_view->options();
+        options.timeMarkMode = mode;
+        m_view->setOptions(options);
+        m_view->setScrollPosition(0);
+        const QImage image = volet()->grab().toImage();
+        QString vu;
+        for (int d = 0; d < 5; ++d) {
+            const QRect r = volet()->cellRect(jour(d, 7));
+            const bool ligne = image.pixelColor(r.center().x(), r.top()) == QColor(224, 96, 16)
+                               || image.pixelColor(r.center().x(), r.top() - 1) == QColor(224, 96, 16);
+            vu += ligne ? QLatin1Char('X') : QLatin1Char('-');
+        }
+        QTEST(vu, "colonnes");
     }
 };
 

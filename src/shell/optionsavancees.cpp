@@ -1,0 +1,57 @@
+#include "shell/optionsavancees.h"
+
+#include "shell/base/profilini.h"
+
+#include <QDir>
+
+int NumeroMarqueHeure(MarqueHeure choix, bool imprimee)
+{
+    const int numero = static_cast<int>(choix);
+    return choix != MarqueHeure::Jamais && imprimee ? numero + MarqueHeureImprimee : numero;
+}
+
+MarqueHeure ChoixMarqueHeure(int numero)
+{
+    switch (numero & 3) {
+    case 1:
+        return MarqueHeure::PourAujourdhui;
+    case 2:
+        return MarqueHeure::Toujours;
+    default:
+        return MarqueHeure::Jamais;
+    }
+}
+
+bool MarqueHeureSurJour(int numero, const QDate &jour, const QDate &aujourdhui, bool impression)
+{
+    if (impression && !(numero & MarqueHeureImprimee))
+        return false;
+    switch (ChoixMarqueHeure(numero)) {
+    case MarqueHeure::PourAujourdhui:
+        return jour == aujourdhui;
+    case MarqueHeure::Toujours:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool EcrireOptionsAvancees(const QString &fichier, const QString &section, const ClesOptionsAvancees &cles, QString *erreur)
+{
+    const auto ouiNon = [](bool b) { return b ? QStringLiteral("Oui") : QStringLiteral("Non"); };
+    FichierProfil profil = FichierProfil::charger(fichier);
+    profil.fixer(section, QStringLiteral("RemindersManEnabled"), cles.rappels ? QStringLiteral("1") : QStringLiteral("0"));
+    profil.fixer(section, QStringLiteral("PrinterRDV"), cles.imprimante);
+    profil.fixer(section, QStringLiteral("PrinterFormat"), cles.format);
+    profil.fixer(section, QStringLiteral("PrinterEntete"), cles.entete);
+    profil.fixer(section, QStringLiteral("MarginL"), cles.margeGauche);
+    profil.fixer(section, QStringLiteral("MarginR"), cles.margeDroite);
+    profil.fixer(section, QStringLiteral("MAILS"), ouiNon(cles.mails));
+    profil.fixer(section, QStringLiteral("SMS"), ouiNon(cles.sms));
+    if (profil.enregistrer(fichier))
+        return true;
+    if (erreur)
+        *erreur = QStringLiteral("Les options n'ont pas pu être enregistrées dans le fichier %1.")
+                      .arg(QDir::toNativeSeparators(fichier));
+    return false;
+}
