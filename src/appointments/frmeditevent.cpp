@@ -399,9 +399,10 @@ void frmEditEvent::remplirListes()
         for (const CalendarSchedule &s : m_provider->Schedules())
             cmbSchedule->addItem(s.Name, s.ScheduleID);
     }
-    // A book without schedules has nothing to choose there.
-    cmbSchedule->setVisible(cmbSchedule->count() > 0);
-    lblSchedule->setVisible(cmbSchedule->count() > 0);
+    // With one schedule or none there is nothing to choose; the one there is
+    // still goes into the record.
+    cmbSchedule->setVisible(cmbSchedule->count() > 1);
+    lblSchedule->setVisible(cmbSchedule->count() > 1);
     cmbShowTimeAs->addItem(QStringLiteral("En salle d'attente"));
     cmbShowTimeAs->addItem(QStringLiteral("Non Arrivé"));
     const AppState &etat = appState();
@@ -437,8 +438,9 @@ void frmEditEvent::NewEvent(const QDateTime &start, const QDateTime &end, bool a
     chkAllDayEvent->setChecked(allDay);
     txtSubject->clear();
     cmbShowTimeAs->setCurrentIndex(allDay ? 0 : 1);
-    if (cmbSchedule->count() > 0 && scheduleIndex >= 0 && scheduleIndex < cmbSchedule->count())
-        cmbSchedule->setCurrentIndex(scheduleIndex);
+    // A selection that names no schedule books into the first one.
+    if (cmbSchedule->count() > 0)
+        cmbSchedule->setCurrentIndex(scheduleIndex >= 0 && scheduleIndex < cmbSchedule->count() ? scheduleIndex : 0);
     cmbReminder->setEnabled(chkReminder->isChecked());
     cmbReminder->setEditText(dureeRappelProposee());
     txtBody[ChampRdv::DatePrise]->setText(HorodatageRdv(Horloge::maintenant()));

@@ -40,7 +40,7 @@ public:
     ~frmEditEvent() override;
 
     // A new appointment from start to end; scheduleIndex selects that entry
-    // of cmbSchedule when it has one.
+    // of cmbSchedule (the first one when it names none).
     void NewEvent(const QDateTime &start, const QDateTime &end, bool allDay, int scheduleIndex = -1);
     // An existing record; the dialog works on a copy until OK.
     void ModifyEvent(const CalendarEventPtr &event);

@@ -70,12 +70,20 @@ void CalendarDataProvider::setStore(std::unique_ptr<CalendarStore> store, const 
 
 bool CalendarDataProvider::Open()
 {
-    return m_store && m_store->Open();
+    m_schedules.clear();
+    if (!m_store || !m_store->Open())
+        return false;
+    readSchedules();
+    return true;
 }
 
 bool CalendarDataProvider::Create()
 {
-    return m_store && m_store->Create();
+    m_schedules.clear();
+    if (!m_store || !m_store->Create())
+        return false;
+    readSchedules();
+    return true;
 }
 
 bool CalendarDataProvider::Save()
@@ -472,27 +480,45 @@ bool CalendarDataProvider::DeleteEvent(const CalendarEventPtr &event)
     return ok;
 }
 
+void CalendarDataProvider::readSchedules()
+{
+    QList<CalendarSchedule> lus;
+    if (!IsOpen())
+        m_schedules.clear();
+    else if (m_store->DoReadSchedules(lus))
+        m_schedules = lus;
+}
+
+QList<CalendarSchedule> CalendarDataProvider::Schedules()
+{
+    readSchedules();
+    return m_schedules;
+}
+
 int CalendarDataProvider::AddSchedule(const QString &name)
 {
-    int id = 1;
-    for (const CalendarSchedule &s : std::as_const(m_schedules))
-        id = std::max(id, s.ScheduleID + 1);
-    m_schedules.append({id, name});
+    int id = 0;
+    if (!inOneChange([&] { return m_store->DoCreateSchedule(name, id) && id != 0; }))
+        return 0;
+    readSchedules();
     return id;
 }
 
 bool CalendarDataProvider::RenameSchedule(int scheduleId, const QString &name)
 {
-    for (CalendarSchedule &s : m_schedules) {
-        if (s.ScheduleID == scheduleId) {
-            s.Name = name;
-            return true;
-        }
-    }
-    return false;
+    const bool ok = scheduleId != 0 && inOneChange([&] { return m_store->DoRenameSchedule(scheduleId, name); });
+    readSchedules();
+    return ok;
 }
 
 bool CalendarDataProvider::RemoveSchedule(int scheduleId)
 {
-    return m_schedules.removeIf([&](const CalendarSchedule &s) { return s.ScheduleID == scheduleId; }) > 0;
+    const bool ok = scheduleId != 0 && inOneChange([&] { return m_store->DoDeleteSchedule(scheduleId); });
+    readSchedules();
+    return ok;
+}
+
+int CalendarDataProvider::CountScheduleEvents(int scheduleId)
+{
+    return IsOpen() ? m_store->DoCountScheduleEvents(scheduleId) : -1;
 }

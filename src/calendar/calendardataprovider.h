@@ -14,16 +14,6 @@
 
 #include <memory>
 
-// One schedule of the store: the appointment editor lists them, and an
-// appointment names its schedule by ScheduleID.
-struct CalendarSchedule
-{
-    int ScheduleID = 0;
-    QString Name;
-
-    friend bool operator==(const CalendarSchedule &, const CalendarSchedule &) = default;
-};
-
 // The store side of the calendar. Every change of the book goes through
 // AddEvent, ChangeEvent and DeleteEvent, which turn it into the store's
 // requests (a series as its master, pattern and exceptions) and then tell the
@@ -88,13 +78,22 @@ public:
     [[nodiscard]] QList<CalendarEventPtr> GetUpcomingEvents(const QDateTime &start, int minutes, const QDateTime &since = {},
                                                             bool *ok = nullptr);
 
-    // Labels (colour and appointment type) and schedules of the book.
+    // Labels (colour and appointment type) of the book.
     [[nodiscard]] const CalendarLabelList &LabelList() const { return m_labels; }
     void setLabelList(const CalendarLabelList &labels) { m_labels = labels; }
-    [[nodiscard]] const QList<CalendarSchedule> &Schedules() const { return m_schedules; }
+
+    // The schedules of the book, as the store keeps them: read again at each
+    // call, so that a schedule another workstation added shows; the last list
+    // read when the store cannot be asked. Each change is written at once, in
+    // one transaction. AddSchedule answers the new key (0 when the store
+    // refused); a key is never given twice, even after its schedule is gone.
+    [[nodiscard]] QList<CalendarSchedule> Schedules();
     int AddSchedule(const QString &name);
     bool RenameSchedule(int scheduleId, const QString &name);
     bool RemoveSchedule(int scheduleId);
+    // How many appointments still name the schedule (a series counts once);
+    // -1 when the store cannot tell.
+    [[nodiscard]] int CountScheduleEvents(int scheduleId);
 
     // The last day of a series with no end, as the master's row keeps it.
     [[nodiscard]] static QDateTime openSeriesEnd();
@@ -117,6 +116,8 @@ private:
     bool writeAsException(const CalendarEventPtr &event, bool deleted);
     template<typename F>
     bool inOneChange(F &&work);
+    // The schedules read again into m_schedules (kept when the read fails).
+    void readSchedules();
 
     std::unique_ptr<CalendarStore> m_store;
     QString m_connection;

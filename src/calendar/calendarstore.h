@@ -12,6 +12,16 @@
 
 class CalendarDataProvider;
 
+// One schedule of the store: the appointment editor lists them, and an
+// appointment names its schedule by ScheduleID.
+struct CalendarSchedule
+{
+    int ScheduleID = 0;
+    QString Name;
+
+    friend bool operator==(const CalendarSchedule &, const CalendarSchedule &) = default;
+};
+
 // The store side of the calendar: the ten requests that the data provider
 // sends to whatever holds the rows. Records come back as fresh objects made
 // through the provider; a row read as an ordinary event carries its state and
@@ -59,6 +69,22 @@ public:
     // filters).
     virtual void DoGetUpcomingEvents(const QDateTime &start, int minutes, QList<CalendarEventPtr> &events,
                                      const QDateTime &since = {}) = 0;
+
+    // The schedules of the book. A store that keeps them keeps them in its
+    // own file, so that every workstation sharing it sees the same list and
+    // keys, and never gives a key twice. A store that keeps none has none and
+    // refuses to add any.
+    virtual bool DoReadSchedules(QList<CalendarSchedule> &schedules)
+    {
+        schedules.clear();
+        return true;
+    }
+    virtual bool DoCreateSchedule(const QString & /*name*/, int & /*newScheduleId*/) { return false; }
+    virtual bool DoRenameSchedule(int /*scheduleId*/, const QString & /*name*/) { return false; }
+    virtual bool DoDeleteSchedule(int /*scheduleId*/) { return false; }
+    // The appointments that name the schedule: plain ones, series (once) and
+    // exceptions kept apart from a series of another schedule; -1: unknown.
+    [[nodiscard]] virtual int DoCountScheduleEvents(int /*scheduleId*/) { return -1; }
 
     // The writes of one change of the book (a series with its pattern) go in
     // one transaction, so that another workstation sees all of it or nothing.

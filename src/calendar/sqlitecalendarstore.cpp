@@ -91,6 +91,13 @@ const char *const kSchema[] = {
     " OptionsData3 INTEGER NOT NULL DEFAULT 0,"
     " OptionsData4 INTEGER NOT NULL DEFAULT 0,"
     " CustomPropertiesXMLData TEXT NOT NULL DEFAULT '')",
+    // The schedules live in the file, beside the rows that name them, so that
+    // every workstation sharing it has the same list and keys. AUTOINCREMENT:
+    // the key of a removed schedule is never given again, so appointments
+    // that still name it never fall into a new one.
+    "CREATE TABLE IF NOT EXISTS CalendarSchedules ("
+    " ScheduleID INTEGER PRIMARY KEY AUTOINCREMENT,"
+    " Name TEXT NOT NULL DEFAULT '')",
     // Short rows (a day or less) touching a range start at most a day before
     // it: found by their start.
     "CREATE INDEX IF NOT EXISTS idx_events_debut ON CalendarEvents(RecurrenceState, StartDateTime)",
@@ -839,4 +846,74 @@ void SqliteCalendarStore::RollbackChange()
         return;
     m_changeDepth = 0;
     m_base->executer(QStringLiteral("ROLLBACK"), &m_lastError);
+}
+
+bool SqliteCalendarStore::DoReadSchedules(QList<CalendarSchedule> &schedules)
+{
+    schedules.clear();
+    if (!m_base)
+        return false;
+    QSqlQuery q(m_base->db());
+    q.setForwardOnly(true);
+    if (!q.exec(QStringLiteral("SELECT ScheduleID, Name FROM CalendarSchedules ORDER BY ScheduleID"))) {
+        m_lastError = q.lastError().text();
+        return false;
+    }
+    while (q.next())
+        schedules.append({q.value(0).toInt(), q.value(1).toString()});
+    return true;
+}
+
+bool SqliteCalendarStore::DoCreateSchedule(const QString &name, int &newScheduleId)
+{
+    if (!m_base)
+        return false;
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("INSERT INTO CalendarSchedules (Name) VALUES (?)"));
+    q.addBindValue(bindable(name));
+    if (!execBound(q))
+        return false;
+    newScheduleId = q.lastInsertId().toInt();
+    return newScheduleId != 0;
+}
+
+bool SqliteCalendarStore::DoRenameSchedule(int scheduleId, const QString &name)
+{
+    if (!m_base)
+        return false;
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("UPDATE CalendarSchedules SET Name = ? WHERE ScheduleID = ?"));
+    q.addBindValue(bindable(name));
+    q.addBindValue(scheduleId);
+    return execBound(q) && q.numRowsAffected() == 1;
+}
+
+bool SqliteCalendarStore::DoDeleteSchedule(int scheduleId)
+{
+    if (!m_base)
+        return false;
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("DELETE FROM CalendarSchedules WHERE ScheduleID = ?"));
+    q.addBindValue(scheduleId);
+    return execBound(q) && q.numRowsAffected() == 1;
+}
+
+int SqliteCalendarStore::DoCountScheduleEvents(int scheduleId)
+{
+    if (!m_base)
+        return -1;
+    // A series counts once, by its master; an exception only when it was
+    // moved to this schedule apart from its series. Deleted occurrences are
+    // no appointments.
+    QSqlQuery q(m_base->db());
+    q.setForwardOnly(true);
+    q.prepare(QStringLiteral(
+        "SELECT COUNT(*) FROM CalendarEvents e WHERE e.ScheduleID = ? AND (e.RecurrenceState IN (0, 1)"
+        " OR (e.RecurrenceState = 3 AND e.ISRecurrenceExceptionDeleted = 0 AND NOT EXISTS ("
+        "SELECT 1 FROM CalendarEvents m WHERE m.RecurrenceState = 1"
+        " AND m.RecurrencePatternID = e.RecurrencePatternID AND m.ScheduleID = e.ScheduleID)))"));
+    q.addBindValue(scheduleId);
+    if (!execBound(q) || !q.next())
+        return -1;
+    return q.value(0).toInt();
 }

@@ -52,6 +52,12 @@ public:
 
     [[nodiscard]] bool LastReadFailed() const override { return m_readFailed; }
 
+    bool DoReadSchedules(QList<CalendarSchedule> &schedules) override;
+    bool DoCreateSchedule(const QString &name, int &newScheduleId) override;
+    bool DoRenameSchedule(int scheduleId, const QString &name) override;
+    bool DoDeleteSchedule(int scheduleId) override;
+    [[nodiscard]] int DoCountScheduleEvents(int scheduleId) override;
+
     bool BeginChange() override;
     bool CommitChange() override;
     void RollbackChange() override;

@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QSaveFile>
 #include <QSet>
 #include <QXmlStreamReader>
@@ -85,8 +86,10 @@ bool XmlCalendarStore::Create()
 {
     m_events.clear();
     m_patterns.clear();
+    m_schedules.clear();
     m_nextEventId = 1;
     m_nextPatternId = 1;
+    m_nextScheduleId = 1;
     m_open = true;
     m_dirty = true;
     if (QFileInfo::exists(m_path)) {
@@ -108,6 +111,7 @@ void XmlCalendarStore::Close()
     m_open = false;
     m_events.clear();
     m_patterns.clear();
+    m_schedules.clear();
 }
 
 bool XmlCalendarStore::load()
@@ -119,8 +123,10 @@ bool XmlCalendarStore::load()
     }
     m_events.clear();
     m_patterns.clear();
+    m_schedules.clear();
     m_nextEventId = 1;
     m_nextPatternId = 1;
+    m_nextScheduleId = 1;
     QXmlStreamReader x(&f);
     if (!x.readNextStartElement() || x.name() != QLatin1String("Calendar")) {
         m_lastError = QStringLiteral("Le fichier %1 n'est pas un calendrier XML.").arg(m_path);
@@ -129,6 +135,18 @@ bool XmlCalendarStore::load()
     m_nextEventId = qMax(1, x.attributes().value(QLatin1String("NextEventID")).toInt());
     m_nextPatternId = qMax(1, x.attributes().value(QLatin1String("NextPatternID")).toInt());
     while (x.readNextStartElement()) {
+        if (x.name() == QLatin1String("CalendarSchedules")) {
+            m_nextScheduleId = qMax(1, x.attributes().value(QLatin1String("NextScheduleID")).toInt());
+            while (x.readNextStartElement()) {
+                const int id = x.attributes().value(QLatin1String("ScheduleID")).toInt();
+                const QString nom = x.readElementText();
+                if (id > 0) {
+                    m_schedules.append({id, nom});
+                    m_nextScheduleId = qMax(m_nextScheduleId, id + 1);
+                }
+            }
+            continue;
+        }
         const bool evenements = x.name() == QLatin1String("CalendarEvents");
         const bool modeles = x.name() == QLatin1String("CalendarRecurrencePatterns");
         if (!evenements && !modeles) {
@@ -163,6 +181,7 @@ bool XmlCalendarStore::load()
         m_lastError = x.errorString();
         m_events.clear();
         m_patterns.clear();
+        m_schedules.clear();
         return false;
     }
     return true;
@@ -204,6 +223,15 @@ bool XmlCalendarStore::Save()
     };
     table(QStringLiteral("CalendarEvents"), m_events);
     table(QStringLiteral("CalendarRecurrencePatterns"), m_patterns);
+    x.writeStartElement(QStringLiteral("CalendarSchedules"));
+    x.writeAttribute(QStringLiteral("NextScheduleID"), QString::number(m_nextScheduleId));
+    for (const CalendarSchedule &p : std::as_const(m_schedules)) {
+        x.writeStartElement(QStringLiteral("Schedule"));
+        x.writeAttribute(QStringLiteral("ScheduleID"), QString::number(p.ScheduleID));
+        x.writeCharacters(p.Name);
+        x.writeEndElement();
+    }
+    x.writeEndElement();
     x.writeEndElement();
     x.writeEndDocument();
     if (x.hasError() || !f.commit()) {
@@ -368,4 +396,75 @@ void XmlCalendarStore::DoGetUpcomingEvents(const QDateTime &start, int minutes, 
                 events.append(e);
         }
     }
+}
+
+bool XmlCalendarStore::DoReadSchedules(QList<CalendarSchedule> &schedules)
+{
+    schedules = m_schedules;
+    return m_open;
+}
+
+// The file is the only copy: a change of the schedules is written at once,
+// and taken back when the file cannot be written.
+bool XmlCalendarStore::DoCreateSchedule(const QString &name, int &newScheduleId)
+{
+    if (!m_open)
+        return false;
+    m_schedules.append({m_nextScheduleId++, name});
+    if (!Save()) {
+        m_schedules.removeLast();
+        --m_nextScheduleId;
+        return false;
+    }
+    newScheduleId = m_schedules.last().ScheduleID;
+    return true;
+}
+
+bool XmlCalendarStore::DoRenameSchedule(int scheduleId, const QString &name)
+{
+    const QList<CalendarSchedule> avant = m_schedules;
+    for (CalendarSchedule &p : m_schedules) {
+        if (p.ScheduleID == scheduleId) {
+            p.Name = name;
+            if (Save())
+                return true;
+            m_schedules = avant;
+            return false;
+        }
+    }
+    return false;
+}
+
+bool XmlCalendarStore::DoDeleteSchedule(int scheduleId)
+{
+    const QList<CalendarSchedule> avant = m_schedules;
+    if (!m_open || m_schedules.removeIf([&](const CalendarSchedule &p) { return p.ScheduleID == scheduleId; }) == 0)
+        return false;
+    if (Save())
+        return true;
+    m_schedules = avant;
+    return false;
+}
+
+int XmlCalendarStore::DoCountScheduleEvents(int scheduleId)
+{
+    if (!m_open)
+        return -1;
+    QHash<int, int> planningDeSerie;
+    for (const MemoryRecord &row : std::as_const(m_events)) {
+        if (entierDe(row, QStringLiteral("RecurrenceState")) == 1)
+            planningDeSerie.insert(entierDe(row, QStringLiteral("RecurrencePatternID")), entierDe(row, QStringLiteral("ScheduleID")));
+    }
+    int n = 0;
+    for (const MemoryRecord &row : std::as_const(m_events)) {
+        if (entierDe(row, QStringLiteral("ScheduleID")) != scheduleId)
+            continue;
+        const int etat = entierDe(row, QStringLiteral("RecurrenceState"));
+        if (etat == 0 || etat == 1)
+            ++n;
+        else if (etat == 3 && entierDe(row, QStringLiteral("ISRecurrenceExceptionDeleted")) == 0
+                 && planningDeSerie.value(entierDe(row, QStringLiteral("RecurrencePatternID")), -1) != scheduleId)
+            ++n;
+    }
+    return n;
 }

@@ -38,6 +38,12 @@ public:
     void DoGetUpcomingEvents(const QDateTime &start, int minutes, QList<CalendarEventPtr> &events,
                              const QDateTime &since = {}) override;
 
+    bool DoReadSchedules(QList<CalendarSchedule> &schedules) override;
+    bool DoCreateSchedule(const QString &name, int &newScheduleId) override;
+    bool DoRenameSchedule(int scheduleId, const QString &name) override;
+    bool DoDeleteSchedule(int scheduleId) override;
+    [[nodiscard]] int DoCountScheduleEvents(int scheduleId) override;
+
 private:
     bool load();
     [[nodiscard]] CalendarEventPtr readRow(const MemoryRecord &row) const;
@@ -49,6 +55,8 @@ private:
     bool m_dirty = false;
     int m_nextEventId = 1;
     int m_nextPatternId = 1;
+    int m_nextScheduleId = 1;
+    QList<CalendarSchedule> m_schedules;
     QMap<int, MemoryRecord> m_events;
     QMap<int, MemoryRecord> m_patterns;
 };

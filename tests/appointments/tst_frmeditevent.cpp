@@ -458,6 +458,36 @@ private slots:
         QCOMPARE(jour.first()->EndDateTime(), dt("2026-03-03 00:00"));
     }
 
+    // The schedule list is offered only when there is a choice; the key of
+    // the schedule, shown or not, goes into the record.
+    void planningDuRendezVous_data()
+    {
+        QTest::addColumn<int>("plannings");
+        QTest::newRow("aucun") << 0;
+        QTest::newRow("un seul") << 1;
+        QTest::newRow("deux") << 2;
+    }
+    void planningDuRendezVous()
+    {
+        QFETCH(int, plannings);
+        RepondeurScripte repondeur;
+        QList<int> cles{0};
+        for (int i = 1; i <= plannings; ++i)
+            cles.prepend(calendrier()->AddSchedule(QStringLiteral("Salle %1").arg(i)));
+        auto d = nouveau(dt("2026-03-02 09:00"), dt("2026-03-02 09:15"));
+        d->show();
+        QCOMPARE(d->cmbSchedule->isVisible(), plannings > 1);
+        QCOMPARE(d->lblSchedule->isVisible(), plannings > 1);
+        if (plannings > 1)
+            d->cmbSchedule->setCurrentIndex(1);
+        d->txtBody[0]->setText(QStringLiteral("MARTIN"));
+        d->txtBody[1]->setText(QStringLiteral("Luc"));
+        d->txtBody[2]->setText(QStringLiteral("01/01/1950"));
+        QTest::mouseClick(d->cmdOk[0], Qt::LeftButton);
+        QCOMPARE(d->result(), int(QDialog::Accepted));
+        QCOMPARE(relire(QDate(2026, 3, 2)).first()->ScheduleID(), cles.first());
+    }
+
     // The telephone fields take digits, blanks, "." and "+" only; a number
     // too short is red and keeps the focus; a good one turns the SMS button
     // and the reminder on.

@@ -444,6 +444,56 @@ private Q_SLOTS:
                  (QStringList{"2026-03-02 09:00", "2026-03-02 14:00", "2026-03-09 14:00", "2026-03-11 14:00"}));
     }
 
+    // The schedules live in the store's file: another workstation reads the
+    // same list and keys at once, a removed key is never given again, and a
+    // series counts once among the appointments that name a schedule.
+    void planningsDansLeFichier_data()
+    {
+        QTest::addColumn<int>("genre");
+        QTest::newRow("Events.mdb") << int(CalendarDataProvider::Access);
+        QTest::newRow("XML") << int(CalendarDataProvider::Memory);
+    }
+    void planningsDansLeFichier()
+    {
+        QFETCH(int, genre);
+        const QString d = nouveauDossier();
+        const QString connexion = genre == CalendarDataProvider::Access ? connexionMdb(d)
+                                                                        : QStringLiteral("Provider=XML;Data Source='%1/a.xml';").arg(d);
+        auto p = std::make_unique<CalendarDataProvider>();
+        QVERIFY(OpenProvider(*p, genre, connexion));
+        const int martin = p->AddSchedule(QStringLiteral("Dr Martin"));
+        const int salle = p->AddSchedule(QStringLiteral("Salle 2"));
+        QVERIFY(martin > 0 && salle > martin);
+        CalendarDataProvider autre;
+        QVERIFY(OpenProvider(autre, genre, connexion));
+        QCOMPARE(autre.Schedules(), (QList<CalendarSchedule>{{martin, "Dr Martin"}, {salle, "Salle 2"}}));
+
+        CalendarEventPtr seul = rendezVous(*p, QDateTime(QDate(2026, 3, 2), QTime(9, 0)), 30, QStringLiteral("seul"));
+        seul->setScheduleID(martin);
+        CalendarEventPtr serie = rendezVous(*p, QDateTime(QDate(2026, 3, 2), QTime(10, 0)), 30, QStringLiteral("série"));
+        serie->setScheduleID(martin);
+        serie->CreateRecurrence();
+        QVERIFY(p->AddEvent(seul) && p->AddEvent(serie));
+        const QList<CalendarEventPtr> mardi = p->RetrieveDayEvents(QDate(2026, 3, 3));
+        mardi.first()->setSubject(QStringLiteral("changée"));
+        QVERIFY(p->ChangeEvent(mardi.first()));
+        const QList<CalendarEventPtr> mercredi = p->RetrieveDayEvents(QDate(2026, 3, 4));
+        mercredi.first()->setScheduleID(salle);
+        QVERIFY(p->ChangeEvent(mercredi.first()));
+        QCOMPARE(p->CountScheduleEvents(martin), 2);
+        QCOMPARE(p->CountScheduleEvents(salle), 1);
+
+        QVERIFY(p->RenameSchedule(martin, QStringLiteral("Dr Martin-Roux")));
+        QVERIFY(p->RemoveSchedule(salle));
+        QVERIFY(!p->RenameSchedule(salle, QStringLiteral("revenue")));
+        const int secretariat = p->AddSchedule(QStringLiteral("Secrétariat"));
+        QVERIFY(secretariat > salle);
+        p.reset();
+        CalendarDataProvider relu;
+        QVERIFY(OpenProvider(relu, genre, connexion));
+        QCOMPARE(relu.Schedules(), (QList<CalendarSchedule>{{martin, "Dr Martin-Roux"}, {secretariat, "Secrétariat"}}));
+    }
+
     void rappelsAVenir_data()
     {
         QTest::addColumn<QString>("connexion");

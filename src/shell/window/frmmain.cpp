@@ -3,14 +3,17 @@
 #include "appointments/impressionticket.h"
 #include "appointments/miroir.h"
 #include "calendar/calendardataprovider.h"
+#include "calendar/frmresourcesmanager.h"
 #include "calendar/openprovider.h"
 #include "calendar/view/calendarview.h"
 #include "calendar/view/colorationregles.h"
 #include "calendar/view/datepicker.h"
 #include "patients/bouclesrecherche.h"
+#include "patients/dialoguesouverts.h"
 #include "patients/gestiontype.h"
 #include "shell/appstate.h"
 #include "shell/base/horloge.h"
+#include "shell/base/modal.h"
 #include "shell/window/iconesbarre.h"
 #include "shell/base/prompt.h"
 #include "shell/regleslignedate.h"
@@ -330,6 +333,7 @@ void frmMain::construireMenus()
     connect(mnuPatientSorti, &QAction::triggered, this, [this] { changerPresence(1); });
     connect(mnuNewEvent, &QAction::triggered, this, &frmMain::ouvrirEditeurNouveau);
     connect(mnuNewEvent2, &QAction::triggered, this, &frmMain::ouvrirEditeurNouveau);
+    connect(mnuResourcesManager, &QAction::triggered, this, &frmMain::gestionnaireRessources);
 }
 
 // --- Toolbars ----------------------------------------------------------
@@ -568,6 +572,16 @@ void frmMain::aPropos()
                      QStringLiteral("Tavonel\nAgenda du cabinet médical\n\nAgenda : %1\nDossier des données : %2")
                          .arg(appState().AgendaName, appState().PathDB),
                      Prompt::Icone::Information);
+}
+
+void frmMain::gestionnaireRessources()
+{
+    m_ressources.suivre(appState().Calendrier.get());
+    frmResourcesManager dialogue(m_ressources, this);
+    CompterDialogueOuvert(&dialogue);
+    ExecuterDialogue(dialogue);
+    // The schedules may have changed, whichever way the dialog was left.
+    actualiser();
 }
 
 // --- Title line --------------------------------------------------------

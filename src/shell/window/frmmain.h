@@ -2,6 +2,7 @@
 
 #include "appointments/frmoccurrenceserieschooser.h"
 #include "calendar/calendarevent.h"
+#include "calendar/gestionressources.h"
 #include "calendar/reminderengine.h"
 #include "shell/demarrage.h"
 
@@ -215,6 +216,7 @@ private:
     void commandeRappels();
     void majMenuRappels();
     void aPropos();
+    void gestionnaireRessources();
 
     Demarrage &m_demarrage;
     ParametresFenetre m_parametres;
@@ -230,4 +232,6 @@ private:
     CalendarEventPtr m_dernierOuvert;
     QMenu *m_menuDemande = nullptr;
     Reminder m_rappelEnAttente;
+    // The resources of the hidden manager, kept for the session.
+    GestionRessources m_ressources;
 };
