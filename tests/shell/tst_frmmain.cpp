@@ -338,8 +338,13 @@ private Q_SLOTS:
         QApplication::setActiveWindow(p.f.get());
         QVERIFY(QTest::qWaitForWindowActive(p.f.get()));
         p.f->CalendarControl->setFocus();
+        QStringList ouverts;
+        ExecuteurInstalle executeur([&](QDialog &d) {
+            ouverts << d.objectName();
+            return int(QDialog::Rejected);
+        });
         QTest::keyClick(p.f->CalendarControl, Qt::Key_O, Qt::ControlModifier);
-        QCOMPARE(p.etat(), QStringLiteral("Les options de l'agenda ne sont pas encore disponibles."));
+        QCOMPARE(ouverts, QStringList{QStringLiteral("frmSettings")});
     }
 
     // The view buttons and the date line, in the order a user would click.

@@ -11,6 +11,7 @@
 #include "patients/bouclesrecherche.h"
 #include "patients/dialoguesouverts.h"
 #include "patients/gestiontype.h"
+#include "rules/frmsettings.h"
 #include "shell/appstate.h"
 #include "shell/base/horloge.h"
 #include "shell/base/modal.h"
@@ -312,8 +313,7 @@ void frmMain::construireMenus()
         CalendarControl->Paste();
         majCommandes();
     });
-    connect(mnuSettings, &QAction::triggered, this,
-            [this] { signalerIndisponible(QStringLiteral("Les options de l'agenda ne sont pas encore disponibles.")); });
+    connect(mnuSettings, &QAction::triggered, this, &frmMain::optionsAgenda);
     connect(mnuAdvancedOptions, &QAction::triggered, this, &frmMain::OptionsAvancees);
     connect(mnuSMSConfig, &QAction::triggered, this, [this] {
         signalerIndisponible(QStringLiteral("La configuration des rappels Mails et SMS n'est pas encore disponible."));
@@ -559,6 +559,28 @@ bool frmMain::infobulle(QWidget *zone, const QHelpEvent *aide)
                           + e->EndDateTime().toString(QStringLiteral("HH:mm")) + QStringLiteral(" ") + e->Subject().simplified();
     QToolTip::showText(aide->globalPos(), texte, zone);
     return true;
+}
+
+void frmMain::optionsAgenda()
+{
+    frmSettings reglages(this);
+    const bool valide = ExecuterDialogue(reglages) == QDialog::Accepted;
+    // The rule tab writes at once: its rules colour the cells even when the
+    // dialog is cancelled afterwards.
+    if (valide && !reglages.libelles().isEmpty()) {
+        m_parametres.libelles = reglages.libelles();
+        if (appState().Calendrier)
+            appState().Calendrier->setLabelList(m_parametres.libelles);
+        CalendarControl->setLabels(m_parametres.libelles);
+        const QTime debut = QTime::fromString(reglages.reglages().debut, QStringLiteral("HH:mm:ss"));
+        const QTime fin = QTime::fromString(reglages.reglages().fin, QStringLiteral("HH:mm:ss"));
+        if (debut.isValid() && fin.isValid()) {
+            m_parametres.debutJournee = debut;
+            m_parametres.finJournee = fin;
+            CalendarControl->setWorkingHours(debut, fin);
+        }
+    }
+    actualiser();
 }
 
 void frmMain::signalerIndisponible(const QString &texte)

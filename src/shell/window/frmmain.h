@@ -205,6 +205,7 @@ private:
     void majCommandes();
     void afficherMenuContextuel(QMenu *menu);
     void signalerIndisponible(const QString &texte);
+    void optionsAgenda();
     [[nodiscard]] CalendarEventPtr maitreDe(const CalendarEventPtr &evenement) const;
     [[nodiscard]] bool confirmerOperation(int operation) const;
     void changerDefilement(int index, bool on);
