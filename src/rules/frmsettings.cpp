@@ -14,6 +14,7 @@
 #include "shell/base/support.h"
 
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QGridLayout>
@@ -78,6 +79,7 @@ frmSettings::frmSettings(QWidget *parent)
     SSTab1->setObjectName(QStringLiteral("SSTab1"));
     SSTab1->addTab(ongletGeneral(), QStringLiteral("&Cabinet"));
     SSTab1->addTab(ongletBases(), QStringLiteral("&Bases patients"));
+    SSTab1->addTab(ongletAffichage(), QStringLiteral("A&ffichage"));
     SSTab1->addTab(ongletRegles(), QStringLiteral("Editer les &Règles de Rendez-Vous"));
 
     cmdOk = bouton(QStringLiteral("cmdOk"), QStringLiteral("&OK"), this);
@@ -196,6 +198,63 @@ QWidget *frmSettings::ongletBases()
     l->addWidget(btnLiaisons, 0, Qt::AlignLeft);
     l->addStretch();
     return page;
+}
+
+QWidget *frmSettings::ongletAffichage()
+{
+    auto *page = new QWidget(this);
+    auto *groupe = new QGroupBox(QStringLiteral("Affichage de l'agenda (pour cette session)"), page);
+    groupe->setMaximumWidth(720);
+    auto *f = new QFormLayout(groupe);
+    cmbTimeScale = new QComboBox(groupe);
+    cmbTimeScale->setObjectName(QStringLiteral("cmbTimeScale"));
+    // The steps that the day views can draw.
+    for (int d : {5, 10, 15, 30, 60})
+        cmbTimeScale->addItem(QStringLiteral("%1 minutes").arg(d), d);
+    cmbFirstDayOfWeek = new QComboBox(groupe);
+    cmbFirstDayOfWeek->setObjectName(QStringLiteral("cmbFirstDayOfWeek"));
+    auto *jours = new QHBoxLayout;
+    for (int j = 1; j <= 7; ++j) {
+        cmbFirstDayOfWeek->addItem(NomJourRegle(j), j);
+        chkWorkDay[j] = new QCheckBox(NomJourRegle(j), groupe);
+        chkWorkDay[j]->setObjectName(QStringLiteral("chkWorkDay(%1)").arg(j));
+    }
+    for (int j : {2, 3, 4, 5, 6, 7, 1})
+        jours->addWidget(chkWorkDay[j]);
+    cmbToolTipsMode = liste(QStringLiteral("cmbToolTipsMode"),
+                            {QStringLiteral("Standard"), QStringLiteral("Personnalisée"), QStringLiteral("Désactivée")}, groupe);
+    f->addRow(QStringLiteral("Échelle de temps :"), cmbTimeScale);
+    f->addRow(QStringLiteral("Premier jour de la semaine :"), cmbFirstDayOfWeek);
+    f->addRow(QStringLiteral("Jours de la semaine de travail :"), jours);
+    f->addRow(QStringLiteral("Infobulles des rendez-vous :"), cmbToolTipsMode);
+    auto *l = new QVBoxLayout(page);
+    l->addWidget(groupe);
+    l->addStretch();
+    fixerAffichage({});
+    return page;
+}
+
+void frmSettings::fixerAffichage(const AffichageCalendrier &a)
+{
+    cmbTimeScale->setCurrentIndex(std::max(0, cmbTimeScale->findData(a.echelle)));
+    cmbFirstDayOfWeek->setCurrentIndex(std::max(0, cmbFirstDayOfWeek->findData(a.premierJour)));
+    for (int j = 1; j <= 7; ++j)
+        chkWorkDay[j]->setChecked(a.joursOuvres & (1 << (j - 1)));
+    cmbToolTipsMode->setCurrentIndex(std::clamp(a.infobulles, 0, 2));
+}
+
+AffichageCalendrier frmSettings::affichage() const
+{
+    AffichageCalendrier a;
+    a.echelle = cmbTimeScale->currentData().toInt();
+    a.premierJour = cmbFirstDayOfWeek->currentData().toInt();
+    a.joursOuvres = 0;
+    for (int j = 1; j <= 7; ++j) {
+        if (chkWorkDay[j]->isChecked())
+            a.joursOuvres |= 1 << (j - 1);
+    }
+    a.infobulles = cmbToolTipsMode->currentIndex();
+    return a;
 }
 
 QWidget *frmSettings::ongletRegles()

@@ -7,12 +7,25 @@
 
 #include <array>
 
+class QCheckBox;
 class QComboBox;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
 class QTabWidget;
 class QTableWidget;
+
+// What the configuration dialog sets of the calendar's display, for the
+// session: the time scale in minutes, the first day of the week and the work
+// days of the work-week view (1 / bit 0 = Sunday), the tooltip mode
+// (0 standard, 1 custom, 2 none).
+struct AffichageCalendrier
+{
+    int echelle = 30;
+    int premierJour = 2;
+    int joursOuvres = 0x3E;
+    int infobulles = 0;
+};
 
 // "Configuration....": the practice as a whole (hours, the two
 // practitioners, the seven types and their colours, the links to the
@@ -40,6 +53,11 @@ public:
     std::array<QLineEdit *, 3> DBIdentity{};
     std::array<QPushButton *, 3> DBpathDialog{};
     QPushButton *btnLiaisons = nullptr;      // frmZek_AG2, the four slots
+    // The display tab.
+    QComboBox *cmbTimeScale = nullptr;
+    QComboBox *cmbFirstDayOfWeek = nullptr;
+    std::array<QCheckBox *, 8> chkWorkDay{}; // 1 = Sunday ... 7 = Saturday
+    QComboBox *cmbToolTipsMode = nullptr;
     // The rule tab.
     std::array<QRadioButton *, 8> optDay{};  // 1 = Sunday ... 7 = Saturday
     std::array<QRadioButton *, 2> OpDate{};
@@ -56,6 +74,10 @@ public:
     // The labels of the calendar as the last save left them.
     [[nodiscard]] const CalendarLabelList &libelles() const { return m_libelles; }
     [[nodiscard]] const ReglagesCabinet &reglages() const { return m_reglages; }
+    // The calendar's display as it is when the dialog opens, and as the
+    // dialog leaves it (ApplySettings).
+    void fixerAffichage(const AffichageCalendrier &affichage);
+    [[nodiscard]] AffichageCalendrier affichage() const;
 
     // The saving procedure (also run before the rule dialog opens, so that
     // it offers the names as typed).
@@ -70,6 +92,7 @@ public:
 private:
     QWidget *ongletGeneral();
     QWidget *ongletBases();
+    QWidget *ongletAffichage();
     QWidget *ongletRegles();
     void charger();
     void choisirFamille(int praticien, int famille);

@@ -8,6 +8,7 @@
 #include "shell/appstate.h"
 #include "shell/base/config.h"
 #include "shell/demarrage.h"
+#include "rules/frmsettings.h"
 #include "shell/window/frmmain.h"
 #include "shell/base/modal.h"
 #include "appointments/frmeditevent.h"
@@ -338,13 +339,21 @@ private Q_SLOTS:
         QApplication::setActiveWindow(p.f.get());
         QVERIFY(QTest::qWaitForWindowActive(p.f.get()));
         p.f->CalendarControl->setFocus();
+        // Ctrl+O opens the configuration; its display choices take hold on
+        // OK (Friday off, Saturday on).
         QStringList ouverts;
         ExecuteurInstalle executeur([&](QDialog &d) {
             ouverts << d.objectName();
-            return int(QDialog::Rejected);
+            auto &reglages = dynamic_cast<frmSettings &>(d);
+            reglages.chkWorkDay[6]->setChecked(false);
+            reglages.chkWorkDay[7]->setChecked(true);
+            reglages.cmdOk_Click();
+            return d.result();
         });
         QTest::keyClick(p.f->CalendarControl, Qt::Key_O, Qt::ControlModifier);
         QCOMPARE(ouverts, QStringList{QStringLiteral("frmSettings")});
+        QCOMPARE(p.f->CalendarControl->shownDaysCount(), 5);
+        QCOMPARE(p.f->CalendarControl->shownDay(4).dayOfWeek(), 6);
     }
 
     // The view buttons and the date line, in the order a user would click.

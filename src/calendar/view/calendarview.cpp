@@ -212,7 +212,14 @@ const CalendarOptions &CalendarView::options() const { return m_options; }
 
 void CalendarView::setOptions(const CalendarOptions &options)
 {
+    const bool jours = options.workDaysMask != m_options.workDaysMask || options.firstDayOfWeek != m_options.firstDayOfWeek;
     m_options = options;
+    if (jours) {
+        layOutDays();
+        Populate();
+        emit viewChanged();
+        return;
+    }
     panesChanged();
 }
 

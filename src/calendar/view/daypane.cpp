@@ -129,13 +129,10 @@ QList<QDate> DayPane::daysFor(const QDate &anchor) const
 {
     if (m_view->viewType() == CalendarViewType::Day)
         return {anchor};
-    // The Monday to Friday of the week holding the day (a weekend day shows
-    // the work week it ends).
-    const QDate monday = anchor.addDays(1 - anchor.dayOfWeek());
-    QList<QDate> days;
-    for (int i = 0; i < 5; ++i)
-        days.append(monday.addDays(i));
-    return days;
+    // The work days of the week holding the day (a day off shows the work
+    // week it falls in).
+    const CalendarOptions &o = m_view->options();
+    return WorkWeekDays(anchor, o.workDaysMask, o.firstDayOfWeek);
 }
 
 void DayPane::setDays(const QList<QDate> &days)

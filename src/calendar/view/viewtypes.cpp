@@ -80,3 +80,19 @@ CalendarTheme CalendarTheme::forNumber(int number)
     }
     return t;
 }
+
+QList<QDate> WorkWeekDays(const QDate &anchor, int workDaysMask, int firstDayOfWeek)
+{
+    const int masque = (workDaysMask & 0x7F) ? (workDaysMask & 0x7F) : 0x3E;
+    const int premier = firstDayOfWeek >= 1 && firstDayOfWeek <= 7 ? firstDayOfWeek : 2;
+    // Qt numbers Monday 1 ... Sunday 7; ours Sunday 1 ... Saturday 7.
+    const int jourAncre = anchor.dayOfWeek() % 7 + 1;
+    const QDate debut = anchor.addDays(-((jourAncre - premier + 7) % 7));
+    QList<QDate> jours;
+    for (int i = 0; i < 7; ++i) {
+        const QDate d = debut.addDays(i);
+        if (masque & (1 << (d.dayOfWeek() % 7)))
+            jours.append(d);
+    }
+    return jours;
+}

@@ -102,6 +102,11 @@ struct CalendarTheme
 // Options of the calendar that last for the session only: every start
 // begins with these values, and the advanced options and time zone dialogs
 // change them.
+// The days of the work week that holds a day: the days of the mask in the
+// order of the week that begins on firstDayOfWeek (an empty mask counts as
+// Monday to Friday).
+[[nodiscard]] QList<QDate> WorkWeekDays(const QDate &anchor, int workDaysMask, int firstDayOfWeek);
+
 struct CalendarOptions
 {
     // In-place editing of an appointment's subject and in-place creation.
@@ -125,6 +130,11 @@ struct CalendarOptions
     QString additionalTimeScaleCaption;
     bool showAdditionalTimeZone = false;
     FuseauHoraire additionalTimeZone;
+    // The days of the work-week view: bit 0 Sunday ... bit 6 Saturday
+    // (Monday to Friday by default), shown from the first day of the week
+    // (1 Sunday ... 7 Saturday).
+    int workDaysMask = 0x3E;
+    int firstDayOfWeek = 2;
 
     friend bool operator==(const CalendarOptions &, const CalendarOptions &) = default;
 };

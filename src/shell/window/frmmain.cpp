@@ -564,7 +564,19 @@ bool frmMain::infobulle(QWidget *zone, const QHelpEvent *aide)
 void frmMain::optionsAgenda()
 {
     frmSettings reglages(this);
+    const CalendarOptions avant = CalendarControl->options();
+    reglages.fixerAffichage({CalendarControl->timeScale(), avant.firstDayOfWeek, avant.workDaysMask, ToolTips_Mode()});
     const bool valide = ExecuterDialogue(reglages) == QDialog::Accepted;
+    if (valide) {
+        // The display choices hold for the session (ApplySettings).
+        const AffichageCalendrier a = reglages.affichage();
+        CalendarOptions options = avant;
+        options.firstDayOfWeek = a.premierJour;
+        options.workDaysMask = a.joursOuvres;
+        CalendarControl->setOptions(options);
+        CalendarControl->setTimeScale(a.echelle);
+        setToolTips_Mode(a.infobulles);
+    }
     // The rule tab writes at once: its rules colour the cells even when the
     // dialog is cancelled afterwards.
     if (valide && !reglages.libelles().isEmpty()) {

@@ -210,6 +210,37 @@ private Q_SLOTS:
         }
     }
 
+    // The work week follows the work days and the first day of the week.
+    void workWeek_data()
+    {
+        QTest::addColumn<int>("mask");
+        QTest::addColumn<int>("first");
+        QTest::addColumn<QDate>("anchor");
+        QTest::addColumn<QString>("days");
+        QTest::newRow("default, from a Sunday") << 0x3E << 2 << QDate(2026, 11, 8) << "2,3,4,5,6";
+        QTest::newRow("Monday to Thursday and Saturday") << 0x5E << 2 << QDate(2026, 11, 4) << "2,3,4,5,7";
+        QTest::newRow("week from Sunday, with it") << 0x3F << 1 << QDate(2026, 11, 8) << "8,9,10,11,12,13";
+        QTest::newRow("empty mask counts as the default") << 0 << 2 << QDate(2026, 11, 6) << "2,3,4,5,6";
+    }
+    void workWeek()
+    {
+        QFETCH(int, mask);
+        QFETCH(int, first);
+        QFETCH(QDate, anchor);
+        QFETCH(QString, days);
+        Agenda a;
+        CalendarOptions o = a.view.options();
+        o.workDaysMask = mask;
+        o.firstDayOfWeek = first;
+        a.view.setOptions(o);
+        a.view.setViewType(CalendarViewType::WorkWeek);
+        a.view.ShowDay(anchor);
+        QStringList shown;
+        for (int i = 0; i < a.view.shownDaysCount(); ++i)
+            shown << QString::number(a.view.shownDay(i).day());
+        QCOMPARE(shown.join(u','), days);
+    }
+
     void monthDays_data()
     {
         QTest::addColumn<QDate>("anchor");
