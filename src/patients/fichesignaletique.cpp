@@ -9,6 +9,7 @@
 #include "shell/base/modal.h"
 #include "shell/base/prompt.h"
 #include "shell/base/support.h"
+#include "shell/base/supportui.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -77,15 +78,6 @@ QFormLayout *formulaire(QWidget *parent)
 }
 
 } // namespace
-
-void ChoisirTexte(QComboBox *liste, const QString &texte)
-{
-    // A value that another program wrote outside the list is kept as it
-    // is, not lost at the next save.
-    if (!texte.isEmpty() && liste->findText(texte) < 0)
-        liste->addItem(texte);
-    liste->setCurrentIndex(liste->findText(texte));
-}
 
 QString FicheSignaletique::colonneDuChamp(int i)
 {

@@ -22,9 +22,6 @@ class QRadioButton;
 class QTabWidget;
 class QVBoxLayout;
 
-// Selects the text in the list, adding it first when the list lacks it.
-void ChoisirTexte(QComboBox *liste, const QString &texte);
-
 // What the two patient cards share: every field of the patient row, their
 // checks, the town help, the map, the treating physician, the summary panel.
 // frmSignaletiques_AG and frmSignaletiques2_AG add what differs.

@@ -5,6 +5,7 @@
 #include "shell/appstate.h"
 #include "shell/base/prompt.h"
 #include "shell/base/support.h"
+#include "shell/base/supportui.h"
 
 #include <QComboBox>
 #include <QFormLayout>

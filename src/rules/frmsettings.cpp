@@ -12,6 +12,7 @@
 #include "shell/base/nombres.h"
 #include "shell/base/prompt.h"
 #include "shell/base/support.h"
+#include "shell/base/supportui.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -52,15 +53,6 @@ QLineEdit *champ(const QString &nom, QWidget *parent)
     auto *t = new QLineEdit(parent);
     t->setObjectName(nom);
     return t;
-}
-
-// Selects the text, adding it first when the list does not offer it (a
-// value set by hand stays as it is).
-void choisir(QComboBox *c, const QString &texte)
-{
-    if (c->findText(texte) < 0)
-        c->addItem(texte);
-    c->setCurrentIndex(c->findText(texte));
 }
 
 const int dureesRdv[] = {5, 6, 10, 15, 20, 30, 45, 60, 90, 120};
@@ -334,10 +326,10 @@ QWidget *frmSettings::ongletRegles()
 void frmSettings::charger()
 {
     m_reglages = LireReglagesCabinet(appState());
-    choisir(cbOuverture, m_reglages.debut);
-    choisir(cbFermeture, m_reglages.fin);
-    choisir(cbDebutPause, m_reglages.pauseDebut);
-    choisir(cbFinPause, m_reglages.pauseFin);
+    ChoisirTexte(cbOuverture, m_reglages.debut);
+    ChoisirTexte(cbFermeture, m_reglages.fin);
+    ChoisirTexte(cbDebutPause, m_reglages.pauseDebut);
+    ChoisirTexte(cbFinPause, m_reglages.pauseFin);
     const int duree = cmbRDVMn->findData(m_reglages.duree);
     if (duree < 0)
         cmbRDVMn->addItem(QStringLiteral("%1 minutes").arg(m_reglages.duree), m_reglages.duree);
@@ -394,7 +386,7 @@ void frmSettings::choisirBase(int slot)
         DBIdentity[slot]->setText(id);
 }
 
-void frmSettings::Enregistrer()
+bool frmSettings::Enregistrer()
 {
     m_reglages.debut = cbOuverture->currentText();
     m_reglages.fin = cbFermeture->currentText();
@@ -407,17 +399,25 @@ void frmSettings::Enregistrer()
     }
     for (int t = 0; t < 7; ++t)
         m_reglages.types[t] = {txtType[t]->text().trimmed(), CouleurBouton(PicColor1[t]), CouleurBouton(PicColor2[t])};
-    m_reglages = EcrireReglagesCabinet(m_reglages);
+    QString erreur;
+    if (!EcrireReglagesCabinet(m_reglages, &erreur)) {
+        Prompt::informer(QStringLiteral("Erreur"), QStringLiteral("Les réglages du cabinet ne peuvent être enregistrés :\n") + erreur,
+                         Prompt::Icone::Critique);
+        return false;
+    }
     for (int p = 0; p < 2; ++p)
         txtInitiales[p]->setText(m_reglages.initiales[p]);
     for (int t = 0; t < 7; ++t)
         txtType[t]->setText(m_reglages.types[t].nom);
     m_libelles = LibellesDesReglages(m_reglages);
+    return true;
 }
 
 void frmSettings::cmdOk_Click()
 {
-    Enregistrer();
+    // A failed save keeps the dialog open with what was typed.
+    if (!Enregistrer())
+        return;
     AppState &etat = appState();
     std::array<QString, 5> paths = etat.Path;
     std::array<QString, 5> identites = etat.Identity;
@@ -496,7 +496,8 @@ void frmSettings::filtrer()
 
 void frmSettings::ajouterRegle()
 {
-    Enregistrer();
+    if (!Enregistrer())
+        return;
     RegleEnEdition = RegleEdition{};
     const int jour = jourChoisi();
     if (jour == 0) {
@@ -518,7 +519,8 @@ void frmSettings::ajouterRegle()
 
 void frmSettings::editerRegle(bool dupliquer)
 {
-    Enregistrer();
+    if (!Enregistrer())
+        return;
     RegleEnEdition = RegleEdition{};
     if (jourChoisi() == 0) {
         Prompt::informer(QStringLiteral("Erreur"), QStringLiteral("Veuillez sélectionner un jour"), Prompt::Icone::Exclamation);
@@ -573,7 +575,8 @@ void frmSettings::supprimerRegle()
 
 void frmSettings::changerDateFin()
 {
-    Enregistrer();
+    if (!Enregistrer())
+        return;
     RegleEnEdition = RegleEdition{};
     const qint32 courante = regleCourante();
     frmChangeDate dialogue(this);

@@ -81,7 +81,8 @@ public:
 
     // The saving procedure (also run before the rule dialog opens, so that
     // it offers the names as typed).
-    void Enregistrer();
+    // False, after the message, when the settings cannot be written.
+    bool Enregistrer();
     void cmdOk_Click();
     void ajouterRegle();
     void editerRegle(bool dupliquer);

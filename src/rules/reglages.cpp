@@ -2,6 +2,7 @@
 
 #include "rules/regles.h"
 #include "shell/appstate.h"
+#include "shell/base/basesqlite.h"
 #include "shell/base/config.h"
 #include "shell/base/nombres.h"
 
@@ -47,28 +48,50 @@ ReglagesCabinet LireReglagesCabinet(const AppState &etat)
     return r;
 }
 
-ReglagesCabinet EcrireReglagesCabinet(ReglagesCabinet r)
+bool EcrireReglagesCabinet(ReglagesCabinet &r, QString *erreur)
 {
-    EcrireConfig(ouverture, QStringLiteral("Debut"), r.debut);
-    EcrireConfig(ouverture, QStringLiteral("Fin"), r.fin);
-    EcrireConfig(ouverture, QStringLiteral("PauseDebut"), r.pauseDebut);
-    EcrireConfig(ouverture, QStringLiteral("PauseFin"), r.pauseFin);
-    EcrireConfig(QStringLiteral("RDV"), QStringLiteral("Duree"), r.duree);
     for (int p = 0; p < 2; ++p) {
         if (r.initiales[p].trimmed().isEmpty())
             r.initiales[p] = QStringLiteral("P%1").arg(p + 1);
-        EcrireConfig(sectionPraticien(p), QStringLiteral("Nom"), r.noms[p]);
-        EcrireConfig(sectionPraticien(p), QStringLiteral("Initiales"), r.initiales[p]);
     }
     for (int t = 0; t < 7; ++t) {
-        TypeRdvReglage &type = r.types[t];
-        if (type.nom.trimmed().isEmpty())
-            type.nom = QStringLiteral("RDV Type %1").arg(t + 1);
-        EcrireConfig(sectionType(t), QStringLiteral("Type"), type.nom);
-        EcrireConfig(sectionType(t), QStringLiteral("Couleur1"), QString::number(type.couleur1));
-        EcrireConfig(sectionType(t), QStringLiteral("Couleur2"), QString::number(type.couleur2));
+        if (r.types[t].nom.trimmed().isEmpty())
+            r.types[t].nom = QStringLiteral("RDV Type %1").arg(t + 1);
     }
-    return r;
+    QList<std::array<QString, 3>> lignes{
+        {ouverture, QStringLiteral("Debut"), r.debut},
+        {ouverture, QStringLiteral("Fin"), r.fin},
+        {ouverture, QStringLiteral("PauseDebut"), r.pauseDebut},
+        {ouverture, QStringLiteral("PauseFin"), r.pauseFin},
+        {QStringLiteral("RDV"), QStringLiteral("Duree"), r.duree},
+    };
+    for (int p = 0; p < 2; ++p) {
+        lignes.append({sectionPraticien(p), QStringLiteral("Nom"), r.noms[p]});
+        lignes.append({sectionPraticien(p), QStringLiteral("Initiales"), r.initiales[p]});
+    }
+    for (int t = 0; t < 7; ++t) {
+        lignes.append({sectionType(t), QStringLiteral("Type"), r.types[t].nom});
+        lignes.append({sectionType(t), QStringLiteral("Couleur1"), QString::number(r.types[t].couleur1)});
+        lignes.append({sectionType(t), QStringLiteral("Couleur2"), QString::number(r.types[t].couleur2)});
+    }
+    const auto config = ConfigOuverte();
+    if (!config) {
+        if (erreur)
+            *erreur = QStringLiteral("la configuration du cabinet (Config.mdb) n'est pas ouverte.");
+        return false;
+    }
+    // All the settings or none: another station reads a consistent set.
+    if (!config->base().executer(QStringLiteral("BEGIN IMMEDIATE"), erreur))
+        return false;
+    for (const auto &[section, item, valeur] : lignes) {
+        if (!config->ecrire(section, item, valeur)) {
+            if (erreur)
+                *erreur = config->derniereErreur();
+            config->base().executer(QStringLiteral("ROLLBACK"));
+            return false;
+        }
+    }
+    return config->base().executer(QStringLiteral("COMMIT"), erreur);
 }
 
 CalendarLabelList LibellesDesReglages(const ReglagesCabinet &r)

@@ -37,9 +37,11 @@ struct ReglagesCabinet
 // type names of the state's built-in list).
 [[nodiscard]] ReglagesCabinet LireReglagesCabinet(const AppState &etat);
 
-// Writes them back: empty initials as "P" + number, an empty type name as
-// "RDV Type " + number. The values are given back as written.
-ReglagesCabinet EcrireReglagesCabinet(ReglagesCabinet reglages);
+// Writes them back in one transaction of Config.mdb: empty initials as "P" +
+// number, an empty type name as "RDV Type " + number (the values are updated
+// as written). False, with the reason in French and nothing written, when
+// the table cannot be written.
+bool EcrireReglagesCabinet(ReglagesCabinet &reglages, QString *erreur);
 
 // The eighteen labels of the calendar rebuilt from the settings, in the
 // order the editor uses them by position.

@@ -1,21 +1,11 @@
 #pragma once
 
-#include <QDate>
+#include "calendar/marqueheure.h"
+
 #include <QString>
 
-// What the advanced options keep beyond the calendar's memory: the time mark
-// number of the day views and the keys of the agenda's section of Agenda.ini.
-
-// The current-time line of the day and work-week views: never, on today's
-// column only, on every column; MarqueHeureImprimee added when it is printed
-// too (never with Jamais).
-enum class MarqueHeure { Jamais = 0, PourAujourdhui = 1, Toujours = 2 };
-inline constexpr int MarqueHeureImprimee = 4;
-
-[[nodiscard]] int NumeroMarqueHeure(MarqueHeure choix, bool imprimee);
-[[nodiscard]] MarqueHeure ChoixMarqueHeure(int numero);
-// Whether the line crosses the column of jour, on screen or on paper.
-[[nodiscard]] bool MarqueHeureSurJour(int numero, const QDate &jour, const QDate &aujourdhui, bool impression);
+// What the advanced options keep beyond the calendar's memory: the keys of
+// the agenda's section of Agenda.ini (the time mark is the calendar's).
 
 // The keys the dialog's OK writes into the agenda's section.
 struct ClesOptionsAvancees

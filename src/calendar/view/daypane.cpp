@@ -5,7 +5,7 @@
 #include "calendar/view/monthlayout.h"
 #include "shell/base/horloge.h"
 #include "shell/base/prompt.h"
-#include "shell/optionsavancees.h"
+#include "calendar/marqueheure.h"
 
 #include <QApplication>
 #include <QLineEdit>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "calendar/calendarevent.h"
-#include "shell/fuseaux.h"
+#include "calendar/fuseaux.h"
 
 #include <QColor>
 #include <QDateTime>

@@ -116,3 +116,12 @@ int mlStringLenInControl(QWidget *controle, const QString &texte)
     const QFontMetrics mesure(controle ? controle->font() : QApplication::font());
     return mesure.horizontalAdvance(texte);
 }
+
+void ChoisirTexte(QComboBox *liste, const QString &texte)
+{
+    // A value that another program wrote outside the list is kept as it
+    // is, not lost at the next save.
+    if (!texte.isEmpty() && liste->findText(texte) < 0)
+        liste->addItem(texte);
+    liste->setCurrentIndex(liste->findText(texte));
+}

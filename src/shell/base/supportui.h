@@ -19,3 +19,7 @@ void mListBoxAdjustHScroll(QWidget *controle);
 // Width in pixels of a text in the control's font (the application's font
 // without a control).
 [[nodiscard]] int mlStringLenInControl(QWidget *controle, const QString &texte);
+
+// Selects the text in the list, adding it first when the list lacks it (a
+// value written by hand or by another program stays as it is).
+void ChoisirTexte(QComboBox *liste, const QString &texte);

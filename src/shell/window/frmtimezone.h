@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/fuseaux.h"
+#include "calendar/fuseaux.h"
 
 #include <QDialog>
 #include <QList>
