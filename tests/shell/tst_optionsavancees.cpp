@@ -1,4 +1,4 @@
-#include "shell/fuseaux.h"
+#include "calendar/fuseaux.h"
 #include "shell/optionsavancees.h"
 
 #include <QtTest>
