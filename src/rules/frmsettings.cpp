@@ -195,32 +195,99 @@ QWidget *frmSettings::ongletBases()
 QWidget *frmSettings::ongletAffichage()
 {
     auto *page = new QWidget(this);
-    auto *groupe = new QGroupBox(QStringLiteral("Affichage de l'agenda (pour cette session)"), page);
-    groupe->setMaximumWidth(720);
-    auto *f = new QFormLayout(groupe);
-    cmbTimeScale = new QComboBox(groupe);
+    const auto caseACocher = [](const char *nom, const QString &texte, QWidget *parent) {
+        auto *c = new QCheckBox(texte, parent);
+        c->setObjectName(QString::fromLatin1(nom));
+        return c;
+    };
+
+    auto *general = new QGroupBox(QStringLiteral("Agenda (pour cette session)"), page);
+    auto *f = new QFormLayout(general);
+    f->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
+    cmbTimeScale = new QComboBox(general);
     cmbTimeScale->setObjectName(QStringLiteral("cmbTimeScale"));
-    // The steps that the day views can draw.
-    for (int d : {5, 10, 15, 30, 60})
+    for (int d : dureesRdv)
         cmbTimeScale->addItem(QStringLiteral("%1 minutes").arg(d), d);
-    cmbFirstDayOfWeek = new QComboBox(groupe);
+    cmbStartTime = liste(QStringLiteral("cmbStartTime"), {}, general);
+    cmbEndTime = liste(QStringLiteral("cmbEndTime"), {}, general);
+    for (int m = 0; m < 24 * 60; m += 30) {
+        const QTime t(m / 60, m % 60);
+        cmbStartTime->addItem(t.toString(QStringLiteral("HH:mm")), t);
+        cmbEndTime->addItem(t.toString(QStringLiteral("HH:mm")), t);
+    }
+    // The day drawn follows the practice's hours as they are chosen.
+    connect(cbOuverture, &QComboBox::currentTextChanged, this,
+            [this](const QString &t) { ChoisirTexte(cmbStartTime, t.left(5)); });
+    connect(cbFermeture, &QComboBox::currentTextChanged, this,
+            [this](const QString &t) { ChoisirTexte(cmbEndTime, t.left(5)); });
+    auto *journee = new QHBoxLayout;
+    journee->addWidget(cmbStartTime);
+    journee->addWidget(new QLabel(QStringLiteral("à"), general));
+    journee->addWidget(cmbEndTime);
+    journee->addStretch();
+    cmbFirstDayOfWeek = new QComboBox(general);
     cmbFirstDayOfWeek->setObjectName(QStringLiteral("cmbFirstDayOfWeek"));
     auto *jours = new QHBoxLayout;
     for (int j = 1; j <= 7; ++j) {
         cmbFirstDayOfWeek->addItem(NomJourRegle(j), j);
-        chkWorkDay[j] = new QCheckBox(NomJourRegle(j), groupe);
+        chkWorkDay[j] = new QCheckBox(NomJourRegle(j), general);
         chkWorkDay[j]->setObjectName(QStringLiteral("chkWorkDay(%1)").arg(j));
     }
     for (int j : {2, 3, 4, 5, 6, 7, 1})
         jours->addWidget(chkWorkDay[j]);
     cmbToolTipsMode = liste(QStringLiteral("cmbToolTipsMode"),
-                            {QStringLiteral("Standard"), QStringLiteral("Personnalisée"), QStringLiteral("Désactivée")}, groupe);
+                            {QStringLiteral("Standard"), QStringLiteral("Personnalisée"), QStringLiteral("Désactivée")}, general);
     f->addRow(QStringLiteral("Échelle de temps :"), cmbTimeScale);
+    f->addRow(QStringLiteral("Journée de travail :"), journee);
     f->addRow(QStringLiteral("Premier jour de la semaine :"), cmbFirstDayOfWeek);
     f->addRow(QStringLiteral("Jours de la semaine de travail :"), jours);
     f->addRow(QStringLiteral("Infobulles des rendez-vous :"), cmbToolTipsMode);
+
+    auto *semaine = new QGroupBox(QStringLiteral("Vue hebdomadaire"), page);
+    auto *ls = new QVBoxLayout(semaine);
+    chkShowTimeAsClockWeek = caseACocher("chkShowTimeAsClockWeek", QStringLiteral("Heures en horloges"), semaine);
+    chkShowEndTimeWeek = caseACocher("chkShowEndTimeWeek", QStringLiteral("Heure de fin"), semaine);
+    chkWVShowStartTimeAlways = caseACocher("chkWVShowStartTimeAlways", QStringLiteral("Heure de début sur chaque jour"), semaine);
+    chkWVShowEndTimeAlways = caseACocher("chkWVShowEndTimeAlways", QStringLiteral("Heure de fin sur chaque jour"), semaine);
+    for (QCheckBox *c : {chkShowTimeAsClockWeek, chkShowEndTimeWeek, chkWVShowStartTimeAlways, chkWVShowEndTimeAlways})
+        ls->addWidget(c);
+    ls->addStretch();
+
+    auto *mois = new QGroupBox(QStringLiteral("Vue mensuelle"), page);
+    auto *lm = new QVBoxLayout(mois);
+    chkShowTimeAsClockMonth = caseACocher("chkShowTimeAsClockMonth", QStringLiteral("Heures en horloges"), mois);
+    chkShowEndTimeMonth = caseACocher("chkShowEndTimeMonth", QStringLiteral("Heure de fin"), mois);
+    chkMVShowStartTimeAlways = caseACocher("chkMVShowStartTimeAlways", QStringLiteral("Heure de début sur chaque jour"), mois);
+    chkMVShowEndTimeAlways = caseACocher("chkMVShowEndTimeAlways", QStringLiteral("Heure de fin sur chaque jour"), mois);
+    chkComperssWeekendDays = caseACocher("chkComperssWeekendDays", QStringLiteral("Samedi et dimanche sur une colonne"), mois);
+    for (QCheckBox *c : {chkShowTimeAsClockMonth, chkShowEndTimeMonth, chkMVShowStartTimeAlways, chkMVShowEndTimeAlways,
+                         chkComperssWeekendDays})
+        lm->addWidget(c);
+    cmbWeeksCount = liste(QStringLiteral("cmbWeeksCount"), {QStringLiteral("2"), QStringLiteral("3"), QStringLiteral("4"),
+                                                            QStringLiteral("5"), QStringLiteral("6")}, mois);
+    // No number chosen: the weeks of the month shown.
+    cmbWeeksCount->setPlaceholderText(QStringLiteral("le mois entier"));
+    auto *semaines = new QHBoxLayout;
+    semaines->addWidget(new QLabel(QStringLiteral("Semaines affichées :"), mois));
+    semaines->addWidget(cmbWeeksCount);
+    semaines->addStretch();
+    lm->addLayout(semaines);
+
+    auto *autres = new QGroupBox(QStringLiteral("Autres"), page);
+    auto *fa = new QFormLayout(autres);
+    chkOthEnableTooltip = caseACocher("chkOthEnableTooltip", QStringLiteral("Infobulles de l'agenda"), autres);
+    txtOthAddNew = champ(QStringLiteral("txtOthAddNew"), autres);
+    connect(chkOthEnableTooltip, &QCheckBox::toggled, txtOthAddNew, &QWidget::setEnabled);
+    fa->addRow(chkOthEnableTooltip);
+    fa->addRow(QStringLiteral("Sur une plage libre choisie :"), txtOthAddNew);
+
+    auto *vues = new QHBoxLayout;
+    vues->addWidget(semaine);
+    vues->addWidget(mois);
     auto *l = new QVBoxLayout(page);
-    l->addWidget(groupe);
+    l->addWidget(general);
+    l->addLayout(vues);
+    l->addWidget(autres);
     l->addStretch();
     fixerAffichage({});
     return page;
@@ -228,24 +295,53 @@ QWidget *frmSettings::ongletAffichage()
 
 void frmSettings::fixerAffichage(const AffichageCalendrier &a)
 {
+    m_options = a.options;
+    const CalendarOptions &o = a.options;
     cmbTimeScale->setCurrentIndex(std::max(0, cmbTimeScale->findData(a.echelle)));
-    cmbFirstDayOfWeek->setCurrentIndex(std::max(0, cmbFirstDayOfWeek->findData(a.premierJour)));
+    cmbStartTime->setCurrentIndex(std::max(0, cmbStartTime->findData(QTime(a.debut.hour(), a.debut.minute() / 30 * 30))));
+    cmbEndTime->setCurrentIndex(std::max(0, cmbEndTime->findData(QTime(a.fin.hour(), a.fin.minute() / 30 * 30))));
+    cmbFirstDayOfWeek->setCurrentIndex(std::max(0, cmbFirstDayOfWeek->findData(o.firstDayOfWeek)));
     for (int j = 1; j <= 7; ++j)
-        chkWorkDay[j]->setChecked(a.joursOuvres & (1 << (j - 1)));
+        chkWorkDay[j]->setChecked(o.workDaysMask & (1 << (j - 1)));
     cmbToolTipsMode->setCurrentIndex(std::clamp(a.infobulles, 0, 2));
+    chkShowTimeAsClockWeek->setChecked(o.weekTimes.asClock);
+    chkShowEndTimeWeek->setChecked(o.weekTimes.endTime);
+    chkWVShowStartTimeAlways->setChecked(o.weekTimes.startAlways);
+    chkWVShowEndTimeAlways->setChecked(o.weekTimes.endAlways);
+    chkShowTimeAsClockMonth->setChecked(o.monthTimes.asClock);
+    chkShowEndTimeMonth->setChecked(o.monthTimes.endTime);
+    chkMVShowStartTimeAlways->setChecked(o.monthTimes.startAlways);
+    chkMVShowEndTimeAlways->setChecked(o.monthTimes.endAlways);
+    chkComperssWeekendDays->setChecked(o.compressWeekendDays);
+    cmbWeeksCount->setCurrentIndex(o.monthWeeksCount >= 2 && o.monthWeeksCount <= 6 ? o.monthWeeksCount - 2 : -1);
+    chkOthEnableTooltip->setChecked(o.enableTooltips);
+    txtOthAddNew->setText(o.addNewText);
+    txtOthAddNew->setEnabled(o.enableTooltips);
 }
 
 AffichageCalendrier frmSettings::affichage() const
 {
     AffichageCalendrier a;
     a.echelle = cmbTimeScale->currentData().toInt();
-    a.premierJour = cmbFirstDayOfWeek->currentData().toInt();
-    a.joursOuvres = 0;
+    a.debut = cmbStartTime->currentData().toTime();
+    a.fin = cmbEndTime->currentData().toTime();
+    a.infobulles = cmbToolTipsMode->currentIndex();
+    CalendarOptions &o = a.options;
+    o = m_options;
+    o.firstDayOfWeek = cmbFirstDayOfWeek->currentData().toInt();
+    o.workDaysMask = 0;
     for (int j = 1; j <= 7; ++j) {
         if (chkWorkDay[j]->isChecked())
-            a.joursOuvres |= 1 << (j - 1);
+            o.workDaysMask |= 1 << (j - 1);
     }
-    a.infobulles = cmbToolTipsMode->currentIndex();
+    o.weekTimes = {chkShowTimeAsClockWeek->isChecked(), chkShowEndTimeWeek->isChecked(),
+                   chkWVShowStartTimeAlways->isChecked(), chkWVShowEndTimeAlways->isChecked()};
+    o.monthTimes = {chkShowTimeAsClockMonth->isChecked(), chkShowEndTimeMonth->isChecked(),
+                    chkMVShowStartTimeAlways->isChecked(), chkMVShowEndTimeAlways->isChecked()};
+    o.compressWeekendDays = chkComperssWeekendDays->isChecked();
+    o.monthWeeksCount = cmbWeeksCount->currentIndex() < 0 ? 0 : cmbWeeksCount->currentIndex() + 2;
+    o.enableTooltips = chkOthEnableTooltip->isChecked();
+    o.addNewText = txtOthAddNew->text();
     return a;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "calendar/calendarlabel.h"
+#include "calendar/view/viewtypes.h"
 #include "rules/reglages.h"
 
 #include <QDialog>
@@ -16,15 +17,17 @@ class QTabWidget;
 class QTableWidget;
 
 // What the configuration dialog sets of the calendar's display, for the
-// session: the time scale in minutes, the first day of the week and the work
-// days of the work-week view (1 / bit 0 = Sunday), the tooltip mode
-// (0 standard, 1 custom, 2 none).
+// session: the time scale in minutes, the work day drawn in the day views,
+// the tooltip mode (0 standard, 1 custom, 2 none) and the calendar's own
+// options (work days, first day of the week, the week and month views'
+// times, compressed weekend, weeks of the month view, the add-new hint).
 struct AffichageCalendrier
 {
     int echelle = 30;
-    int premierJour = 2;
-    int joursOuvres = 0x3E;
+    QTime debut{8, 0};
+    QTime fin{19, 0};
     int infobulles = 0;
+    CalendarOptions options;
 };
 
 // "Configuration....": the practice as a whole (hours, the two
@@ -55,9 +58,23 @@ public:
     QPushButton *btnLiaisons = nullptr;      // frmZek_AG2, the four slots
     // The display tab.
     QComboBox *cmbTimeScale = nullptr;
+    QComboBox *cmbStartTime = nullptr;
+    QComboBox *cmbEndTime = nullptr;
     QComboBox *cmbFirstDayOfWeek = nullptr;
     std::array<QCheckBox *, 8> chkWorkDay{}; // 1 = Sunday ... 7 = Saturday
     QComboBox *cmbToolTipsMode = nullptr;
+    QCheckBox *chkShowTimeAsClockWeek = nullptr;
+    QCheckBox *chkShowEndTimeWeek = nullptr;
+    QCheckBox *chkWVShowStartTimeAlways = nullptr;
+    QCheckBox *chkWVShowEndTimeAlways = nullptr;
+    QCheckBox *chkShowTimeAsClockMonth = nullptr;
+    QCheckBox *chkShowEndTimeMonth = nullptr;
+    QCheckBox *chkMVShowStartTimeAlways = nullptr;
+    QCheckBox *chkMVShowEndTimeAlways = nullptr;
+    QCheckBox *chkComperssWeekendDays = nullptr;
+    QComboBox *cmbWeeksCount = nullptr;
+    QCheckBox *chkOthEnableTooltip = nullptr;
+    QLineEdit *txtOthAddNew = nullptr;
     // The rule tab.
     std::array<QRadioButton *, 8> optDay{};  // 1 = Sunday ... 7 = Saturday
     std::array<QRadioButton *, 2> OpDate{};
@@ -107,4 +124,5 @@ private:
 
     ReglagesCabinet m_reglages;
     CalendarLabelList m_libelles;
+    CalendarOptions m_options;   // the calendar's, as the dialog found them
 };

@@ -21,6 +21,7 @@
 #include <QAction>
 #include <QDialog>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QLabel>
 #include <QMenu>
 #include <QSqlDatabase>
@@ -347,6 +348,8 @@ private Q_SLOTS:
             auto &reglages = dynamic_cast<frmSettings &>(d);
             reglages.chkWorkDay[6]->setChecked(false);
             reglages.chkWorkDay[7]->setChecked(true);
+            reglages.cmbTimeScale->setCurrentText(QStringLiteral("20 minutes"));
+            reglages.cmbWeeksCount->setCurrentText(QStringLiteral("3"));
             reglages.cmdOk_Click();
             return d.result();
         });
@@ -354,6 +357,8 @@ private Q_SLOTS:
         QCOMPARE(ouverts, QStringList{QStringLiteral("frmSettings")});
         QCOMPARE(p.f->CalendarControl->shownDaysCount(), 5);
         QCOMPARE(p.f->CalendarControl->shownDay(4).dayOfWeek(), 6);
+        QCOMPARE(p.f->CalendarControl->timeScale(), 20);
+        QCOMPARE(p.f->CalendarControl->options().monthWeeksCount, 3);
     }
 
     // The view buttons and the date line, in the order a user would click.

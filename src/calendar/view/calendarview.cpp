@@ -124,7 +124,7 @@ CalendarViewType CalendarView::viewType() const { return m_type; }
 
 void CalendarView::setTimeScale(int minutes)
 {
-    static const int scales[] = {60, 30, 15, 10, 5};
+    static const int scales[] = {5, 6, 10, 15, 20, 30, 45, 60, 90, 120};
     if (std::find(std::begin(scales), std::end(scales), minutes) == std::end(scales))
         return;
     const int old = m_timeScale;
@@ -212,7 +212,8 @@ const CalendarOptions &CalendarView::options() const { return m_options; }
 
 void CalendarView::setOptions(const CalendarOptions &options)
 {
-    const bool jours = options.workDaysMask != m_options.workDaysMask || options.firstDayOfWeek != m_options.firstDayOfWeek;
+    const bool jours = options.workDaysMask != m_options.workDaysMask || options.firstDayOfWeek != m_options.firstDayOfWeek
+                       || options.monthWeeksCount != m_options.monthWeeksCount;
     m_options = options;
     if (jours) {
         layOutDays();

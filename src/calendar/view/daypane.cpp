@@ -542,7 +542,9 @@ void DayPane::paintScale(QPainter &p, const QRect &r, int offset)
         else
             p.drawLine(split, y + m_rowHeight - 1, r.right() - 2, y + m_rowHeight - 1);
         p.setPen(t.timeScaleText);
-        if (minute % 60 == 0) {
+        // Steps that do not divide the hour (45, 90 minutes) put the hour on
+        // every row.
+        if (minute % 60 == 0 || 60 % scale() != 0) {
             p.setFont(hourFont);
             p.drawText(QRect(r.left(), y + 1, split - r.left(), rowsPerHour * m_rowHeight - 2), Qt::AlignRight | Qt::AlignTop,
                        QString::number(shown / 60));

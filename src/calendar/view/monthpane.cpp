@@ -9,6 +9,7 @@
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -100,11 +101,52 @@ void DayBoxPane::paintToday(QPainter &p) const
     }
 }
 
-QString DayBoxPane::lineText(const CalendarEvent &event, const QDate &day)
+QString DayBoxPane::timesText(const DayBoxLineTimes &times)
 {
-    if (event.IsAllDayEvent() || event.StartDateTime().date() != day)
-        return event.Subject();
-    return event.StartDateTime().toString(QStringLiteral("HH:mm")) + u' ' + event.Subject();
+    const QString format = QStringLiteral("HH:mm");
+    if (times.start.isValid() && times.end.isValid())
+        return times.start.toString(format) + u'-' + times.end.toString(format);
+    if (times.end.isValid())
+        return u'-' + times.end.toString(format);
+    return times.start.isValid() ? times.start.toString(format) : QString();
+}
+
+int DayBoxPane::paintTimes(QPainter &p, const QRect &r, const DayBoxLineTimes &times) const
+{
+    if (!lineTimes().asClock) {
+        const QString text = timesText(times);
+        if (text.isEmpty())
+            return 0;
+        QFont f = font();
+        f.setBold(true);
+        p.setFont(f);
+        p.drawText(r, Qt::AlignVCenter | Qt::AlignLeft, text);
+        p.setFont(font());
+        return QFontMetrics(f).horizontalAdvance(text + u' ');
+    }
+    // A clock face for each time shown, hands at the hour and minute.
+    const int d = std::max(7, r.height() - 3);
+    int x = r.left();
+    p.save();
+    p.setRenderHint(QPainter::Antialiasing);
+    for (const QTime &t : {times.start, times.end}) {
+        if (!t.isValid())
+            continue;
+        const QRectF face(x + 0.5, r.top() + (r.height() - d) / 2.0 + 0.5, d - 1, d - 1);
+        p.setPen(QPen(p.pen().color(), 1));
+        p.setBrush(Qt::white);
+        p.drawEllipse(face);
+        const QPointF c = face.center();
+        const auto hand = [&](qreal turns, qreal length) {
+            const qreal a = turns * 2 * M_PI;
+            p.drawLine(c, c + QPointF(std::sin(a), -std::cos(a)) * length * face.width() / 2);
+        };
+        hand((t.hour() % 12 + t.minute() / 60.0) / 12.0, 0.55);
+        hand(t.minute() / 60.0, 0.85);
+        x += d + 2;
+    }
+    p.restore();
+    return x == r.left() ? 0 : x - r.left() + 3;
 }
 
 void DayBoxPane::resizeEvent(QResizeEvent *event)
@@ -141,18 +183,35 @@ void DayBoxPane::relayout()
         capacity.append(std::max(0, (b.body.height() - 2) / lh));
     const QList<MonthLayoutDay> layout = LayoutMonthDays(m_days, items, capacity, daysPerRow());
 
+    // A bar runs on from box i-1 into box i only where the two stand side by
+    // side on one line (not from Saturday down to Sunday in a shared column).
+    const auto joined = [this](int i) {
+        return i > 0 && i < m_boxes.size() && i % daysPerRow() != 0
+               && m_boxes.at(i).rect.top() == m_boxes.at(i - 1).rect.top()
+               && m_boxes.at(i).rect.left() == m_boxes.at(i - 1).rect.right() + 1;
+    };
     m_lines.clear();
     m_overflow.clear();
     for (int i = 0; i < layout.size(); ++i) {
         const Box &b = m_boxes.at(i);
         QList<Line> lines;
-        for (const MonthLayoutLine &l : layout.at(i).lines) {
+        for (MonthLayoutLine l : layout.at(i).lines) {
             QRect r(b.body.left() + 2, b.body.top() + 1 + l.lane * lh, b.body.width() - 4, lh - 2);
-            // Bars reach the edges of the boxes they run on into.
-            if (l.bar && l.continuesBefore && daysPerRow() > 1 && i % daysPerRow() != 0)
-                r.setLeft(b.rect.left());
-            if (l.bar && l.continuesAfter && daysPerRow() > 1 && (i + 1) % daysPerRow() != 0)
-                r.setRight(b.rect.right() + 1);
+            if (l.bar) {
+                // Bars reach the edges of the boxes they run on into, and are
+                // drawn whole from the first box of each stretch.
+                if (l.continuesBefore && joined(i))
+                    r.setLeft(b.rect.left());
+                if (l.continuesAfter && joined(i + 1))
+                    r.setRight(b.rect.right() + 1);
+                l.spanInRow = l.continuesBefore && joined(i) ? 0 : 1;
+                for (int j = i + 1; l.spanInRow > 0 && joined(j) && j < layout.size(); ++j) {
+                    const auto &next = layout.at(j).lines;
+                    if (std::none_of(next.begin(), next.end(), [&](const MonthLayoutLine &n) { return n.item == l.item; }))
+                        break;
+                    ++l.spanInRow;
+                }
+            }
             lines.append({l, r});
         }
         m_lines.append(lines);
@@ -307,13 +366,16 @@ void DayBoxPane::paintLine(QPainter &p, const Line &l, int i, const QDate &day, 
         p.drawPath(path);
         p.setRenderHint(QPainter::Antialiasing, false);
 
-        const QRect text = whole.adjusted(5, 0, -4, 0);
-        QString s = lineText(*e, day);
-        if (l.line.continuesBefore)
-            s.prepend(QStringLiteral("« "));
+        QRect text = whole.adjusted(5, 0, -4, 0);
+        p.setPen(textOn(back, theme.eventText));
+        if (l.line.continuesBefore) {
+            p.drawText(text, Qt::AlignVCenter | Qt::AlignLeft, QStringLiteral("« "));
+            text.setLeft(text.left() + fontMetrics().horizontalAdvance(QStringLiteral("« ")));
+        }
+        text.setLeft(text.left() + paintTimes(p, text, LineTimesForDay(*e, day, lineTimes())));
+        QString s = e->Subject();
         if (goesOn)
             s.append(QStringLiteral(" »"));
-        p.setPen(textOn(back, theme.eventText));
         p.drawText(text, Qt::AlignVCenter | Qt::AlignLeft, fontMetrics().elidedText(s, Qt::ElideRight, text.width()));
     } else {
         // A timed appointment: a marker in its label's colour, then the
@@ -329,15 +391,8 @@ void DayBoxPane::paintLine(QPainter &p, const Line &l, int i, const QDate &day, 
         p.setPen(theme.eventBorder);
         p.drawRect(marker.adjusted(0, 0, -1, -1));
         const QRect text = r.adjusted(marker.width() + 7, 0, -2, 0);
-        const QString time = e->StartDateTime().toString(QStringLiteral("HH:mm"));
         p.setPen(selected ? textOn(theme.selection, theme.eventText) : theme.eventText);
-        QFont f = font();
-        f.setBold(true);
-        p.setFont(f);
-        const int tw = QFontMetrics(f).horizontalAdvance(time + u' ');
-        p.drawText(text, Qt::AlignVCenter | Qt::AlignLeft, time);
-        p.setFont(font());
-        const QRect rest = text.adjusted(tw, 0, 0, 0);
+        const QRect rest = text.adjusted(paintTimes(p, text, LineTimesForDay(*e, day, lineTimes())), 0, 0, 0);
         p.drawText(rest, Qt::AlignVCenter | Qt::AlignLeft,
                    fontMetrics().elidedText(e->Subject(), Qt::ElideRight, rest.width()));
     }
@@ -349,6 +404,14 @@ MonthPane::MonthPane(CalendarView *view, QWidget *parent) : DayBoxPane(view, par
 
 QList<QDate> MonthPane::daysFor(const QDate &anchor) const
 {
+    const int weeks = m_view->options().monthWeeksCount;
+    if (weeks >= 2 && weeks <= 6) {
+        const QDate monday = anchor.addDays(1 - anchor.dayOfWeek());
+        QList<QDate> days;
+        for (int i = 0; i < 7 * weeks; ++i)
+            days.append(monday.addDays(i));
+        return days;
+    }
     const QDate first(anchor.year(), anchor.month(), 1);
     const QDate last = first.addMonths(1).addDays(-1);
     QDate day = first.addDays(1 - first.dayOfWeek());
@@ -374,8 +437,15 @@ int MonthPane::shownMonth() const
     return m_days.isEmpty() ? 0 : m_days.at(m_days.size() / 2).month();
 }
 
+const DayBoxTimes &MonthPane::lineTimes() const { return m_view->options().monthTimes; }
+
+bool MonthPane::weekendShared() const { return m_view->options().compressWeekendDays; }
+
 QDate MonthPane::stepDay(int direction) const
 {
+    // A chosen number of weeks scrolls by a week, the whole month by a month.
+    if (m_view->options().monthWeeksCount >= 2)
+        return m_days.first().addDays(7 * direction);
     const QDate middle = m_days.at(m_days.size() / 2);
     return QDate(middle.year(), middle.month(), 1).addMonths(direction);
 }
@@ -391,13 +461,20 @@ void MonthPane::placeBoxes()
     const int h = std::max(0, height() - top);
     const int w = width() - m_weekColumn;
     const int header = fontMetrics().height() + 4;
+    const bool shared = weekendShared();
+    const int columns = shared ? 6 : 7;
     for (int i = 0; i < m_boxes.size(); ++i) {
         const int row = i / 7;
-        const int col = i % 7;
-        const int x0 = m_weekColumn + col * w / 7;
-        const int x1 = m_weekColumn + (col + 1) * w / 7;
-        const int y0 = top + row * h / rows;
-        const int y1 = top + (row + 1) * h / rows;
+        const int col = std::min(i % 7, columns - 1);
+        const int x0 = m_weekColumn + col * w / columns;
+        const int x1 = m_weekColumn + (col + 1) * w / columns;
+        int y0 = top + row * h / rows;
+        int y1 = top + (row + 1) * h / rows;
+        if (shared && i % 7 >= 5) {
+            // Saturday above, Sunday below.
+            const int middle = (y0 + y1) / 2;
+            (i % 7 == 5 ? y1 : y0) = middle;
+        }
         Box &b = m_boxes[i];
         b.rect = QRect(x0, y0, x1 - x0, y1 - y0);
         b.header = QRect(x0, y0, x1 - x0, std::min(header, y1 - y0));
@@ -422,10 +499,15 @@ void MonthPane::paintEvent(QPaintEvent *)
     const bool longNames = widest + 8 <= m_weekdayBand.width() / 7;
     p.setFont(bold);
     p.setPen(theme.headerText);
+    const QLocale::FormatType format = longNames && !weekendShared() ? QLocale::LongFormat : QLocale::ShortFormat;
     for (int col = 0; col < 7 && col < m_boxes.size(); ++col) {
         const QRect &box = m_boxes.at(col).rect;
-        p.drawText(QRect(box.left(), m_weekdayBand.top(), box.width(), m_weekdayBand.height()), Qt::AlignCenter,
-                   calendarLocale().dayName(col + 1, longNames ? QLocale::LongFormat : QLocale::ShortFormat));
+        QString name = calendarLocale().dayName(col + 1, format);
+        if (weekendShared() && col == 5)
+            name += u'/' + calendarLocale().dayName(7, format);
+        else if (weekendShared() && col == 6)
+            continue;
+        p.drawText(QRect(box.left(), m_weekdayBand.top(), box.width(), m_weekdayBand.height()), Qt::AlignCenter, name);
     }
     p.setFont(font());
     if (m_weekColumn > 0) {
@@ -438,9 +520,11 @@ void MonthPane::paintEvent(QPaintEvent *)
         }
     }
 
-    const int month = shownMonth();
+    // Whole months shade the days of their neighbours; a number of weeks
+    // shows every day alike.
+    const int month = m_view->options().monthWeeksCount >= 2 ? 0 : shownMonth();
     for (const Box &b : std::as_const(m_boxes)) {
-        const bool other = b.day.month() != month;
+        const bool other = month != 0 && b.day.month() != month;
         const int more = overflow(b.day);
         paintBox(p, b, other ? theme.monthOtherMonth : theme.workingHours, QColor(), Qt::AlignLeft,
                  more > 0 ? QStringLiteral("+%1").arg(more) : QString(), other);

@@ -42,10 +42,9 @@ public:
     // How many appointments of the day did not fit its box.
     [[nodiscard]] int overflow(const QDate &day) const;
 
-    // Text of an appointment's line in a day box: "HH:mm subject" for one
-    // that starts that day at a time, the subject alone for an all-day one
-    // and on the following days of a long one.
-    [[nodiscard]] static QString lineText(const CalendarEvent &event, const QDate &day);
+    // The times of a line as text: "HH:mm", "HH:mm-HH:mm", "-HH:mm" when
+    // only the end is shown, empty when none is.
+    [[nodiscard]] static QString timesText(const DayBoxLineTimes &times);
 
 protected:
     // Sets the rectangles and header texts of m_boxes (one per day, in the
@@ -57,6 +56,8 @@ protected:
     [[nodiscard]] virtual int daysPerRow() const = 0;
     // The day to show after a wheel step up (-1) or down (+1).
     [[nodiscard]] virtual QDate stepDay(int direction) const = 0;
+    // How this view writes the times of its lines.
+    [[nodiscard]] virtual const DayBoxTimes &lineTimes() const = 0;
 
     [[nodiscard]] int lineHeight() const;
     [[nodiscard]] bool isSelectedDay(const QDate &day) const;
@@ -85,6 +86,9 @@ private:
     };
     void relayout();
     void paintLine(QPainter &painter, const Line &line, int box, const QDate &day, const CalendarTheme &theme) const;
+    // Draws the times at the left of r (digits or clock faces) and answers
+    // the width they took, a space included.
+    int paintTimes(QPainter &painter, const QRect &r, const DayBoxLineTimes &times) const;
     void selectAt(const QPoint &pos, bool add);
 
     QList<CalendarEventPtr> m_events;       // appointments of the shown days
@@ -93,8 +97,9 @@ private:
     bool m_scrolling = true;
 };
 
-// The month view: whole weeks, Monday first, covering the anchor's month,
-// under a line of weekday names. Days of the neighbouring months are shaded.
+// The month view: whole weeks, Monday first, covering the anchor's month
+// (or a chosen number of weeks from the anchor's week), under a line of
+// weekday names. Days of the neighbouring months are shaded.
 class MonthPane final : public DayBoxPane
 {
     Q_OBJECT
@@ -114,9 +119,14 @@ protected:
     [[nodiscard]] int boxArea() const override { return HitMonthDay; }
     [[nodiscard]] int daysPerRow() const override { return 7; }
     [[nodiscard]] QDate stepDay(int direction) const override;
+    [[nodiscard]] const DayBoxTimes &lineTimes() const override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    // With the weekend compressed, Saturday and Sunday share the last
+    // column, one above the other.
+    [[nodiscard]] bool weekendShared() const;
+
     QRect m_weekdayBand;
     int m_weekColumn = 0;   // width of the week numbers on the left
 };

@@ -96,3 +96,33 @@ QList<QDate> WorkWeekDays(const QDate &anchor, int workDaysMask, int firstDayOfW
     }
     return jours;
 }
+
+DayBoxLineTimes LineTimesForDay(const CalendarEvent &event, const QDate &day, const DayBoxTimes &options)
+{
+    DayBoxLineTimes times;
+    if (event.IsAllDayEvent())
+        return times;
+    const QDateTime start = event.StartDateTime();
+    const QDateTime end = event.EndDateTime();
+    // An appointment ending at 00:00 ends with the day before.
+    const QDate lastDay = end.time() == QTime(0, 0) && end.date() > start.date() ? end.date().addDays(-1) : end.date();
+    if (start.date() == day || options.startAlways)
+        times.start = start.time();
+    if ((options.endTime && lastDay == day) || options.endAlways)
+        times.end = end.time();
+    return times;
+}
+
+QString CalendarTipText(const CalendarHit &hit, bool cellSelected, int toolTipsMode, bool enableTooltips,
+                        const QString &addNewText)
+{
+    if (hit.event) {
+        if (toolTipsMode == 2)
+            return {};
+        const CalendarEvent &e = *hit.event;
+        return e.StartDateTime().toString(QStringLiteral("HH:mm")) + u'-' + e.EndDateTime().toString(QStringLiteral("HH:mm"))
+               + u' ' + e.Subject().simplified();
+    }
+    const bool cell = hit.area == HitDayCell || hit.area == HitAllDayBand || hit.area == HitWeekDay || hit.area == HitMonthDay;
+    return enableTooltips && cell && cellSelected ? addNewText : QString();
+}

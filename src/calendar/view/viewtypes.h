@@ -107,6 +107,34 @@ struct CalendarTheme
 // Monday to Friday).
 [[nodiscard]] QList<QDate> WorkWeekDays(const QDate &anchor, int workDaysMask, int firstDayOfWeek);
 
+// How the week and month views write an appointment's times: as a small
+// clock face instead of digits, with the end time after the start, and on
+// every day box of an appointment that runs over several days (otherwise the
+// start on its first day and the end on its last).
+struct DayBoxTimes
+{
+    bool asClock = false;
+    bool endTime = false;
+    bool startAlways = false;
+    bool endAlways = false;
+    friend bool operator==(const DayBoxTimes &, const DayBoxTimes &) = default;
+};
+
+// The times shown on an appointment's line in the box of one day (invalid:
+// not shown). An all-day appointment shows none.
+struct DayBoxLineTimes
+{
+    QTime start;
+    QTime end;
+};
+[[nodiscard]] DayBoxLineTimes LineTimesForDay(const CalendarEvent &event, const QDate &day, const DayBoxTimes &options);
+
+// The text of the tooltip of the calendar at a point: an appointment's hours
+// and subject (none in tooltip mode 2), or over a selected free cell the
+// "add new" hint; empty when there is nothing to say.
+[[nodiscard]] QString CalendarTipText(const CalendarHit &hit, bool cellSelected, int toolTipsMode,
+                                      bool enableTooltips, const QString &addNewText);
+
 struct CalendarOptions
 {
     // In-place editing of an appointment's subject and in-place creation.
@@ -135,6 +163,17 @@ struct CalendarOptions
     // (1 Sunday ... 7 Saturday).
     int workDaysMask = 0x3E;
     int firstDayOfWeek = 2;
+    // Times on the lines of the week and month views.
+    DayBoxTimes weekTimes;
+    DayBoxTimes monthTimes;
+    // The month view: Saturday and Sunday share one column; how many weeks
+    // it shows from the week of the day shown (0: the weeks of its month).
+    bool compressWeekendDays = false;
+    int monthWeeksCount = 0;
+    // The hint over a selected free cell ("txtOthAddNew"), shown while
+    // tooltips of the calendar are on.
+    bool enableTooltips = true;
+    QString addNewText = QStringLiteral("Cliquer pour ajouter un rendez-vous");
 
     friend bool operator==(const CalendarOptions &, const CalendarOptions &) = default;
 };

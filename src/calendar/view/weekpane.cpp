@@ -22,6 +22,8 @@ QString WeekPane::headerText(const QDate &day)
 
 QDate WeekPane::stepDay(int direction) const { return m_days.first().addDays(7 * direction); }
 
+const DayBoxTimes &WeekPane::lineTimes() const { return m_view->options().weekTimes; }
+
 void WeekPane::placeBoxes()
 {
     const int header = fontMetrics().height() + 6;

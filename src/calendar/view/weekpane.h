@@ -21,5 +21,6 @@ protected:
     [[nodiscard]] int boxArea() const override { return HitWeekDay; }
     [[nodiscard]] int daysPerRow() const override { return 1; }
     [[nodiscard]] QDate stepDay(int direction) const override;
+    [[nodiscard]] const DayBoxTimes &lineTimes() const override;
     void paintEvent(QPaintEvent *event) override;
 };

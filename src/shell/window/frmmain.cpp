@@ -547,51 +547,43 @@ void frmMain::setToolTips_Mode(int mode)
 
 bool frmMain::infobulle(QWidget *zone, const QHelpEvent *aide)
 {
-    if (!infobullesActives())
-        return false;
     const CalendarHit hit = CalendarControl->hitTest(zone->mapTo(CalendarControl, aide->pos()));
-    if (!hit.event) {
+    const CalendarSelection s = CalendarControl->selection();
+    const bool choisie = s.isValid() && hit.time.isValid() && hit.time >= s.begin && hit.time < s.end;
+    const CalendarOptions &o = CalendarControl->options();
+    const QString texte = CalendarTipText(hit, choisie, ToolTips_Mode(), o.enableTooltips, o.addNewText);
+    if (texte.isEmpty())
         QToolTip::hideText();
-        return true;
-    }
-    const CalendarEventPtr &e = hit.event;
-    const QString texte = e->StartDateTime().toString(QStringLiteral("HH:mm")) + QStringLiteral("-")
-                          + e->EndDateTime().toString(QStringLiteral("HH:mm")) + QStringLiteral(" ") + e->Subject().simplified();
-    QToolTip::showText(aide->globalPos(), texte, zone);
+    else
+        QToolTip::showText(aide->globalPos(), texte, zone);
     return true;
 }
 
 void frmMain::optionsAgenda()
 {
     frmSettings reglages(this);
-    const CalendarOptions avant = CalendarControl->options();
-    reglages.fixerAffichage({CalendarControl->timeScale(), avant.firstDayOfWeek, avant.workDaysMask, ToolTips_Mode()});
-    const bool valide = ExecuterDialogue(reglages) == QDialog::Accepted;
-    if (valide) {
+    reglages.fixerAffichage({CalendarControl->timeScale(), m_parametres.debutJournee, m_parametres.finJournee,
+                             ToolTips_Mode(), CalendarControl->options()});
+    if (ExecuterDialogue(reglages) == QDialog::Accepted) {
         // The display choices hold for the session (ApplySettings).
         const AffichageCalendrier a = reglages.affichage();
-        CalendarOptions options = avant;
-        options.firstDayOfWeek = a.premierJour;
-        options.workDaysMask = a.joursOuvres;
-        CalendarControl->setOptions(options);
+        CalendarControl->setOptions(a.options);
         CalendarControl->setTimeScale(a.echelle);
         setToolTips_Mode(a.infobulles);
+        if (a.debut.isValid() && a.fin.isValid()) {
+            m_parametres.debutJournee = a.debut;
+            m_parametres.finJournee = a.fin;
+            CalendarControl->setWorkingHours(a.debut, a.fin);
+        }
+        if (!reglages.libelles().isEmpty()) {
+            m_parametres.libelles = reglages.libelles();
+            if (appState().Calendrier)
+                appState().Calendrier->setLabelList(m_parametres.libelles);
+            CalendarControl->setLabels(m_parametres.libelles);
+        }
     }
     // The rule tab writes at once: its rules colour the cells even when the
     // dialog is cancelled afterwards.
-    if (valide && !reglages.libelles().isEmpty()) {
-        m_parametres.libelles = reglages.libelles();
-        if (appState().Calendrier)
-            appState().Calendrier->setLabelList(m_parametres.libelles);
-        CalendarControl->setLabels(m_parametres.libelles);
-        const QTime debut = QTime::fromString(reglages.reglages().debut, QStringLiteral("HH:mm:ss"));
-        const QTime fin = QTime::fromString(reglages.reglages().fin, QStringLiteral("HH:mm:ss"));
-        if (debut.isValid() && fin.isValid()) {
-            m_parametres.debutJournee = debut;
-            m_parametres.finJournee = fin;
-            CalendarControl->setWorkingHours(debut, fin);
-        }
-    }
     actualiser();
 }
 

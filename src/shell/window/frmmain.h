@@ -67,7 +67,6 @@ public:
     // the same text as mode 0).
     [[nodiscard]] int ToolTips_Mode() const { return m_modeInfobulles; }
     void setToolTips_Mode(int mode);
-    [[nodiscard]] bool infobullesActives() const { return m_modeInfobulles < 2; }
 
     // --- Controls -------------------------------------------------------
     QLabel *lblCaption = nullptr;

@@ -283,6 +283,70 @@ private Q_SLOTS:
         QCOMPARE(boxes.last().rect.bottom(), pane->height() - 1);
     }
 
+    // The times written on a line, by the week and month views' options:
+    // "c" clock (no effect on the text), "e" end time, "S"/"E" start/end on
+    // every day. Appointments drawn as above; the day counted from Monday.
+    void lineTimes_data()
+    {
+        QTest::addColumn<QString>("rdv");
+        QTest::addColumn<int>("day");
+        QTest::addColumn<QString>("options");
+        QTest::addColumn<QString>("times");
+        QTest::newRow("one day") << "B 1@9" << 1 << "" << "09:00";
+        QTest::newRow("one day, end") << "B 1@9" << 1 << "ce" << "09:00-09:30";
+        QTest::newRow("middle day") << "A 0-2" << 1 << "e" << "";
+        QTest::newRow("middle day, both always") << "A 0-2" << 1 << "SE" << "10:00-11:00";
+        QTest::newRow("last day, end") << "A 0-2" << 2 << "e" << "-11:00";
+        QTest::newRow("first day, end") << "A 0-2" << 0 << "e" << "10:00";
+        QTest::newRow("until midnight") << "D 4m" << 4 << "e" << "22:00-00:00";
+        QTest::newRow("all day") << "C 2j" << 2 << "eSE" << "";
+    }
+    void lineTimes()
+    {
+        QFETCH(QString, rdv);
+        QFETCH(int, day);
+        QFETCH(QString, options);
+        QFETCH(QString, times);
+        const MonthLayoutItem it = dessin(rdv, 1);
+        const CalendarEventPtr e = CalendarEvent::create();
+        e->setStartDateTime(it.start);
+        e->setEndDateTime(it.end);
+        e->setIsAllDayEvent(it.allDay);
+        const DayBoxTimes o{options.contains(u'c'), options.contains(u'e'), options.contains(u'S'), options.contains(u'E')};
+        QCOMPARE(DayBoxPane::timesText(LineTimesForDay(*e, lundi.addDays(day), o)), times);
+    }
+
+    // Two weeks from the anchor's week, Saturday over Sunday in one column:
+    // a bar from Friday to Sunday is drawn on each of its three boxes.
+    void monthWeeksAndWeekend()
+    {
+        Agenda a;
+        CalendarOptions o = a.view.options();
+        o.monthWeeksCount = 2;
+        o.compressWeekendDays = true;
+        a.view.setOptions(o);
+        a.view.setViewType(CalendarViewType::Month);
+        a.view.ShowDay(QDate(2026, 11, 18));
+        QCOMPARE(a.view.shownDaysCount(), 14);
+        QCOMPARE(a.view.shownDay(0), QDate(2026, 11, 16));
+        CalendarEventPtr congres = a.ajouter(QDateTime(QDate(2026, 11, 20), QTime(0, 0)),
+                                             QDateTime(QDate(2026, 11, 23), QTime(0, 0)), QStringLiteral("Congrès"), true);
+        QVERIFY(congres);
+        a.view.Populate();
+        auto *pane = a.pane<MonthPane>();
+        QVERIFY(pane);
+        const auto &b = pane->boxes();
+        QCOMPARE(b.at(5).rect.left(), b.at(6).rect.left());
+        QVERIFY(b.at(6).rect.top() > b.at(5).rect.top());
+        QCOMPARE(b.at(6).rect.right(), pane->width() - 1);
+        const QImage image = pane->grab().toImage();
+        for (int day : {20, 21, 22}) {
+            const QRect r = pane->eventRect(congres, QDate(2026, 11, day));
+            QVERIFY2(!r.isEmpty(), qPrintable(QString::number(day)));
+            QCOMPARE(image.pixelColor(r.right() - 3, r.center().y()), a.view.labelColor(3));
+        }
+    }
+
     // A click on a box selects its day, a click on a line the appointment; a
     // double click is handed to the main window; lines that do not fit are
     // counted.
