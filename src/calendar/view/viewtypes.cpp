@@ -1,6 +1,7 @@
 #include "calendar/view/viewtypes.h"
 
 #include <algorithm>
+#include <cmath>
 
 const QLocale &calendarLocale()
 {
@@ -125,4 +126,31 @@ QString CalendarTipText(const CalendarHit &hit, bool cellSelected, int toolTipsM
     }
     const bool cell = hit.area == HitDayCell || hit.area == HitAllDayBand || hit.area == HitWeekDay || hit.area == HitMonthDay;
     return enableTooltips && cell && cellSelected ? addNewText : QString();
+}
+
+int ColourDistance(const QColor &a, const QColor &b)
+{
+    // Red-mean weighting: closer to what the eye sees than plain RGB.
+    const int rm = (a.red() + b.red()) / 2;
+    const int dr = a.red() - b.red();
+    const int dg = a.green() - b.green();
+    const int db = a.blue() - b.blue();
+    return static_cast<int>(std::sqrt(((512 + rm) * dr * dr >> 8) + 4 * dg * dg + ((767 - rm) * db * db >> 8)) / 3);
+}
+
+QString WaitingRoomMark() { return QStringLiteral("\u2714 "); }
+
+EventBlockStyle EventBlockColors(const QColor &label, const QColor &cell, int busyStatus, bool allDay,
+                                 const CalendarTheme &theme)
+{
+    EventBlockStyle s;
+    s.fill = label.isValid() ? label : QColor(Qt::white);
+    // Deepen, step by step, a fill that the cell would swallow.
+    for (int step = 0; step < 4 && cell.isValid() && ColourDistance(s.fill, cell) < 70; ++step)
+        s.fill = s.fill.lightness() > 60 ? s.fill.darker(118) : s.fill.lighter(150);
+    s.text = s.fill.lightness() < 120 ? QColor(Qt::white) : theme.eventText;
+    s.border = s.fill.darker(170);
+    s.waiting = !allDay && busyStatus == 0;
+    s.bar = s.waiting ? QColor(0x1E, 0x9E, 0x3C) : s.fill.darker(160);
+    return s;
 }

@@ -99,6 +99,28 @@ struct CalendarTheme
     [[nodiscard]] static CalendarTheme forNumber(int number);
 };
 
+// How an appointment's block is drawn over the cell behind it, on the screen
+// and on paper alike. The fill is the label's colour, made deeper when it
+// would melt into the cell (rule colours and type colours come from the same
+// pale palette); the text is dark or white, whichever reads on the fill. A
+// timed appointment whose patient is in the waiting room (busy status 0) has
+// a green bar and the mark before its subject; all-day ones have no
+// presence to show.
+struct EventBlockStyle
+{
+    QColor fill;
+    QColor bar;       // the band down the block's left side
+    QColor border;
+    QColor text;
+    bool waiting = false;
+};
+[[nodiscard]] EventBlockStyle EventBlockColors(const QColor &label, const QColor &cell, int busyStatus, bool allDay,
+                                               const CalendarTheme &theme);
+// The mark written before the subject of a waiting patient's appointment.
+[[nodiscard]] QString WaitingRoomMark();
+// How far apart two colours look, 0 (same) to about 765.
+[[nodiscard]] int ColourDistance(const QColor &a, const QColor &b);
+
 // Options of the calendar that last for the session only: every start
 // begins with these values, and the advanced options and time zone dialogs
 // change them.
