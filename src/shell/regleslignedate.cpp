@@ -1,6 +1,5 @@
 #include "shell/regleslignedate.h"
 
-#include "calendar/reminderengine.h"
 #include "shell/base/support.h"
 
 #include <QLocale>
@@ -46,12 +45,4 @@ bool RefuserCreationWeekEnd(bool interrupteur, int operation, const QDateTime &d
         --n;
     const int w = JourSemaineDimanche1(premier);
     return w + n >= 7 || w == 1;
-}
-
-QString TexteRappelBarreEtat(const Reminder &rappel)
-{
-    const QString sujet = rappel.Event ? rappel.Event->Subject().simplified() : QString();
-    const QDateTime debut = rappel.StartTime.isValid() ? rappel.StartTime
-                                                       : (rappel.Event ? rappel.Event->StartDateTime() : QDateTime());
-    return QStringLiteral("Rappel : %1 à %2").arg(sujet, debut.time().toString(QStringLiteral("HH:mm")));
 }

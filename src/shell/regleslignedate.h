@@ -7,12 +7,9 @@
 
 #include <optional>
 
-struct Reminder;
-
 // The main window's small rules, kept apart from the widgets so that they can
-// be checked on their own: the date line above the calendar, the two guards
-// of the calendar's edit operations, and the status-bar text of a due
-// reminder.
+// be checked on their own: the date line above the calendar and the two
+// guards of the calendar's edit operations.
 
 // A day in the French long form, "lundi 23 novembre 2026", whatever the
 // machine's own language.
@@ -35,7 +32,3 @@ struct Reminder;
 // Sunday. No selection, nothing refused.
 [[nodiscard]] bool RefuserCreationWeekEnd(bool interrupteur, int operation, const QDateTime &debut, const QDateTime &fin,
                                           bool journeeEntiere);
-
-// Status-bar notice of a reminder that fired: "Rappel : <subject with its
-// padding blanks folded> à HH:mm".
-[[nodiscard]] QString TexteRappelBarreEtat(const Reminder &rappel);

@@ -298,7 +298,7 @@ private Q_SLOTS:
         QVERIFY(QToolTip::text().isEmpty());
         p.f->setToolTips_Mode(0);
         QApplication::sendEvent(zone, &aide);
-        QCOMPARE(QToolTip::text(), QStringLiteral("10:00-10:30 A"));
+        QCOMPARE(QToolTip::text(), QStringLiteral("10:00-10:30 A\nEn salle d'attente"));
         QToolTip::hideText();
         cliquer(*rdv, false);
         QVERIFY(p.f->dernierEvenementOuvert());
@@ -799,25 +799,30 @@ private Q_SLOTS:
         r.StartTime = QDateTime(QDate(2026, 11, 23), QTime(10, 30));
         ReminderEngine &moteur = *appState().MoteurRappels;
 
+        const auto visible = [&p] {
+            const auto *w = p.f->findChild<QDialog *>(QStringLiteral("frmReminders"));
+            return w && w->isVisible();
+        };
+
         // Under an open dialog the reminder waits for it to close.
         p.f->DialoguesOuverts = 1;
         emit moteur.reminderAction(ReminderEngine::Fire, r);
         QVERIFY(p.f->timerRMDForm->isActive());
-        QVERIFY(p.etat().isEmpty());
+        QVERIFY(!visible());
         QVERIFY(QMetaObject::invokeMethod(p.f->timerRMDForm, "timeout"));
         QVERIFY(p.f->timerRMDForm->isActive());
-        QVERIFY(p.etat().isEmpty());
+        QVERIFY(!visible());
         p.f->DialoguesOuverts = 0;
         QVERIFY(QMetaObject::invokeMethod(p.f->timerRMDForm, "timeout"));
         QVERIFY(!p.f->timerRMDForm->isActive());
-        QCOMPARE(p.etat(), QStringLiteral("Rappel : DUPONT Jean à 10:30"));
+        QVERIFY(visible());
 
-        // Other actions only concern the reminder window.
-        p.f->StatusBar->clearMessage();
+        // Other actions only concern the reminder window's list.
+        p.f->findChild<QDialog *>(QStringLiteral("frmReminders"))->close();
         emit moteur.reminderAction(ReminderEngine::Dismissed, r);
-        QVERIFY(p.etat().isEmpty());
+        QVERIFY(!visible());
         emit moteur.reminderAction(ReminderEngine::Fire, r);
-        QCOMPARE(p.etat(), QStringLiteral("Rappel : DUPONT Jean à 10:30"));
+        QVERIFY(visible());
     }
 
     void menuRappelsSuitLeMoteur()
@@ -828,7 +833,9 @@ private Q_SLOTS:
         emit p.f->mnuRappels->aboutToShow();
         QVERIFY(p.f->mnuReminders->isEnabled());
         p.f->mnuReminders->trigger();
-        QCOMPARE(p.etat(), QStringLiteral("Aucun rappel de rendez-vous en cours."));
+        const auto *w = p.f->findChild<QDialog *>(QStringLiteral("frmReminders"));
+        QVERIFY(w && w->isVisible());
+        QCOMPARE(w->windowTitle(), QStringLiteral("0 Rappel"));
         appState().MoteurRappels->setEnabled(false);
         emit p.f->mnuCalendar->aboutToShow();
         QVERIFY(!p.f->mnuReminders->isEnabled());

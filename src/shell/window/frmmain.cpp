@@ -8,6 +8,7 @@
 #include "calendar/view/calendarview.h"
 #include "calendar/view/colorationregles.h"
 #include "calendar/view/datepicker.h"
+#include "messaging/frmreminders.h"
 #include "patients/bouclesrecherche.h"
 #include "patients/dialoguesouverts.h"
 #include "patients/gestiontype.h"
@@ -637,6 +638,11 @@ void frmMain::closeEvent(QCloseEvent *event)
         Timer1->stop();
         timerRMDForm->stop();
         m_demarrage.arreter(rappelsActifs());
+        // The reminder windows go with the main window.
+        for (QWidget *w : std::initializer_list<QWidget *>{m_frmReminders, m_frmReminderSMS}) {
+            if (w)
+                w->close();
+        }
     }
     event->accept();
 }

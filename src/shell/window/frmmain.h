@@ -14,6 +14,9 @@
 
 class CalendarView;
 class DatePicker;
+class FenetreRappels;
+class frmReminderSMS;
+class frmReminders;
 class QAction;
 class QHelpEvent;
 class QLabel;
@@ -170,7 +173,8 @@ public:
 
     // The two ways into the appointment editor.
     void ouvrirEditeurNouveau();
-    void ouvrirEditeur(const CalendarEventPtr &evenement);
+    // With an owner, the editor is modal over that window (a reminder window).
+    void ouvrirEditeur(const CalendarEventPtr &evenement, QWidget *proprietaire = nullptr);
     // The last appointment handed to the editor (none for a new one).
     [[nodiscard]] CalendarEventPtr dernierEvenementOuvert() const { return m_dernierOuvert; }
 
@@ -211,7 +215,12 @@ private:
     bool infobulle(QWidget *zone, const QHelpEvent *aide);
 
     void surRappel(int action, const Reminder &rappel);
-    void montrerRappel();
+    // The two reminder windows, made on first use; the one that gets the
+    // engine's reports is the sending one when SMS or mail reminders are on.
+    [[nodiscard]] frmReminders *fenetreRappels();
+    [[nodiscard]] frmReminderSMS *fenetreRappelsSMS();
+    [[nodiscard]] FenetreRappels *fenetreRappelsChoisie();
+    void montrerRappel(FenetreRappels *fenetre);
     void verifierRappels();
     void commandeRappels();
     void majMenuRappels();
@@ -231,7 +240,8 @@ private:
     CalendarEventPtr m_evenementCible;
     CalendarEventPtr m_dernierOuvert;
     QMenu *m_menuDemande = nullptr;
-    Reminder m_rappelEnAttente;
+    frmReminders *m_frmReminders = nullptr;
+    frmReminderSMS *m_frmReminderSMS = nullptr;
     // The resources of the hidden manager, kept for the session.
     GestionRessources m_ressources;
 };

@@ -7,6 +7,7 @@
 #include "calendar/calendardataprovider.h"
 #include "calendar/view/calendarview.h"
 #include "calendar/view/datepicker.h"
+#include "messaging/frmreminders.h"
 #include "shell/appstate.h"
 #include "shell/base/horloge.h"
 #include "shell/base/modal.h"
@@ -16,7 +17,6 @@
 #include <QAction>
 #include <QCursor>
 #include <QMenu>
-#include <QStatusBar>
 #include <QTimer>
 
 namespace {
@@ -121,10 +121,10 @@ void frmMain::ouvrirEditeurNouveau()
     ExecuterDialogue(editeur);
 }
 
-void frmMain::ouvrirEditeur(const CalendarEventPtr &evenement)
+void frmMain::ouvrirEditeur(const CalendarEventPtr &evenement, QWidget *proprietaire)
 {
     m_dernierOuvert = evenement;
-    frmEditEvent editeur(appState().Calendrier.get(), this);
+    frmEditEvent editeur(appState().Calendrier.get(), proprietaire ? proprietaire : this);
     editeur.ModifyEvent(evenement);
     connect(&editeur, &frmEditEvent::Populate, CalendarControl, &CalendarView::Populate);
     ExecuterDialogue(editeur);
@@ -221,15 +221,49 @@ void frmMain::majMenuRappels()
     mnuReminders->setEnabled(rappelsActifs());
 }
 
+frmReminders *frmMain::fenetreRappels()
+{
+    if (!m_frmReminders && appState().MoteurRappels) {
+        m_frmReminders = new frmReminders(*appState().MoteurRappels, this);
+        m_frmReminders->ouvrirRendezVous = [this](QWidget *w, const CalendarEventPtr &e) { ouvrirEditeur(e, w); };
+    }
+    return m_frmReminders;
+}
+
+frmReminderSMS *frmMain::fenetreRappelsSMS()
+{
+    if (!m_frmReminderSMS && appState().MoteurRappels) {
+        m_frmReminderSMS = new frmReminderSMS(*appState().MoteurRappels, this);
+        m_frmReminderSMS->ouvrirRendezVous = [this](QWidget *w, const CalendarEventPtr &e) { ouvrirEditeur(e, w); };
+    }
+    return m_frmReminderSMS;
+}
+
+FenetreRappels *frmMain::fenetreRappelsChoisie()
+{
+    const AppState &etat = appState();
+    if (etat.RappelsSMS || etat.RappelsMails)
+        return fenetreRappelsSMS();
+    return fenetreRappels();
+}
+
 void frmMain::surRappel(int action, const Reminder &rappel)
 {
+    FenetreRappels *choisie = fenetreRappelsChoisie();
+    if (!choisie)
+        return;
+    choisie->OnReminders(action, rappel);
+    // The other window, when it is on screen, follows the engine too: its
+    // rows must keep standing for the engine's positions.
+    FenetreRappels *autre = choisie == m_frmReminders ? static_cast<FenetreRappels *>(m_frmReminderSMS) : m_frmReminders;
+    if (autre && autre->isVisible())
+        autre->OnReminders(action, rappel);
     if (action != ReminderEngine::Fire)
         return;
-    m_rappelEnAttente = rappel;
     if (DialoguesOuverts != 0)
         timerRMDForm->start();
     else
-        montrerRappel();
+        montrerRappel(choisie);
 }
 
 void frmMain::verifierRappels()
@@ -237,24 +271,30 @@ void frmMain::verifierRappels()
     if (DialoguesOuverts != 0)
         return;
     timerRMDForm->stop();
-    montrerRappel();
+    // The plain window, whichever window gets the reports; it is filled
+    // from the engine first.
+    if (frmReminders *f = fenetreRappels()) {
+        f->OnReminders(ReminderEngine::Fire, Reminder{});
+        montrerRappel(f);
+    }
 }
 
-void frmMain::montrerRappel()
+void frmMain::montrerRappel(FenetreRappels *fenetre)
 {
-    // The reminder list window takes this place when it comes; until then
-    // the due reminder is told in the status bar.
-    if (!m_rappelEnAttente.isNull())
-        StatusBar->showMessage(TexteRappelBarreEtat(m_rappelEnAttente));
+    if (!fenetre->isVisible())
+        fenetre->placerACote(this);
+    fenetre->show();
+    fenetre->raise();
 }
 
 void frmMain::commandeRappels()
 {
     if (DialoguesOuverts != 0)
         return;
-    const auto &moteur = appState().MoteurRappels;
-    const int n = moteur ? moteur->Count() : 0;
-    StatusBar->showMessage(n == 0 ? QStringLiteral("Aucun rappel de rendez-vous en cours.")
-                                  : QStringLiteral("Rappels de rendez-vous en cours : %1").arg(n),
-                           8000);
+    FenetreRappels *choisie = fenetreRappelsChoisie();
+    if (!choisie)
+        return;
+    if (!m_frmReminders || !m_frmReminders->isVisible())
+        choisie->OnReminders(ReminderEngine::Fire, Reminder{});
+    montrerRappel(choisie);
 }
