@@ -68,6 +68,8 @@ EnvoiRappels::EnvoiRappels(ReminderEngine &moteur, QObject *parent)
     , m_moteur(moteur)
 {
     m_minuterie.setSingleShot(true);
+    // The pause between reminders is a full second, never a little less.
+    m_minuterie.setTimerType(Qt::PreciseTimer);
     connect(&m_minuterie, &QTimer::timeout, this, &EnvoiRappels::avancer);
 }
 

@@ -71,7 +71,7 @@ FenetreRappels::FenetreRappels(ReminderEngine &moteur, const char *nom, QWidget 
     ctrlReminders->header()->setStretchLastSection(false);
     ctrlReminders->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     ctrlReminders->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
-    ctrlReminders->setMinimumSize(440, 150);
+    ctrlReminders->setMinimumSize(580, 150);
 
     btnDismissAll = nomme(new QPushButton(QStringLiteral("Rejeter &Tous les rappels"), this), "btnDismissAll");
     btnOpenItem = nomme(new QPushButton(QStringLiteral("&Ouvrir un item"), this), "btnOpenItem");
