@@ -9,6 +9,7 @@ PACKAGES=(
   qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libqt6sql6-odbc
   qt6-serialport-dev libqt6serialport6
   libical-dev libcurl4-openssl-dev libsqlite3-dev sqlite3
+  qt6-translations-l10n
   xvfb xauth socat fonts-liberation poppler-utils python3
   mariadb-server odbc-mariadb unixodbc unixodbc-dev
 )

@@ -6,6 +6,9 @@
 #include "shell/base/promptwidgets.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
 
 #include <cstdio>
 
@@ -35,6 +38,13 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Tavonel"));
     QApplication::setOrganizationName(QStringLiteral("Tavonel"));
+
+    // Qt's own texts (context menus of the text fields, standard buttons)
+    // in French, whatever the machine's language.
+    QTranslator traductionQt;
+    if (traductionQt.load(QLocale(QLocale::French, QLocale::France), QStringLiteral("qtbase"), QStringLiteral("_"),
+                          QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(&traductionQt);
 
     RepondeurWidgets repondeur;
     Prompt::installer(&repondeur);

@@ -22,6 +22,8 @@
 #include <QDialog>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDesktopServices>
+#include <QScreen>
 #include <QLabel>
 #include <QMenu>
 #include <QSqlDatabase>
@@ -44,6 +46,18 @@ const QDateTime Maintenant(QDate(2026, 11, 23), QTime(10, 0));
 // A started program on a fresh folder: Config.mdb, Patients.mdb and
 // Events.mdb created, the window built over them; the chooser answers from a
 // queue, and context menus are recorded instead of shown.
+// Receives the documents that the program hands to the desktop.
+class OuvreurUrl : public QObject
+{
+    Q_OBJECT
+public:
+    explicit OuvreurUrl(QList<QUrl> *urls) : m_urls(urls) {}
+public Q_SLOTS:
+    void ouvrir(const QUrl &url) { m_urls->append(url); }
+private:
+    QList<QUrl> *m_urls;
+};
+
 struct Poste
 {
     Horloge::Fixee horloge{Maintenant};
@@ -298,7 +312,7 @@ private Q_SLOTS:
         QVERIFY(QToolTip::text().isEmpty());
         p.f->setToolTips_Mode(0);
         QApplication::sendEvent(zone, &aide);
-        QCOMPARE(QToolTip::text(), QStringLiteral("10:00-10:30 A\nEn salle d'attente"));
+        QCOMPARE(QToolTip::text(), QStringLiteral("10:00-10:30 A"));
         QToolTip::hideText();
         cliquer(*rdv, false);
         QVERIFY(p.f->dernierEvenementOuvert());
@@ -359,6 +373,32 @@ private Q_SLOTS:
         QCOMPARE(p.f->CalendarControl->shownDay(4).dayOfWeek(), 6);
         QCOMPARE(p.f->CalendarControl->timeScale(), 20);
         QCOMPARE(p.f->CalendarControl->options().monthWeeksCount, 3);
+    }
+
+    // The window fits the screen; the about window counts as a dialog and
+    // goes on a click; help opens the guide delivered with the program.
+    void aProposAideEtFenetre()
+    {
+        Poste p;
+        QVERIFY(p.f->height() <= p.f->screen()->availableGeometry().height() - 40);
+        QVERIFY(p.f->width() <= p.f->screen()->availableGeometry().width());
+        int ouverts = -1;
+        ExecuteurInstalle executeur([&](QDialog &d) {
+            d.show();
+            ouverts = p.f->DialoguesOuverts;
+            QTest::mouseClick(&d, Qt::LeftButton);
+            return d.objectName() == QStringLiteral("frmIntro") ? d.result() : -1;
+        });
+        p.action(QStringLiteral("mnuAbout"))->trigger();
+        QCOMPARE(ouverts, 1);
+        QCOMPARE(p.f->DialoguesOuverts, 0);
+        QList<QUrl> urls;
+        OuvreurUrl ouvreur{&urls};
+        QDesktopServices::setUrlHandler(QStringLiteral("file"), &ouvreur, "ouvrir");
+        p.action(QStringLiteral("mnuHelp"))->trigger();
+        QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
+        QCOMPARE(urls.size(), 1);
+        QVERIFY(QFile(urls.first().toLocalFile()).size() > 5000);
     }
 
     // The view buttons and the date line, in the order a user would click.

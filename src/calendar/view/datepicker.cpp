@@ -27,11 +27,47 @@ void DatePicker::AttachToCalendar(CalendarView *view)
         disconnect(c);
     m_viewLinks.clear();
     m_view = view;
+    for (DatePicker *f : std::as_const(m_followers))
+        f->m_view = view;
     if (view) {
         m_viewLinks.append(connect(view, &CalendarView::viewChanged, this, &DatePicker::followView));
         m_viewLinks.append(connect(view, &CalendarView::eventsEdited, this, &DatePicker::RedrawControl));
     }
     followView();
+}
+
+void DatePicker::setFollowerCount(int count)
+{
+    while (m_followers.size() > count)
+        delete m_followers.takeLast();
+    while (m_followers.size() < count) {
+        auto *f = new DatePicker(parentWidget());
+        f->setObjectName(QStringLiteral("wndDatePicker(%1)").arg(m_followers.size() + 1));
+        f->m_leader = this;
+        f->m_offset = static_cast<int>(m_followers.size()) + 1;
+        f->m_view = m_view;
+        // The chosen day is the leader's to show: the followers draw their
+        // own selection as any other day (a click still chooses it).
+        QPalette sansSelection = f->palette();
+        sansSelection.setColor(QPalette::Highlight, sansSelection.color(QPalette::Base));
+        sansSelection.setColor(QPalette::HighlightedText, sansSelection.color(QPalette::Text));
+        f->setPalette(sansSelection);
+        const QDate page = QDate(yearShown(), monthShown(), 1).addMonths(f->m_offset);
+        f->setCurrentPage(page.year(), page.month());
+        // The pages move together, whichever picker was moved.
+        connect(this, &QCalendarWidget::currentPageChanged, f, [f](int year, int month) {
+            const QDate d = QDate(year, month, 1).addMonths(f->m_offset);
+            f->setCurrentPage(d.year(), d.month());
+        });
+        connect(f, &QCalendarWidget::currentPageChanged, this, [this, f](int year, int month) {
+            const QDate d = QDate(year, month, 1).addMonths(-f->m_offset);
+            setCurrentPage(d.year(), d.month());
+        });
+        m_followers.append(f);
+        f->m_shown = m_shown;
+        f->RedrawControl();
+        f->show();
+    }
 }
 
 void DatePicker::followView()
@@ -47,6 +83,14 @@ void DatePicker::followView()
         const QDate chosen = m_view->selection().begin.date();
         const QDate day = chosen.isValid() && m_shown.contains(chosen) ? chosen : m_shown.first();
         const int page = yearShown() * 12 + monthShown();
+        for (DatePicker *f : std::as_const(m_followers))
+            f->m_shown = m_shown;
+        // A day chosen in a following month leaves the pages where they are.
+        const int dayPage = day.year() * 12 + day.month();
+        if (dayPage > page && dayPage <= page + m_followers.size()) {
+            RedrawControl();
+            return;
+        }
         m_following = true;
         setSelectedDate(day);
         m_following = false;
@@ -100,6 +144,31 @@ void DatePicker::RedrawControl()
         }
     }
     applyFormats();
+    for (DatePicker *f : std::as_const(m_followers))
+        f->RedrawControl();
+}
+
+DatePickerColumn::DatePickerColumn(QWidget *parent) : QWidget(parent)
+{
+    setObjectName(QStringLiteral("colonnePicker"));
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Base);
+    m_picker = new DatePicker(this);
+    setFixedWidth(m_picker->sizeHint().width());
+}
+
+void DatePickerColumn::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    const int h = m_picker->sizeHint().height();
+    m_picker->setGeometry(0, 0, width(), h);
+    // Whole months only; the height left over is shared between them.
+    const int count = std::max(1, height() / h);
+    m_picker->setFollowerCount(count - 1);
+    const int each = height() / count;
+    m_picker->setGeometry(0, 0, width(), each);
+    for (int i = 0; i < m_picker->followers().size(); ++i)
+        m_picker->followers().at(i)->setGeometry(0, (i + 1) * each, width(), each);
 }
 
 void DatePicker::applyFormats()
@@ -107,8 +176,10 @@ void DatePicker::applyFormats()
     // Clears every format set before, then marks the shown range and the
     // days with appointments.
     setDateTextFormat(QDate(), QTextCharFormat());
-    const QColor base = palette().color(QPalette::Base);
-    const QColor mark = palette().color(QPalette::Highlight);
+    // Followers have no highlight colour of their own (see setFollowerCount).
+    const QPalette &couleurs = m_leader ? m_leader->palette() : palette();
+    const QColor base = couleurs.color(QPalette::Base);
+    const QColor mark = couleurs.color(QPalette::Highlight);
     const QColor range = QColor::fromRgbF(base.redF() * 0.8 + mark.redF() * 0.2, base.greenF() * 0.8 + mark.greenF() * 0.2,
                                           base.blueF() * 0.8 + mark.blueF() * 0.2);
     for (const QDate &d : std::as_const(m_shown)) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCalendarWidget>
+#include <QWidget>
 #include <QDate>
 #include <QList>
 #include <QPointer>
@@ -28,6 +29,11 @@ public:
     // Days of the shown month found holding an appointment at the last read.
     [[nodiscard]] const QSet<QDate> &busyDays() const { return m_busy; }
 
+    // The months after this one, shown below it: each follows this picker's
+    // page at its distance, and moving any of them moves them all.
+    void setFollowerCount(int count);
+    [[nodiscard]] const QList<DatePicker *> &followers() const { return m_followers; }
+
 private:
     void followView();
     void dayChosen(const QDate &day);
@@ -43,4 +49,24 @@ private:
     // Set while the picker moves itself to follow the view, so that its own
     // selection signals are not sent back to the view.
     bool m_following = false;
+    QList<DatePicker *> m_followers;
+    QPointer<DatePicker> m_leader;
+    int m_offset = 0;   // months after the leader's page
+};
+
+// The column at the right of the book: the picker and, below it, as many
+// following months as the height holds, so that no space is left empty.
+class DatePickerColumn final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit DatePickerColumn(QWidget *parent = nullptr);
+    [[nodiscard]] DatePicker *picker() const { return m_picker; }
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    DatePicker *m_picker = nullptr;
 };

@@ -1,6 +1,8 @@
 #include "calendar/view/daylayout.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <numeric>
 #include <vector>
 
@@ -55,4 +57,15 @@ QList<DayLayoutPlace> LayoutDayEvents(const QList<DayLayoutItem> &items, int min
     }
     closeCluster();
     return places;
+}
+
+int ResizedEdgeMinute(int startMinute, int endMinute, bool beginEdge, int pointerMinute, int stepMinutes)
+{
+    const int step = std::max(1, stepMinutes);
+    const int original = beginEdge ? startMinute : endMinute;
+    int edge = static_cast<int>(std::lround(double(pointerMinute) / step)) * step;
+    if (std::abs(pointerMinute - original) < std::abs(pointerMinute - edge))
+        edge = original;
+    const int shortest = std::min(step, std::max(0, endMinute - startMinute));
+    return beginEdge ? std::min(edge, endMinute - shortest) : std::max(edge, startMinute + shortest);
 }

@@ -35,3 +35,11 @@ struct DayLayoutPlace
 // the same minute; an appointment ending exactly when another begins does
 // not overlap it.
 [[nodiscard]] QList<DayLayoutPlace> LayoutDayEvents(const QList<DayLayoutItem> &items, int minimumMinutes);
+
+// Where the dragged edge of an appointment from startMinute to endMinute
+// goes when the pointer is at pointerMinute (all from the day's 00:00), on a
+// grid of stepMinutes. The edge takes the grid line nearest the pointer, or
+// stays where it was while that is nearer; the appointment keeps at least
+// the shorter of a step and its own length, so shortening never lengthens it
+// and an edge never crosses the other.
+[[nodiscard]] int ResizedEdgeMinute(int startMinute, int endMinute, bool beginEdge, int pointerMinute, int stepMinutes);

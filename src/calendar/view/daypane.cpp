@@ -55,7 +55,8 @@ bool inBand(const CalendarEventPtr &e)
 // column narrows.
 QString dayTitle(const QDate &day, const QFontMetrics &fm, int width)
 {
-    for (const char *format : {"dddd d MMMM", "ddd d MMM", "ddd d", "d/MM"}) {
+    // The long form first, then shorter ones as the column narrows.
+    for (const char *format : {"ddd, dd MMMM", "ddd dd MMM", "ddd d", "d/MM"}) {
         const QString text = calendarLocale().toString(day, QLatin1String(format));
         if (fm.horizontalAdvance(text) <= width)
             return text;
@@ -595,22 +596,46 @@ void DayPane::paintTimeMark(QPainter &p)
     p.restore();
 }
 
+QColor DayPane::cellBackground(const QDateTime &at) const
+{
+    const CalendarTheme &t = m_view->themeColors();
+    if (!at.isValid())
+        return t.allDayBand;
+    const int minute = at.time().hour() * 60 + at.time().minute();
+    DayViewCell cell;
+    cell.begin = atMinute(at.date(), minute / scale() * scale());
+    cell.end = cell.begin.addSecs(60 * scale());
+    cell.background = isWorkingTime(at.date(), minute) ? t.workingHours : t.window;
+    if (const CalendarView::CellPainter &painter = m_view->cellPainter())
+        painter(cell);
+    return cell.background;
+}
+
 void DayPane::paintEventBox(QPainter &p, const CalendarEventPtr &event, const QRect &r, bool ghost)
 {
     const CalendarTheme &t = m_view->themeColors();
-    QColor fill = m_view->labelColor(event->LabelID());
+    const EventBlockStyle style = EventBlockColors(m_view->labelColor(event->LabelID()),
+                                                   event->IsAllDayEvent() ? t.allDayBand : cellBackground(event->StartDateTime()),
+                                                   event->BusyStatus(), event->IsAllDayEvent(), t);
+    QColor fill = style.fill;
     if (ghost)
         fill.setAlpha(170);
     const bool selected = m_view->isEventSelected(event);
     p.fillRect(r, fill);
-    p.fillRect(QRect(r.left(), r.top(), std::min(kLeftBar, r.width()), r.height()), fill.darker(160));
-    p.setPen(QPen(selected ? t.headerText : t.eventBorder, selected ? 2 : 1));
+    // A waiting patient's bar is twice as wide, so that it shows at a glance.
+    const int bar = std::min(style.waiting ? 2 * kLeftBar : kLeftBar, r.width());
+    p.fillRect(QRect(r.left(), r.top(), bar, r.height()), style.bar);
+    p.setPen(QPen(selected ? t.headerText : style.border, selected ? 2 : 1));
     p.drawRect(selected ? r.adjusted(1, 1, -1, -1) : r.adjusted(0, 0, -1, -1));
-    QString text = event->Subject();
+    // The motive follows the subject on the same line when the block has
+    // room for one line only.
+    const QRect textRect = r.adjusted(bar + 3, 2, -3, -2);
+    const bool oneLine = textRect.height() < 2 * p.fontMetrics().height();
+    QString text = (style.waiting ? WaitingRoomMark() : QString()) + event->Subject();
     if (!event->Location().isEmpty())
-        text += QLatin1Char('\n') + event->Location();
-    p.setPen(t.eventText);
-    drawWrapped(p, r.adjusted(kLeftBar + 3, 2, -3, -2), text);
+        text += (oneLine ? QStringLiteral(" - ") : QStringLiteral("\n")) + event->Location();
+    p.setPen(style.text);
+    drawWrapped(p, textRect, text);
 }
 
 void DayPane::paintDragGhost(QPainter &p)
@@ -839,7 +864,6 @@ void DayPane::trackDrag(const QPoint &pos)
         return;
     }
     const int minute = minuteAt(pos.y());
-    const int snapped = std::clamp(static_cast<int>(std::lround(double(minute) / step)) * step, 0, 24 * 60);
     switch (m_drag) {
     case Drag::Move: {
         const int grabMinutes = static_cast<int>(m_grabSeconds / 60);
@@ -849,18 +873,16 @@ void DayPane::trackDrag(const QPoint &pos)
         m_newEnd = m_newStart.addSecs(duration);
         break;
     }
-    case Drag::ResizeBegin: {
-        QDateTime begin = atMinute(target, snapped);
-        const QDateTime latest = e->EndDateTime().addSecs(-60 * step);
-        m_newStart = std::min(begin, latest);
-        m_newEnd = e->EndDateTime();
-        break;
-    }
+    case Drag::ResizeBegin:
     case Drag::ResizeEnd: {
-        QDateTime end = atMinute(target, snapped);
-        const QDateTime earliest = e->StartDateTime().addSecs(60 * step);
-        m_newStart = e->StartDateTime();
-        m_newEnd = std::max(end, earliest);
+        // Minutes from the 00:00 of the column under the pointer.
+        const QDateTime dayStart(target, QTime(0, 0));
+        const int start = static_cast<int>(dayStart.secsTo(e->StartDateTime()) / 60);
+        const int end = static_cast<int>(dayStart.secsTo(e->EndDateTime()) / 60);
+        const bool begin = m_drag == Drag::ResizeBegin;
+        const QDateTime edge = dayStart.addSecs(60 * ResizedEdgeMinute(start, end, begin, minute, step));
+        m_newStart = begin ? edge : e->StartDateTime();
+        m_newEnd = begin ? e->EndDateTime() : edge;
         break;
     }
     default:

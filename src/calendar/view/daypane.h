@@ -92,6 +92,8 @@ private:
     [[nodiscard]] const Box *boxAt(const QPoint &pos, int *edge) const;
     [[nodiscard]] QRect shownRect(const Box &box) const;
     [[nodiscard]] bool isWorkingTime(const QDate &day, int minute) const;
+    // The colour of the cell at a time, rules included.
+    [[nodiscard]] QColor cellBackground(const QDateTime &at) const;
 
     void paintHeader(QPainter &p, const QRect &clip);
     void paintAllDayBand(QPainter &p);

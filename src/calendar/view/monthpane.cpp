@@ -335,7 +335,9 @@ void DayBoxPane::paintLines(QPainter &p) const
 void DayBoxPane::paintLine(QPainter &p, const Line &l, int i, const QDate &day, const CalendarTheme &theme) const
 {
     const CalendarEventPtr &e = m_events.at(l.line.item);
-    const QColor label = m_view->labelColor(e->LabelID());
+    const EventBlockStyle style = EventBlockColors(m_view->labelColor(e->LabelID()), theme.workingHours, e->BusyStatus(),
+                                                   e->IsAllDayEvent(), theme);
+    const QColor label = style.fill;
     const bool selected = m_view->isEventSelected(e);
     const QRect r = l.rect;
     if (l.line.bar) {
@@ -387,14 +389,15 @@ void DayBoxPane::paintLine(QPainter &p, const Line &l, int i, const QDate &day, 
         }
         const int m = std::max(6, r.height() - 8);
         const QRect marker(r.left() + 3, r.top() + (r.height() - m) / 2, m, m);
-        p.fillRect(marker, label);
+        p.fillRect(marker, style.waiting ? style.bar : label);
         p.setPen(theme.eventBorder);
         p.drawRect(marker.adjusted(0, 0, -1, -1));
         const QRect text = r.adjusted(marker.width() + 7, 0, -2, 0);
         p.setPen(selected ? textOn(theme.selection, theme.eventText) : theme.eventText);
         const QRect rest = text.adjusted(paintTimes(p, text, LineTimesForDay(*e, day, lineTimes())), 0, 0, 0);
         p.drawText(rest, Qt::AlignVCenter | Qt::AlignLeft,
-                   fontMetrics().elidedText(e->Subject(), Qt::ElideRight, rest.width()));
+                   fontMetrics().elidedText((style.waiting ? WaitingRoomMark() : QString()) + e->Subject(), Qt::ElideRight,
+                                            rest.width()));
     }
 }
 

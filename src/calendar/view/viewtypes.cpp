@@ -121,8 +121,14 @@ QString CalendarTipText(const CalendarHit &hit, bool cellSelected, int toolTipsM
         if (toolTipsMode == 2)
             return {};
         const CalendarEvent &e = *hit.event;
-        return e.StartDateTime().toString(QStringLiteral("HH:mm")) + u'-' + e.EndDateTime().toString(QStringLiteral("HH:mm"))
-               + u' ' + e.Subject().simplified();
+        QString text = e.StartDateTime().toString(QStringLiteral("HH:mm")) + u'-' + e.EndDateTime().toString(QStringLiteral("HH:mm"))
+                       + u' ' + e.Subject().simplified();
+        // The motive, and where the patient is.
+        if (!e.Location().simplified().isEmpty())
+            text += u'\n' + e.Location().simplified();
+        if (!e.IsAllDayEvent() && e.BusyStatus() == 0)
+            text += QStringLiteral("\nEn salle d'attente");
+        return text;
     }
     const bool cell = hit.area == HitDayCell || hit.area == HitAllDayBand || hit.area == HitWeekDay || hit.area == HitMonthDay;
     return enableTooltips && cell && cellSelected ? addNewText : QString();
@@ -146,9 +152,14 @@ EventBlockStyle EventBlockColors(const QColor &label, const QColor &cell, int bu
     EventBlockStyle s;
     s.fill = label.isValid() ? label : QColor(Qt::white);
     // Deepen, step by step, a fill that the cell would swallow.
-    for (int step = 0; step < 4 && cell.isValid() && ColourDistance(s.fill, cell) < 70; ++step)
-        s.fill = s.fill.lightness() > 60 ? s.fill.darker(118) : s.fill.lighter(150);
-    s.text = s.fill.lightness() < 120 ? QColor(Qt::white) : theme.eventText;
+    const bool lightCell = cell.isValid() && cell.lightness() > 128;
+    for (int step = 0; step < 8 && cell.isValid() && ColourDistance(s.fill, cell) < 70; ++step) {
+        const int l = std::clamp(s.fill.lightness() + (lightCell ? -22 : 22), 0, 255);
+        s.fill = QColor::fromHsl(s.fill.hslHue(), s.fill.hslSaturation(), l);
+    }
+    // Perceived brightness, not HSL lightness: cyan and yellow are bright.
+    const int luma = (299 * s.fill.red() + 587 * s.fill.green() + 114 * s.fill.blue()) / 1000;
+    s.text = luma < 140 ? QColor(Qt::white) : theme.eventText;
     s.border = s.fill.darker(170);
     s.waiting = !allDay && busyStatus == 0;
     s.bar = s.waiting ? QColor(0x1E, 0x9E, 0x3C) : s.fill.darker(160);

@@ -152,7 +152,7 @@ struct DayBoxLineTimes
 [[nodiscard]] DayBoxLineTimes LineTimesForDay(const CalendarEvent &event, const QDate &day, const DayBoxTimes &options);
 
 // The text of the tooltip of the calendar at a point: an appointment's hours
-// and subject (none in tooltip mode 2), or over a selected free cell the
+// and subject, its motive and the waiting room (none in tooltip mode 2), or over a selected free cell the
 // "add new" hint; empty when there is nothing to say.
 [[nodiscard]] QString CalendarTipText(const CalendarHit &hit, bool cellSelected, int toolTipsMode,
                                       bool enableTooltips, const QString &addNewText);

@@ -14,21 +14,28 @@
 #include "patients/gestiontype.h"
 #include "rules/frmsettings.h"
 #include "shell/appstate.h"
+#include "shell/base/dossiers.h"
 #include "shell/base/horloge.h"
 #include "shell/base/modal.h"
 #include "shell/window/iconesbarre.h"
 #include "shell/base/prompt.h"
+#include "shell/base/registre.h"
+#include "shell/base/support.h"
+#include "shell/window/frmintro.h"
 #include "shell/regleslignedate.h"
 
 #include <QAction>
 #include <QCloseEvent>
 #include <QCursor>
+#include <QDir>
+#include <QFileInfo>
 #include <QHelpEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMouseEvent>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
@@ -113,7 +120,7 @@ frmMain::frmMain(Demarrage &demarrage, const ParametresFenetre &parametres, QWid
     majCommandes();
     majLigneDate();
 
-    resize(1180, 780);
+    placerFenetre();
 }
 
 frmMain::~frmMain() = default;
@@ -165,20 +172,10 @@ void frmMain::construireDisposition()
     lignes->addLayout(gauche, 1);
 
     // The picker stands at the right, from the top of the window down to the
-    // status bar, as wide as it asks.
-    // The month keeps its own height; the column below it stays the
-    // picker's plain background.
-    auto *colonne = new QWidget(centre);
-    colonne->setObjectName(QStringLiteral("colonnePicker"));
-    colonne->setAutoFillBackground(true);
-    colonne->setBackgroundRole(QPalette::Base);
-    auto *droite = new QVBoxLayout(colonne);
-    droite->setContentsMargins(0, 0, 0, 0);
-    wndDatePicker = new DatePicker(colonne);
-    wndDatePicker->setObjectName(QStringLiteral("wndDatePicker"));
-    colonne->setFixedWidth(wndDatePicker->sizeHint().width());
-    droite->addWidget(wndDatePicker, 0);
-    droite->addStretch(1);
+    // status bar, as wide as it asks, with the following months below it as
+    // the height holds.
+    auto *colonne = new DatePickerColumn(centre);
+    wndDatePicker = colonne->picker();
     lignes->addWidget(colonne, 0);
     setCentralWidget(centre);
 
@@ -320,7 +317,7 @@ void frmMain::construireMenus()
         signalerIndisponible(QStringLiteral("La configuration des rappels Mails et SMS n'est pas encore disponible."));
     });
     connect(mnuReminders, &QAction::triggered, this, &frmMain::commandeRappels);
-    connect(mnuHelp, &QAction::triggered, this, [this] { signalerIndisponible(QStringLiteral("L'aide n'est pas encore disponible.")); });
+    connect(mnuHelp, &QAction::triggered, this, &frmMain::aide);
     connect(mnuAbout, &QAction::triggered, this, &frmMain::aPropos);
     connect(mnuChangeTimeZone, &QAction::triggered, this, &frmMain::ChangerDeZone);
 
@@ -595,10 +592,30 @@ void frmMain::signalerIndisponible(const QString &texte)
 
 void frmMain::aPropos()
 {
-    Prompt::informer(QStringLiteral("A propos d'Tavonel"),
-                     QStringLiteral("Tavonel\nAgenda du cabinet médical\n\nAgenda : %1\nDossier des données : %2")
-                         .arg(appState().AgendaName, appState().PathDB),
-                     Prompt::Icone::Information);
+    frmIntro intro(appState().AgendaName, appState().PathDB, this);
+    ExecuterDialogue(intro);
+}
+
+void frmMain::aide()
+{
+    // The guide delivered beside the program, in the desktop's browser.
+    const QString guide = FichierSysteme(QStringLiteral("Tavonel.html"));
+    if (!QFileInfo::exists(guide) || !OuvrirDocument(guide))
+        Prompt::informer(QStringLiteral("Aide"),
+                         QStringLiteral("Le guide d'utilisation n'a pas pu être ouvert :\n%1").arg(QDir::toNativeSeparators(guide)),
+                         Prompt::Icone::Exclamation);
+}
+
+void frmMain::placerFenetre()
+{
+    // Size and place as this workstation left them; the first time, a
+    // window that fits the screen, status bar included.
+    const QByteArray g = QByteArray::fromBase64(LireParametreUtilisateur(QStringLiteral("Fenetre"), QStringLiteral("Geometrie"), {}).toLatin1());
+    if (!g.isEmpty() && restoreGeometry(g))
+        return;
+    const QRect libre = screen()->availableGeometry();
+    resize(std::min(1280, libre.width() - 16), std::min(720, libre.height() - 48));
+    move(libre.center() - QPoint(width() / 2, height() / 2 + 12));
 }
 
 void frmMain::gestionnaireRessources()
@@ -637,6 +654,8 @@ void frmMain::closeEvent(QCloseEvent *event)
         m_arrete = true;
         Timer1->stop();
         timerRMDForm->stop();
+        EcrireParametreUtilisateur(QStringLiteral("Fenetre"), QStringLiteral("Geometrie"),
+                                   QString::fromLatin1(saveGeometry().toBase64()));
         m_demarrage.arreter(rappelsActifs());
         // The reminder windows go with the main window.
         for (QWidget *w : std::initializer_list<QWidget *>{m_frmReminders, m_frmReminderSMS}) {

@@ -225,6 +225,8 @@ private:
     void commandeRappels();
     void majMenuRappels();
     void aPropos();
+    void aide();
+    void placerFenetre();
     void gestionnaireRessources();
 
     Demarrage &m_demarrage;

@@ -95,6 +95,29 @@ private Q_SLOTS:
         QCOMPARE(c.background, attendue);
     }
 
+    // Every type colour of the palette over every rule colour, the pause
+    // grey and the theme's cells: the block stands out from its cell and its
+    // text from the block; only a timed appointment shows the waiting room.
+    void blocsLisibles()
+    {
+        const CalendarTheme theme = CalendarTheme::forNumber(3);
+        InitTables(appState());
+        QList<QColor> cellules{theme.workingHours, theme.window, QColor(198, 198, 198)};
+        for (quint32 c : appState().Nuancier)
+            cellules << CouleurDepuisBGR(c);
+        for (quint32 type : appState().Nuancier) {
+            for (const QColor &cellule : std::as_const(cellules)) {
+                const EventBlockStyle s = EventBlockColors(CouleurDepuisBGR(type), cellule, 1, false, theme);
+                QVERIFY2(ColourDistance(s.fill, cellule) >= 60, qPrintable(s.fill.name() + u' ' + cellule.name()));
+                const auto luma = [](const QColor &c) { return 0.299 * c.red() + 0.587 * c.green() + 0.114 * c.blue(); };
+                QVERIFY2(std::abs(luma(s.text) - luma(s.fill)) >= 100, qPrintable(s.fill.name()));
+            }
+        }
+        QVERIFY(EventBlockColors(Qt::white, Qt::white, 0, false, theme).waiting);
+        QVERIFY(!EventBlockColors(Qt::white, Qt::white, 0, true, theme).waiting);
+        QVERIFY(!EventBlockColors(Qt::white, Qt::white, 1, false, theme).waiting);
+    }
+
     // The view runs the painter on every cell it draws: the grabbed pixels
     // carry the rule colours, the pause, the theme's working hours and the
     // selection.

@@ -79,6 +79,38 @@ private Q_SLOTS:
     }
 
     void empty() { QVERIFY(LayoutDayEvents({}, 15).isEmpty()); }
+
+    // A dragged edge: 10:00-10:20 is 600-620. "b" drags the begin, "e" the
+    // end; the pointer's minute; the grid step; where the edge lands.
+    void resize_data()
+    {
+        QTest::addColumn<int>("start");
+        QTest::addColumn<int>("end");
+        QTest::addColumn<QString>("edge");
+        QTest::addColumn<int>("pointer");
+        QTest::addColumn<int>("step");
+        QTest::addColumn<int>("result");
+        QTest::newRow("top grabbed, not moved") << 600 << 620 << "b" << 601 << 30 << 600;
+        QTest::newRow("top up a step") << 600 << 620 << "b" << 572 << 30 << 570;
+        QTest::newRow("top down: never past the end") << 600 << 620 << "b" << 625 << 30 << 600;
+        QTest::newRow("bottom grabbed, not moved") << 600 << 620 << "e" << 618 << 30 << 620;
+        QTest::newRow("bottom up shortens nothing below its length") << 600 << 620 << "e" << 605 << 30 << 620;
+        QTest::newRow("bottom down to the grid") << 600 << 620 << "e" << 633 << 30 << 630;
+        QTest::newRow("hour shortened from the bottom") << 600 << 660 << "e" << 638 << 30 << 630;
+        QTest::newRow("hour shortened from the top, 15 min") << 600 << 660 << "b" << 623 << 15 << 630;
+        QTest::newRow("top shortened to a step, 15 min") << 600 << 660 << "b" << 655 << 15 << 645;
+        QTest::newRow("end off the grid kept, 15 min") << 600 << 620 << "e" << 622 << 15 << 620;
+    }
+    void resize()
+    {
+        QFETCH(int, start);
+        QFETCH(int, end);
+        QFETCH(QString, edge);
+        QFETCH(int, pointer);
+        QFETCH(int, step);
+        QFETCH(int, result);
+        QCOMPARE(ResizedEdgeMinute(start, end, edge == u'b', pointer, step), result);
+    }
 };
 
 QTEST_GUILESS_MAIN(tst_daylayout)
