@@ -288,6 +288,10 @@ void frmMailSMSConfig::charger()
     Text3->setText(c.smsTest);
 
     rechercherPorts(false);
+    // A port set up before and absent today (modem unplugged) stays the
+    // choice, so that saving the texts does not forget it.
+    if (!c.com.isEmpty() && cmbPorts->findText(c.com) < 0)
+        cmbPorts->addItem(c.com);
     const int i = cmbPorts->findText(c.com);
     if (i >= 0)
         cmbPorts->setCurrentIndex(i);

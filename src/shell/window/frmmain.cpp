@@ -8,6 +8,7 @@
 #include "calendar/view/calendarview.h"
 #include "calendar/view/colorationregles.h"
 #include "calendar/view/datepicker.h"
+#include "messaging/frmmailsmsconfig.h"
 #include "messaging/frmreminders.h"
 #include "patients/bouclesrecherche.h"
 #include "patients/dialoguesouverts.h"
@@ -39,6 +40,7 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
 #include <QToolTip>
 #include <QVBoxLayout>
 
@@ -138,8 +140,16 @@ void frmMain::construireDisposition()
     auto *gauche = new QVBoxLayout;
     gauche->setContentsMargins(4, 2, 0, 0);
     gauche->setSpacing(2);
-    auto *titre = new QHBoxLayout;
+    // The command bar: the agenda's name and the dates shown, the buttons
+    // that step through the periods, the current patient.
+    barreCommande = new QWidget(centre);
+    barreCommande->setObjectName(QStringLiteral("barreCommande"));
+    auto *titre = new QHBoxLayout(barreCommande);
+    titre->setContentsMargins(0, 0, 0, 0);
     titre->setSpacing(16);
+    m_titreEtDate = new QBoxLayout(QBoxLayout::LeftToRight);
+    m_titreEtDate->setSpacing(16);
+    titre->addLayout(m_titreEtDate);
 
     lblCaption = new QLabel(etat.AgendaName, centre);
     lblCaption->setObjectName(QStringLiteral("lblCaption"));
@@ -149,21 +159,39 @@ void frmMain::construireDisposition()
     lblCaption->setFont(grande);
     lblCaption->setCursor(Qt::PointingHandCursor);
     lblCaption->installEventFilter(this);
-    titre->addWidget(lblCaption);
+    m_titreEtDate->addWidget(lblCaption);
 
     lblDate = new QLabel(centre);
     lblDate->setObjectName(QStringLiteral("lblDate"));
     QFont moyenne = lblDate->font();
     moyenne.setPointSize(moyenne.pointSize() + 3);
     lblDate->setFont(moyenne);
-    titre->addWidget(lblDate, 0, Qt::AlignBottom);
+    m_titreEtDate->addWidget(lblDate, 0, Qt::AlignBottom);
+    boutonsBarre = new QWidget(barreCommande);
+    boutonsBarre->setObjectName(QStringLiteral("boutonsBarre"));
+    auto *boutons = new QHBoxLayout(boutonsBarre);
+    boutons->setContentsMargins(0, 0, 0, 0);
+    boutons->setSpacing(2);
+    const auto bouton = [&](const char *nom, const QString &texte, const QString &aide, int sens) {
+        auto *b = new QToolButton(boutonsBarre);
+        b->setObjectName(QString::fromLatin1(nom));
+        b->setText(texte);
+        b->setToolTip(aide);
+        b->setAutoRaise(true);
+        connect(b, &QToolButton::clicked, this, [this, sens] { deplacerPeriode(sens); });
+        boutons->addWidget(b);
+    };
+    bouton("btnPeriodePrecedente", QStringLiteral("◀"), QStringLiteral("Période précédente"), -1);
+    bouton("btnAujourdhui", QStringLiteral("Aujourd'hui"), QStringLiteral("Revenir à aujourd'hui"), 0);
+    bouton("btnPeriodeSuivante", QStringLiteral("▶"), QStringLiteral("Période suivante"), 1);
+    titre->addWidget(boutonsBarre, 0, Qt::AlignBottom);
     titre->addStretch(1);
 
     lblPatient = new QLabel(LegendePatient::instance().texte(), centre);
     lblPatient->setObjectName(QStringLiteral("lblPatient"));
     connect(&LegendePatient::instance(), &LegendePatient::changee, lblPatient, &QLabel::setText);
     titre->addWidget(lblPatient, 0, Qt::AlignBottom);
-    gauche->addLayout(titre);
+    gauche->addWidget(barreCommande);
 
     CalendarControl = new CalendarView(centre);
     CalendarControl->setObjectName(QStringLiteral("CalendarControl"));
@@ -250,6 +278,14 @@ void frmMain::construireMenus()
     mnuCaptionBarLayout = action(mnuCaptionBarPopup, "mnuCaptionBarLayout", QStringLiteral("Barre à une seule colonne"));
     for (QAction *a : {mnuShowTheme2007CaptionBar, mnuCaptionBarSwitch, mnuCaptionBarLayout})
         a->setCheckable(true);
+    mnuShowTheme2007CaptionBar->setChecked(true);
+    mnuCaptionBarSwitch->setChecked(true);
+    connect(mnuShowTheme2007CaptionBar, &QAction::toggled, barreCommande, &QWidget::setVisible);
+    connect(mnuCaptionBarSwitch, &QAction::toggled, boutonsBarre, &QWidget::setVisible);
+    connect(mnuCaptionBarLayout, &QAction::toggled, this, [this](bool colonne) {
+        m_titreEtDate->setDirection(colonne ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+        m_titreEtDate->setSpacing(colonne ? 0 : 16);
+    });
     connect(mnuCalendar, &QMenu::aboutToShow, this, &frmMain::majMenuRappels);
 
     mnuRappels = menu(this, barre, "mnuRappels", QStringLiteral("Rappels"));
@@ -314,7 +350,8 @@ void frmMain::construireMenus()
     connect(mnuSettings, &QAction::triggered, this, &frmMain::optionsAgenda);
     connect(mnuAdvancedOptions, &QAction::triggered, this, &frmMain::OptionsAvancees);
     connect(mnuSMSConfig, &QAction::triggered, this, [this] {
-        signalerIndisponible(QStringLiteral("La configuration des rappels Mails et SMS n'est pas encore disponible."));
+        frmMailSMSConfig configuration(this);
+        ExecuterDialogue(configuration);
     });
     connect(mnuReminders, &QAction::triggered, this, &frmMain::commandeRappels);
     connect(mnuHelp, &QAction::triggered, this, &frmMain::aide);
@@ -604,6 +641,34 @@ void frmMain::aide()
         Prompt::informer(QStringLiteral("Aide"),
                          QStringLiteral("Le guide d'utilisation n'a pas pu être ouvert :\n%1").arg(QDir::toNativeSeparators(guide)),
                          Prompt::Icone::Exclamation);
+}
+
+void frmMain::deplacerPeriode(int sens)
+{
+    const int n = CalendarControl->shownDaysCount();
+    if (sens == 0 || n == 0) {
+        CalendarControl->ShowDay(Horloge::aujourdhui());
+        return;
+    }
+    const QDate premier = CalendarControl->shownDay(0);
+    switch (CalendarControl->viewType()) {
+    case CalendarViewType::Day:
+        CalendarControl->ShowDay(premier.addDays(sens * n));
+        break;
+    case CalendarViewType::Month: {
+        // A whole month steps by a month, a number of weeks by a week.
+        if (CalendarControl->options().monthWeeksCount >= 2) {
+            CalendarControl->ShowDay(premier.addDays(7 * sens));
+        } else {
+            const QDate milieu = CalendarControl->shownDay(n / 2);
+            CalendarControl->ShowDay(QDate(milieu.year(), milieu.month(), 1).addMonths(sens));
+        }
+        break;
+    }
+    default:
+        CalendarControl->ShowDay(premier.addDays(7 * sens));
+        break;
+    }
 }
 
 void frmMain::placerFenetre()

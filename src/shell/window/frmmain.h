@@ -18,6 +18,7 @@ class FenetreRappels;
 class frmReminderSMS;
 class frmReminders;
 class QAction;
+class QBoxLayout;
 class QHelpEvent;
 class QLabel;
 class QMenu;
@@ -72,6 +73,8 @@ public:
     void setToolTips_Mode(int mode);
 
     // --- Controls -------------------------------------------------------
+    QWidget *barreCommande = nullptr;   // the command bar above the calendar
+    QWidget *boutonsBarre = nullptr;    // its buttons
     QLabel *lblCaption = nullptr;
     QLabel *lblDate = nullptr;
     // The current patient, "Prénom Nom", empty when there is none.
@@ -226,6 +229,8 @@ private:
     void majMenuRappels();
     void aPropos();
     void aide();
+    // Shows the period before (-1), after (1) the one on show, or today (0).
+    void deplacerPeriode(int sens);
     void placerFenetre();
     void gestionnaireRessources();
 
@@ -241,6 +246,7 @@ private:
 
     CalendarEventPtr m_evenementCible;
     CalendarEventPtr m_dernierOuvert;
+    QBoxLayout *m_titreEtDate = nullptr;
     QMenu *m_menuDemande = nullptr;
     frmReminders *m_frmReminders = nullptr;
     frmReminderSMS *m_frmReminderSMS = nullptr;
