@@ -10,6 +10,7 @@
 #include "shell/demarrage.h"
 #include "rules/frmsettings.h"
 #include "shell/window/frmmain.h"
+#include "shell/window/impressionagenda.h"
 #include "shell/base/modal.h"
 #include "appointments/frmeditevent.h"
 #include "shell/base/horloge.h"
@@ -22,6 +23,7 @@
 #include <QDialog>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QPrinter>
 #include <QDesktopServices>
 #include <QScreen>
 #include <QLabel>
@@ -348,8 +350,21 @@ private Q_SLOTS:
         // The buttons of both bars follow the menu items.
         QCOMPARE(p.f->boutonsToolbar.size(), l.size());
         QCOMPARE(p.f->boutonsKelmo.size(), l.size());
-        p.action(QStringLiteral("KelmoToolbar1(16)"))->trigger();
-        QCOMPARE(p.etat(), QStringLiteral("L'impression de l'agenda n'est pas encore disponible."));
+        {
+            // Buttons 14 to 16: the page setup, the preview, then the print
+            // through the preview to the printer (a PDF file here).
+            QStringList dialogues;
+            ExecuteurInstalle enregistreur([&](QDialog &d) {
+                dialogues.append(QString::fromLatin1(d.metaObject()->className()));
+                return int(QDialog::Rejected);
+            });
+            const QString pdf = p.prog.chemin() + QStringLiteral("agenda.pdf");
+            p.f->findChild<ImpressionAgenda *>()->imprimante().setOutputFileName(pdf);
+            for (int numero : {14, 15, 16})
+                p.action(QStringLiteral("KelmoToolbar1(%1)").arg(numero))->trigger();
+            QCOMPARE(dialogues, (QStringList{"DialogueMiseEnPage", "QPrintPreviewDialog", "QPrintPreviewDialog"}));
+            QVERIFY(QFileInfo(pdf).size() > 0);
+        }
         // The shortcuts work from the calendar.
         p.f->show();
         QApplication::setActiveWindow(p.f.get());

@@ -19,6 +19,7 @@
 #include "shell/base/horloge.h"
 #include "shell/base/modal.h"
 #include "shell/window/iconesbarre.h"
+#include "shell/window/impressionagenda.h"
 #include "shell/base/prompt.h"
 #include "shell/base/registre.h"
 #include "shell/base/support.h"
@@ -328,12 +329,10 @@ void frmMain::construireMenus()
     }
 
     // Commands.
-    connect(mnuPageSetup, &QAction::triggered, this,
-            [this] { signalerIndisponible(QStringLiteral("La mise en page n'est pas encore disponible.")); });
-    connect(mnuPrintPreview, &QAction::triggered, this,
-            [this] { signalerIndisponible(QStringLiteral("La prévisualisation n'est pas encore disponible.")); });
-    connect(mnuPrintCalendar, &QAction::triggered, this,
-            [this] { signalerIndisponible(QStringLiteral("L'impression de l'agenda n'est pas encore disponible.")); });
+    auto *impression = new ImpressionAgenda(*CalendarControl, m_parametres, this);
+    connect(mnuPageSetup, &QAction::triggered, impression, &ImpressionAgenda::miseEnPage);
+    connect(mnuPrintPreview, &QAction::triggered, impression, &ImpressionAgenda::previsualiser);
+    connect(mnuPrintCalendar, &QAction::triggered, impression, &ImpressionAgenda::imprimer);
     connect(mnuExit, &QAction::triggered, this, &QWidget::close);
     connect(mnuCopy, &QAction::triggered, this, [this] {
         CalendarControl->Copy();
