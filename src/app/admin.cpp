@@ -1,4 +1,5 @@
 #include "app/commandesadmin.h"
+#include "shell/base/fichierspartages.h"
 
 #include <QCoreApplication>
 
@@ -6,6 +7,9 @@
 
 int main(int argc, char *argv[])
 {
+    // Every file this program makes in the shared folder is for the
+    // practice's group only.
+    FixerMasqueCreation();
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Tavonel"));
     QCoreApplication::setOrganizationName(QStringLiteral("Tavonel"));

@@ -1,6 +1,11 @@
 #include "app/commandesadmin.h"
 
+#include "appointments/controlemiroir.h"
 #include "appointments/demo.h"
+#include "appointments/editionrdv.h"
+#include "appointments/miroir.h"
+#include "appointments/paquetrdv.h"
+#include "calendar/calendardataprovider.h"
 #include "calendar/controlestore.h"
 #include "cipher/encryptx.h"
 #include "messaging/diagnosticmodem.h"
@@ -8,11 +13,18 @@
 #include "patients/gestiontype.h"
 #include "patients/liaisons.h"
 #include "patients/recherchepatients.h"
+#include "patients/schemapatients.h"
 #include "shell/appstate.h"
+#include "shell/base/basesqlite.h"
 #include "shell/base/dossiers.h"
 #include "shell/base/horloge.h"
 #include "shell/base/profilini.h"
 #include "shell/base/support.h"
+#include "shell/demarrage.h"
+
+#include <QDeadlineTimer>
+#include <QFileInfo>
+#include <QThread>
 
 namespace {
 
@@ -27,7 +39,15 @@ void usage(QTextStream &err)
            "  search-patients agenda|linked NOM [PRENOM]\n"
            "                         recherche de patients de l'agenda par défaut, dans sa base\n"
            "                         ou dans les bases liées (Path1 à Path4 d'Agenda.ini)\n"
-           "  store-check DOSSIER    compte les rendez-vous de DOSSIER/Events.mdb et vérifie les séries\n"
+           "  store-check DOSSIER [--patients DOSSIER2] [--repair]\n"
+           "                         compte les rendez-vous de DOSSIER/Events.mdb, vérifie les séries et\n"
+           "                         les copies de Patients.mdb (de DOSSIER2, par défaut DOSSIER) ;\n"
+           "                         --repair écrit les copies manquantes et efface les orphelines\n"
+           "  book-test DOSSIER N [POSTE [PAUSE_MS]]\n"
+           "                         démarre comme un poste sur DOSSIER et y réserve N rendez-vous d'essai\n"
+           "                         (essai d'un dossier partagé : à faire sur un dossier d'essai)\n"
+           "  hold-lock FICHIER SECONDES\n"
+           "                         tient la base FICHIER verrouillée, comme un poste en pleine écriture\n"
            "  demo DOSSIER [AAAA-MM-JJ]\n"
            "                         crée dans DOSSIER un agenda de démonstration rempli pour la semaine\n"
            "                         du jour donné (par défaut aujourd'hui)\n";
@@ -142,6 +162,167 @@ int creerDemo(const QStringList &arguments, QTextStream &out, QTextStream &err)
     return 0;
 }
 
+// The mirror part of store-check.
+int controlerCopies(const QString &dossier, const QString &dossierPatients, bool reparer, QTextStream &out, QTextStream &err)
+{
+    if (!QFileInfo::exists(CheminPatientsMdb(AjouterSlash(dossierPatients))))
+        return 0;
+    const ControleMiroir m = ControlerMiroir(dossier, dossierPatients, reparer);
+    if (!m.ouvert) {
+        err << m.erreur << '\n';
+        return 2;
+    }
+    auto liste = [](const QList<int> &cles) {
+        QStringList l;
+        for (qsizetype i = 0; i < cles.size() && i < 20; ++i)
+            l << QString::number(cles.at(i));
+        return l.join(QStringLiteral(", ")) + (cles.size() > 20 ? QStringLiteral(", ...") : QString());
+    };
+    out << "Copies dans Patients.mdb : " << m.copies << " (rendez-vous de patients : " << m.attendues << ")\n";
+    if (!m.manquantes.isEmpty())
+        out << "Problème : " << m.manquantes.size() << " rendez-vous sans copie dans Patients.mdb (" << liste(m.manquantes) << ")\n";
+    if (!m.orphelines.isEmpty())
+        out << "Problème : " << m.orphelines.size() << " copies orphelines dans Patients.mdb (" << liste(m.orphelines) << ")\n";
+    if (reparer) {
+        out << "Réparation : " << m.ecrites << " copies écrites, " << m.effacees << " copies effacées.\n";
+        if (!m.erreur.isEmpty()) {
+            err << m.erreur << '\n';
+            return 1;
+        }
+        return m.ecrites == m.manquantes.size() && m.effacees == m.orphelines.size() ? 0 : 1;
+    }
+    return m.sain() ? 0 : 1;
+}
+
+int controlerStore(const QStringList &arguments, QTextStream &out, QTextStream &err)
+{
+    QString dossier;
+    QString patients;
+    bool reparer = false;
+    bool compris = true;
+    for (qsizetype i = 1; i < arguments.size() && compris; ++i) {
+        const QString &a = arguments.at(i);
+        if (a == QLatin1String("--repair"))
+            reparer = true;
+        else if (a == QLatin1String("--patients") && i + 1 < arguments.size())
+            patients = arguments.at(++i);
+        else if (dossier.isEmpty() && !a.startsWith(QLatin1String("--")))
+            dossier = a;
+        else
+            compris = false;
+    }
+    if (dossier.isEmpty() || !compris) {
+        err << "store-check : le dossier de Events.mdb est attendu.\n";
+        return 2;
+    }
+    const ControleStore c = ControlerStore(dossier);
+    if (!c.ouvert) {
+        err << c.erreur << '\n';
+        return 2;
+    }
+    out << "Rendez-vous : " << c.evenements << " (simples " << c.simples << ", maîtres de série " << c.maitres
+        << ", exceptions " << c.exceptions << " dont " << c.supprimees << " suppressions)\n"
+        << "Séries : " << c.series << '\n';
+    for (const QString &p : c.problemes)
+        out << "Problème : " << p << '\n';
+    const int copies = controlerCopies(dossier, patients.isEmpty() ? dossier : patients, reparer, out, err);
+    const bool sain = c.sain() && copies == 0;
+    out << (sain ? "Base cohérente.\n" : "Base incohérente.\n");
+    return copies == 2 ? 2 : (sain ? 0 : 1);
+}
+
+// A station that books appointments one after the other, as the editor does:
+// a refused write is told and tried again (the secretary clicks OK again),
+// and copies refused by the patient base are written again before the end.
+int reserverEssais(const QStringList &arguments, QTextStream &out, QTextStream &err)
+{
+    bool ok = false;
+    const int n = arguments.value(2).toInt(&ok);
+    const int poste = arguments.value(3, QStringLiteral("1")).toInt();
+    const int pause = arguments.value(4, QStringLiteral("0")).toInt();
+    if (arguments.size() < 3 || arguments.size() > 5 || !ok || n < 0) {
+        err << "book-test : DOSSIER N [POSTE [PAUSE_MS]] attendu.\n";
+        return 2;
+    }
+    AppState &etat = appState();
+    Demarrage demarrage(etat, arguments.at(1));
+    ParametresFenetre parametres;
+    std::optional<QString> fatal = demarrage.initialiser(QString());
+    if (!fatal)
+        fatal = demarrage.charger(parametres);
+    // A store held by another station at the start is tried again, as the
+    // window does at each refresh.
+    for (QDeadlineTimer limite(30000); !fatal && etat.Calendrier && !etat.Calendrier->IsOpen() && !limite.hasExpired();) {
+        err << "Poste " << poste << " : " << TexteAgendaOccupe() << '\n';
+        QThread::msleep(200);
+        etat.Calendrier->Open();
+    }
+    if (fatal || !etat.Calendrier || !etat.Calendrier->IsOpen()) {
+        err << "Poste " << poste << " : " << (fatal ? *fatal : QStringLiteral("le calendrier ne peut pas être ouvert."))
+            << '\n';
+        return 1;
+    }
+    BrancherMiroir(*etat.Calendrier);
+    int signales = 0;
+    int perdus = 0;
+    const QDateTime origine(QDate(2030, 1, 7), QTime(8, 0));
+    for (int i = 0; i < n; ++i) {
+        const QDateTime debut = origine.addSecs(qint64(poste * n + i) * 300);
+        ChampsRdv c;
+        c[ChampRdv::Nom] = QStringLiteral("ESSAI");
+        c[ChampRdv::Prenom] = QStringLiteral("Poste %1").arg(poste);
+        c[ChampRdv::DateNaissance] = QStringLiteral("01/01/1980");
+        c[ChampRdv::NumeroPatient] = QString::number(poste * 100000 + i + 1);
+        c[ChampRdv::Base] = QStringLiteral("Agenda");
+        bool enregistre = false;
+        for (int essai = 0; essai < 20 && !enregistre; ++essai) {
+            const CalendarEventPtr e = etat.Calendrier->CreateNewEvent(debut, debut.addSecs(900));
+            e->setBody(PackerBody(c));
+            e->setSubject(QStringLiteral("ESSAI %1-%2").arg(poste).arg(i));
+            enregistre = etat.Calendrier->AddEvent(e);
+            if (!enregistre) {
+                ++signales;
+                err << TexteEchecEnregistrement(etat.Calendrier->store()->LastErrorText()) << '\n';
+                QThread::msleep(200);
+            }
+        }
+        perdus += enregistre ? 0 : 1;
+        QThread::msleep(static_cast<unsigned long>(std::max(pause, 0)));
+    }
+    QDeadlineTimer limite(30000);
+    int attente = RejouerMiroir(etat.CheminBaseAgenda);
+    while (attente > 0 && !limite.hasExpired()) {
+        QThread::msleep(200);
+        attente = RejouerMiroir(etat.CheminBaseAgenda);
+    }
+    out << "Poste " << poste << " : " << (n - perdus) << " rendez-vous enregistrés, " << signales << " échecs signalés, "
+        << perdus << " perdus, " << attente << " copies en attente.\n";
+    demarrage.arreter(false);
+    return perdus == 0 && attente == 0 ? 0 : 1;
+}
+
+int tenirVerrou(const QStringList &arguments, QTextStream &out, QTextStream &err)
+{
+    bool ok = false;
+    const double secondes = arguments.value(2).toDouble(&ok);
+    if (arguments.size() != 3 || !ok || secondes < 0) {
+        err << "hold-lock : FICHIER SECONDES attendu.\n";
+        return 2;
+    }
+    QString erreur;
+    const auto base = BaseSqlite::ouvrir(arguments.at(1), BaseSqlite::Mode::Existante, &erreur);
+    if (!base || !base->executer(QStringLiteral("BEGIN EXCLUSIVE"), &erreur)) {
+        err << erreur << '\n';
+        return 1;
+    }
+    out << "Verrouillé : " << arguments.at(1) << '\n';
+    out.flush();
+    QThread::msleep(static_cast<unsigned long>(secondes * 1000));
+    base->executer(QStringLiteral("ROLLBACK"));
+    out << "Libéré.\n";
+    return 0;
+}
+
 } // namespace
 
 int ExecuterCommandeAdmin(const QStringList &arguments, QTextStream &out, QTextStream &err)
@@ -179,24 +360,12 @@ int ExecuterCommandeAdmin(const QStringList &arguments, QTextStream &out, QTextS
         }
         return VerifierModem(port, out, err);
     }
-    if (commande == QLatin1String("store-check")) {
-        if (arguments.size() != 2) {
-            err << "store-check : le dossier de Events.mdb est attendu.\n";
-            return 2;
-        }
-        const ControleStore c = ControlerStore(arguments.at(1));
-        if (!c.ouvert) {
-            err << c.erreur << '\n';
-            return 2;
-        }
-        out << "Rendez-vous : " << c.evenements << " (simples " << c.simples << ", maîtres de série " << c.maitres
-            << ", exceptions " << c.exceptions << " dont " << c.supprimees << " suppressions)\n"
-            << "Séries : " << c.series << '\n';
-        for (const QString &p : c.problemes)
-            out << "Problème : " << p << '\n';
-        out << (c.sain() ? "Base cohérente.\n" : "Base incohérente.\n");
-        return c.sain() ? 0 : 1;
-    }
+    if (commande == QLatin1String("store-check"))
+        return controlerStore(arguments, out, err);
+    if (commande == QLatin1String("book-test"))
+        return reserverEssais(arguments, out, err);
+    if (commande == QLatin1String("hold-lock"))
+        return tenirVerrou(arguments, out, err);
     if (commande == QLatin1String("search-patients"))
         return rechercherPatients(arguments, out, err);
     if (commande == QLatin1String("demo"))

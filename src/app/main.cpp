@@ -1,6 +1,7 @@
 #include "shell/appstate.h"
 #include "shell/demarrage.h"
 #include "shell/base/dossiers.h"
+#include "shell/base/fichierspartages.h"
 #include "shell/window/frmmain.h"
 #include "shell/base/prompt.h"
 #include "shell/base/promptwidgets.h"
@@ -28,6 +29,9 @@ int fin(const QString &texte)
 
 int main(int argc, char *argv[])
 {
+    // Every file this program makes in the shared folder is for the
+    // practice's group only.
+    FixerMasqueCreation();
 #ifdef Q_OS_LINUX
     // Without TZ, glibc looks at the zone file again at every local-time
     // conversion, which doubles the cost of reading a week of appointments.

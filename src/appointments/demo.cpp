@@ -254,7 +254,8 @@ std::optional<QString> ecrirePatients(const std::vector<PatientCourantRecord> &f
     if (!base)
         return erreur;
     QSqlDatabase db = base->db();
-    db.transaction();
+    if (!base->executer(QStringLiteral("BEGIN IMMEDIATE"), &erreur))
+        return erreur;
     QSqlQuery q(db);
     q.prepare(QStringLiteral("INSERT INTO Signaletiques (Nom, Prenom, \"Date de Naissance\", Sexe, Adresse1, Adresse2, "
                              "\"Code Postal\", Ville, Telephone1, Telephone2, \"mèl\", Numero, Base, Decede) "
@@ -275,12 +276,16 @@ std::optional<QString> ecrirePatients(const std::vector<PatientCourantRecord> &f
         q.addBindValue(f.Base);
         if (!q.exec()) {
             erreur = q.lastError().text();
-            db.rollback();
+            q.finish();
+            base->executer(QStringLiteral("ROLLBACK"));
             return erreur;
         }
     }
-    if (!db.commit())
-        return db.lastError().text();
+    q.finish();
+    if (!base->executer(QStringLiteral("COMMIT"), &erreur)) {
+        base->executer(QStringLiteral("ROLLBACK"));
+        return erreur;
+    }
     return std::nullopt;
 }
 

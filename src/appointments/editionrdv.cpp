@@ -1,11 +1,20 @@
 #include "appointments/editionrdv.h"
 
 #include "rules/praticiens.h"
+#include "shell/base/basesqlite.h"
 #include "shell/base/config.h"
+#include "shell/base/horloge.h"
 #include "shell/base/nombres.h"
 #include "shell/base/support.h"
 
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
+#include <QSqlQuery>
+
+#include <cerrno>
+#include <csignal>
 
 namespace {
 
@@ -151,15 +160,99 @@ QString ValeurReservation()
     return NomOrdinateur() + QStringLiteral(" - ") + NomUtilisateur();
 }
 
+namespace {
+
+QString nomProgramme()
+{
+    return QFileInfo(QCoreApplication::applicationFilePath()).fileName().left(15);
+}
+
+// "computer;pid;" : the beginning of this process's watch rows.
+QString prefixeVeille()
+{
+    return NomOrdinateur() + u';' + QString::number(QCoreApplication::applicationPid()) + u';';
+}
+
+QString veilleLocale()
+{
+    return ValeurVeille(NomOrdinateur(), QCoreApplication::applicationPid(), nomProgramme(), Horloge::maintenant());
+}
+
+// Text of a value for the practice's LIKE: "*" and "?" would be wildcards.
+QString motifExact(const QString &texte)
+{
+    QString m = texte;
+    return m.replace(u'[', QStringLiteral("[[]")).replace(u'*', QStringLiteral("[*]")).replace(u'?', QStringLiteral("[?]")).replace(u'#', QStringLiteral("[#]"));
+}
+
+} // namespace
+
+QString ValeurVeille(const QString &poste, qint64 pid, const QString &programme, const QDateTime &moment)
+{
+    return QStringList{poste, QString::number(pid), programme, moment.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))}.join(u';');
+}
+
+bool ProcessusAgendaVivant(qint64 pid, const QString &programme)
+{
+    if (pid <= 0 || (::kill(pid_t(pid), 0) != 0 && errno != EPERM))
+        return false;
+    // A process number given again to another program is no agenda.
+    QFile comm(QStringLiteral("/proc/%1/comm").arg(pid));
+    if (!comm.open(QIODevice::ReadOnly))
+        return true;
+    return QString::fromLocal8Bit(comm.readAll()).trimmed() == programme;
+}
+
+bool ReservationAbandonnee(const QString &veille, const QDateTime &maintenant, const QString &posteLocal, ProcessusVivant vivant)
+{
+    const QStringList parties = veille.split(u';');
+    if (parties.size() != 4)
+        return false;
+    bool ok = false;
+    const qint64 pid = parties.at(1).toLongLong(&ok);
+    const QDateTime confirmee = QDateTime::fromString(parties.at(3), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    if (!ok || !confirmee.isValid())
+        return false;
+    // This computer knows whether its agenda still runs; of another one only
+    // the age of the last confirmation tells.
+    if (parties.at(0).compare(posteLocal, Qt::CaseInsensitive) == 0)
+        return !vivant(pid, parties.at(2));
+    return confirmee.secsTo(maintenant) > qint64(MinutesAbandonReservation) * 60;
+}
+
 std::optional<QString> ReserverPlage(const QDateTime &debut)
 {
     const QString section = TexteDateHeureDefaut(debut);
     const QString item = QStringLiteral("Réservation");
+    const auto config = ConfigOuverte();
+    // Read and take in one transaction, write lock first: two stations that
+    // ask for the same slot at the same moment never both get it.
+    const bool transaction = config && config->base().executer(QStringLiteral("BEGIN IMMEDIATE"));
     const QString tenue = LireConfig(section, item, QString());
-    if (!tenue.isEmpty())
+    if (!tenue.isEmpty()
+        && !ReservationAbandonnee(LireConfig(section, ItemVeilleReservation, QString()), Horloge::maintenant(), NomOrdinateur())) {
+        if (transaction)
+            config->base().executer(QStringLiteral("ROLLBACK"));
         return tenue;
+    }
     EcrireConfig(section, item, ValeurReservation());
+    EcrireConfig(section, ItemVeilleReservation, veilleLocale());
+    if (transaction && !config->base().executer(QStringLiteral("COMMIT")))
+        config->base().executer(QStringLiteral("ROLLBACK"));
     return std::nullopt;
+}
+
+void EntretenirReservations()
+{
+    const auto config = ConfigOuverte();
+    if (!config)
+        return;
+    QSqlQuery q(config->base().db());
+    q.prepare(QStringLiteral("UPDATE Ini SET Valeur = ? WHERE Item = ? AND Valeur LIKE ?"));
+    q.addBindValue(veilleLocale());
+    q.addBindValue(ItemVeilleReservation);
+    q.addBindValue(motifExact(prefixeVeille()) + u'*');
+    q.exec();
 }
 
 QString TextePlageReservee(const QString &valeur)
@@ -170,6 +263,54 @@ QString TextePlageReservee(const QString &valeur)
 void LibererReservations()
 {
     SupprimerReservation(ValeurReservation());
+    // The watch rows of this process, and those left without their
+    // reservation.
+    const auto config = ConfigOuverte();
+    if (!config)
+        return;
+    QSqlQuery q(config->base().db());
+    q.prepare(QStringLiteral("DELETE FROM Ini WHERE Item = ? AND (Valeur LIKE ? OR Section NOT IN "
+                             "(SELECT Section FROM Ini WHERE Item = ?))"));
+    q.addBindValue(ItemVeilleReservation);
+    q.addBindValue(motifExact(prefixeVeille()) + u'*');
+    q.addBindValue(QStringLiteral("Réservation"));
+    q.exec();
+}
+
+QString TitreEchecEnregistrement()
+{
+    return QStringLiteral("Rendez-vous non enregistré");
+}
+
+QString TexteEchecEnregistrement(const QString &detail)
+{
+    QString texte = QStringLiteral("Le rendez-vous n'a pas pu être enregistré dans l'agenda : le fichier des rendez-vous "
+                                   "est occupé par un autre poste ou ne peut pas être modifié.");
+    if (!detail.trimmed().isEmpty())
+        texte += QStringLiteral("\n(") + detail.trimmed() + u')';
+    return texte + QStringLiteral("\n\nVotre saisie est conservée : cliquez de nouveau sur OK pour réessayer, "
+                                  "ou sur Annuler pour l'abandonner.");
+}
+
+QString TitreEchecModification()
+{
+    return QStringLiteral("Modification non enregistrée");
+}
+
+QString TexteEchecModification(const QString &detail)
+{
+    QString texte = QStringLiteral("La modification de l'agenda n'a pas pu être enregistrée : le fichier des rendez-vous "
+                                   "est occupé par un autre poste ou ne peut pas être modifié.");
+    if (!detail.trimmed().isEmpty())
+        texte += QStringLiteral("\n(") + detail.trimmed() + u')';
+    return texte + QStringLiteral("\n\nL'agenda montre les rendez-vous tels qu'ils sont enregistrés : refaites la "
+                                  "modification dans un instant.");
+}
+
+QString TexteAgendaOccupe()
+{
+    return QStringLiteral("L'agenda est occupé sur un autre poste : affichage du dernier état lu, nouvel essai dans "
+                          "quelques secondes.");
 }
 
 QChar FiltrerCaractere(QChar c)

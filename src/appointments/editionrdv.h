@@ -83,6 +83,29 @@ enum class ControleDate { Aucun, DateDebut, HeureDebut, DateFin, HeureFin };
 // Removes every reservation of this station, whatever its slot.
 void LibererReservations();
 
+// A reservation names its station for the message; beside it, in the same
+// section, item "Réservation.Veille" says who holds it and since when it
+// was last confirmed: "computer;process id;program;yyyy-MM-dd HH:mm:ss".
+// The editor confirms its reservations every minute while it is open, so a
+// reservation whose station stopped (killed, crashed, switched off) is no
+// longer held against the others:
+// - on this computer, when its process is gone (or is no longer the
+//   agenda), and only then;
+// - from another computer, once its last confirmation is older than
+//   MinutesAbandonReservation.
+// A reservation without that row (written by an older version) stays held.
+inline constexpr int MinutesAbandonReservation = 30;
+inline constexpr int SecondesVeilleReservation = 60;
+inline const QString ItemVeilleReservation = QStringLiteral("Réservation.Veille");
+[[nodiscard]] QString ValeurVeille(const QString &poste, qint64 pid, const QString &programme, const QDateTime &moment);
+// The process of this station runs the given program (false when gone).
+using ProcessusVivant = bool (*)(qint64 pid, const QString &programme);
+[[nodiscard]] bool ProcessusAgendaVivant(qint64 pid, const QString &programme);
+[[nodiscard]] bool ReservationAbandonnee(const QString &veille, const QDateTime &maintenant, const QString &posteLocal,
+                                        ProcessusVivant vivant = ProcessusAgendaVivant);
+// Confirms every reservation of this process (the editor's timer).
+void EntretenirReservations();
+
 // --- Keyboard ----------------------------------------------------------------
 
 // The characters that would break the packing ("§", "#", "*", "&" and the
@@ -164,6 +187,18 @@ struct LectureSaisie
     bool sansPatient = false;
 };
 LectureSaisie LireEvenementDansSaisie(const CalendarEvent &evenement, SaisieRdv &saisie);
+
+// Title and text of the box of an appointment that the store refused (file
+// held by another station past the busy wait, read-only, missing...); the
+// editor stays open with what was typed. `detail` is the store's own reason.
+[[nodiscard]] QString TitreEchecEnregistrement();
+[[nodiscard]] QString TexteEchecEnregistrement(const QString &detail);
+// The box of a change of the book made from the main window (move, resize,
+// paste, delete, presence, recurrence) that the store refused.
+[[nodiscard]] QString TitreEchecModification();
+[[nodiscard]] QString TexteEchecModification(const QString &detail);
+// The status line while the calendar store is held by another station.
+[[nodiscard]] QString TexteAgendaOccupe();
 
 // "Rendez-vous pris le dd/MM/yyyy HH:mm:ss modifié le dd/MM/yyyy HH:mm:ss".
 [[nodiscard]] QString TexteModification(const CalendarEvent &evenement);

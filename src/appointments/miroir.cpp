@@ -14,7 +14,9 @@
 #include <QSqlQuery>
 #include <QVariant>
 
+#include <algorithm>
 #include <exception>
+#include <utility>
 
 namespace {
 
@@ -33,14 +35,63 @@ QVariant dateHeure(const QDateTime &moment)
     return moment.isValid() ? QVariant(moment.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))) : QVariant();
 }
 
+// The busy wait of the next opening: the replay at each refresh waits
+// briefly, so that a file held elsewhere never holds the window.
+int g_delai = -1;
+
 std::unique_ptr<BaseSqlite> ouvrirBase(const QString &cheminBaseAgenda, QString &raison)
 {
-    return BaseSqlite::ouvrir(CheminPatientsMdb(cheminBaseAgenda), BaseSqlite::Mode::Existante, &raison);
+    return BaseSqlite::ouvrir(CheminPatientsMdb(cheminBaseAgenda), BaseSqlite::Mode::Existante, &raison, nullptr, g_delai);
 }
 
-void signaler(const QString &raison)
+constexpr int DelaiRejeu = 250;
+
+void signaler(const QString &raison, bool refaite = false)
 {
-    Prompt::informer(TitreEchecMiroir(), TexteEchecMiroir(raison), Prompt::Icone::Exclamation);
+    QString texte = TexteEchecMiroir(raison);
+    if (refaite)
+        texte += QStringLiteral("\nLa copie sera refaite automatiquement dès que le fichier sera libre.");
+    Prompt::informer(TitreEchecMiroir(), texte, Prompt::Icone::Exclamation);
+}
+
+// One copy to write again: the row of the event (a copy of it, as it was
+// when the change was made), or its deletion when there is no event.
+struct CopieEnAttente
+{
+    QString chemin;
+    int eventId = 0;
+    CalendarEventPtr evenement;
+    QString praticien;
+};
+
+QList<CopieEnAttente> &enAttente()
+{
+    static QList<CopieEnAttente> liste;
+    return liste;
+}
+
+std::optional<QString> appliquer(const CopieEnAttente &c)
+{
+    if (c.evenement)
+        return EcrireMiroir(c.chemin, *c.evenement, c.praticien);
+    return EffacerMiroir(c.chemin, c.eventId);
+}
+
+// Writes the copy now, after what waits for the same key; on a failure it
+// waits in turn, and the reason is told. A row whose event gives no patient
+// number is refused for good: it is told and not kept.
+void copier(CopieEnAttente copie)
+{
+    QList<CopieEnAttente> &liste = enAttente();
+    liste.removeIf([&](const CopieEnAttente &c) { return c.chemin == copie.chemin && c.eventId == copie.eventId; });
+    RejouerMiroir(copie.chemin);
+    const auto raison = appliquer(copie);
+    if (!raison)
+        return;
+    const bool refaite = !copie.evenement || NumeroPatientBody(copie.evenement->Body());
+    if (refaite)
+        liste.append(std::move(copie));
+    signaler(*raison, refaite);
 }
 
 // Added and changed differ only by the journal's action.
@@ -51,8 +102,7 @@ void ecrireEtJournaliser(const CalendarEventPtr &event, qint16 action)
     try {
         AppState &etat = appState();
         etat.RegleCourante = GetRegleForDate(event->StartDateTime());
-        if (const auto raison = EcrireMiroir(etat.CheminBaseAgenda, *event, etat.RegleCourante.Praticien))
-            signaler(*raison);
+        copier({etat.CheminBaseAgenda, event->EventID(), event->CloneEvent(), etat.RegleCourante.Praticien});
         EcrireJournal(event, action);
     } catch (const std::exception &e) {
         signaler(QString::fromLocal8Bit(e.what()));
@@ -86,12 +136,15 @@ std::optional<QString> EcrireMiroir(const QString &cheminBaseAgenda, const Calen
     if (!base)
         return raison;
     QSqlDatabase db = base->db();
-    if (!db.transaction())
-        return db.lastError().text();
+    // The write lock is taken first, so that a station writing at the same
+    // moment is waited for (a read that turns into a write is refused at
+    // once instead).
+    if (QString detail; !base->executer(QStringLiteral("BEGIN IMMEDIATE"), &detail))
+        return detail;
 
     auto echec = [&](const QSqlQuery &q) -> std::optional<QString> {
         const QString texte = texteErreur(q);
-        db.rollback();
+        base->executer(QStringLiteral("ROLLBACK"));
         return texte;
     };
 
@@ -119,8 +172,10 @@ std::optional<QString> EcrireMiroir(const QString &cheminBaseAgenda, const Calen
     ecriture.addBindValue(event.EventID());
     if (!ecriture.exec())
         return echec(ecriture);
-    if (!db.commit())
-        return db.lastError().text();
+    if (QString detail; !base->executer(QStringLiteral("COMMIT"), &detail)) {
+        base->executer(QStringLiteral("ROLLBACK"));
+        return detail;
+    }
     return std::nullopt;
 }
 
@@ -130,11 +185,29 @@ std::optional<QString> EffacerMiroir(const QString &cheminBaseAgenda, int eventI
     const auto base = ouvrirBase(cheminBaseAgenda, raison);
     if (!base)
         return raison;
-    QSqlQuery q(base->db());
+    return EffacerMiroir(*base, {eventId});
+}
+
+std::optional<QString> EffacerMiroir(BaseSqlite &base, const QList<int> &eventIds)
+{
+    QString detail;
+    if (!base.executer(QStringLiteral("BEGIN IMMEDIATE"), &detail))
+        return detail;
+    QSqlQuery q(base.db());
     q.prepare(QStringLiteral("DELETE FROM Events WHERE ID = ?"));
-    q.addBindValue(eventId);
-    if (!q.exec())
-        return texteErreur(q);
+    for (const int id : eventIds) {
+        q.addBindValue(id);
+        if (!q.exec()) {
+            detail = texteErreur(q);
+            q.finish();
+            base.executer(QStringLiteral("ROLLBACK"));
+            return detail;
+        }
+    }
+    if (!base.executer(QStringLiteral("COMMIT"), &detail)) {
+        base.executer(QStringLiteral("ROLLBACK"));
+        return detail;
+    }
     return std::nullopt;
 }
 
@@ -153,8 +226,7 @@ void MiroirEvenementSupprime(const CalendarEventPtr &event)
     if (!event)
         return;
     try {
-        if (const auto raison = EffacerMiroir(appState().CheminBaseAgenda, event->EventID()))
-            signaler(*raison);
+        copier({appState().CheminBaseAgenda, event->EventID(), {}, {}});
         EcrireJournal(event, JournalEffacement);
     } catch (const std::exception &e) {
         signaler(QString::fromLocal8Bit(e.what()));
@@ -168,4 +240,33 @@ void BrancherMiroir(CalendarDataProvider &provider)
     QObject::connect(&provider, &CalendarDataProvider::eventAdded, &provider, &MiroirEvenementAjoute);
     QObject::connect(&provider, &CalendarDataProvider::eventChanged, &provider, &MiroirEvenementModifie);
     QObject::connect(&provider, &CalendarDataProvider::eventDeleted, &provider, &MiroirEvenementSupprime);
+    // The exceptions of a series that go with it (or leave it) take their
+    // copies along.
+    QObject::connect(&provider, &CalendarDataProvider::rowsRemoved, &provider, [](const QList<int> &ids) {
+        for (const int id : ids)
+            copier({appState().CheminBaseAgenda, id, {}, {}});
+    });
+}
+
+int RejouerMiroir(const QString &cheminBaseAgenda)
+{
+    QList<CopieEnAttente> &liste = enAttente();
+    const int delai = std::exchange(g_delai, DelaiRejeu);
+    for (qsizetype i = 0; i < liste.size();) {
+        if (liste.at(i).chemin != cheminBaseAgenda) {
+            ++i;
+            continue;
+        }
+        if (appliquer(liste.at(i)))
+            break;
+        liste.removeAt(i);
+    }
+    g_delai = delai;
+    return int(std::count_if(liste.cbegin(), liste.cend(),
+                             [&](const CopieEnAttente &c) { return c.chemin == cheminBaseAgenda; }));
+}
+
+int MiroirEnAttente()
+{
+    return int(enAttente().size());
 }

@@ -2,10 +2,12 @@
 
 #include "calendar/calendarevent.h"
 
+#include <QList>
 #include <QString>
 
 #include <optional>
 
+class BaseSqlite;
 class CalendarDataProvider;
 
 // The reduced copy of every appointment in table Events of the agenda's own
@@ -29,6 +31,19 @@ class CalendarDataProvider;
 
 // Deletes the row of that key (none is no failure).
 [[nodiscard]] std::optional<QString> EffacerMiroir(const QString &cheminBaseAgenda, int eventId);
+// Deletes the rows of those keys on an open base, in one transaction.
+[[nodiscard]] std::optional<QString> EffacerMiroir(BaseSqlite &base, const QList<int> &eventIds);
+
+// A copy that could not be written (the file held by another station past
+// the busy wait) is kept here and written again by RejouerMiroir, which the
+// main window calls at each refresh; the latest change of a key replaces an
+// older one still waiting. Nothing of this is lost unless the program stops
+// before the file is free again; store-check then finds the row missing and
+// repairs it.
+// Writes what waits, oldest first, and stops at the first that fails again.
+// Answers how many still wait.
+int RejouerMiroir(const QString &cheminBaseAgenda);
+[[nodiscard]] int MiroirEnAttente();
 
 // The three handlers, on AppState (CheminBaseAgenda, RegleCourante, the
 // journal). Added and changed look up the rule in force at the start

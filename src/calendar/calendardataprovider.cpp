@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -128,11 +129,16 @@ bool CalendarDataProvider::inOneChange(F &&work)
 {
     if (!m_store || !m_store->IsOpen() || !m_store->BeginChange())
         return false;
+    m_removedRows.clear();
     if (!work()) {
         m_store->RollbackChange();
         return false;
     }
-    return m_store->CommitChange();
+    if (!m_store->CommitChange())
+        return false;
+    if (!m_removedRows.isEmpty())
+        emit rowsRemoved(std::exchange(m_removedRows, {}));
+    return true;
 }
 
 QHash<int, CalendarRecurrencePatternPtr> CalendarDataProvider::patternsOf(const QList<CalendarEventPtr> &rows)
@@ -272,8 +278,11 @@ bool CalendarDataProvider::syncExceptions(const CalendarRecurrencePatternPtr &pa
     // Exceptions thrown away from the series lose their rows.
     if (const CalendarRecurrencePatternPtr stocke = m_store->DoReadRPattern(pattern->RecurrencePatternID())) {
         for (const CalendarEventPtr &e : stocke->Exceptions()) {
-            if (!gardees.contains(e->EventID()) && !m_store->DoDeleteEvent(*e))
+            if (gardees.contains(e->EventID()))
+                continue;
+            if (!m_store->DoDeleteEvent(*e))
                 return false;
+            m_removedRows.append(e->EventID());
         }
     }
     return true;
@@ -341,8 +350,11 @@ bool CalendarDataProvider::deleteSeriesRows(int patternId, int keepEventId)
     if (!stocke)
         return true;
     for (const CalendarEventPtr &e : stocke->Exceptions()) {
-        if (e->EventID() != keepEventId && !m_store->DoDeleteEvent(*e))
+        if (e->EventID() == keepEventId)
+            continue;
+        if (!m_store->DoDeleteEvent(*e))
             return false;
+        m_removedRows.append(e->EventID());
     }
     m_keepAlive.remove(patternId);
     return m_store->DoDeleteRPattern(*stocke);

@@ -78,6 +78,17 @@ public:
     [[nodiscard]] QList<CalendarEventPtr> GetUpcomingEvents(const QDateTime &start, int minutes, const QDateTime &since = {},
                                                             bool *ok = nullptr);
 
+    // Whether the last read could not be run (the store held by another
+    // workstation past the wait): its empty answer means "unknown".
+    [[nodiscard]] bool LastReadFailed() const { return m_store && m_store->LastReadFailed(); }
+    // The wait of the reads that follow, in milliseconds (-1: the usual
+    // one); a periodic refresh waits briefly and keeps what it showed.
+    void setReadWait(int milliseconds)
+    {
+        if (m_store)
+            m_store->SetReadWait(milliseconds);
+    }
+
     // Labels (colour and appointment type) of the book.
     [[nodiscard]] const CalendarLabelList &LabelList() const { return m_labels; }
     void setLabelList(const CalendarLabelList &labels) { m_labels = labels; }
@@ -102,6 +113,9 @@ signals:
     void eventAdded(CalendarEventPtr event);
     void eventChanged(CalendarEventPtr event);
     void eventDeleted(CalendarEventPtr event);
+    // Rows of a series removed with it or dropped from it (exceptions), once
+    // their change is committed: whatever copies them elsewhere drops them.
+    void rowsRemoved(QList<int> eventIds);
 
 private:
     // A row read as an ordinary event becomes a record of its state; a master
@@ -125,4 +139,6 @@ private:
     QList<CalendarSchedule> m_schedules;
     // Masters of the series read so far, by pattern key (see takeOver).
     QHash<int, CalendarEventPtr> m_keepAlive;
+    // Keys of the rows deleted by the change under way (see rowsRemoved).
+    QList<int> m_removedRows;
 };

@@ -95,6 +95,12 @@ public:
     // Whether the last read could not be run at all (a file held too long by
     // another workstation): an empty answer then means "unknown", not "none".
     [[nodiscard]] virtual bool LastReadFailed() const { return false; }
+    // What the last failed request said (empty when the store cannot tell).
+    [[nodiscard]] virtual QString LastErrorText() const { return {}; }
+    // How long the next requests wait for a file held by another
+    // workstation; -1 puts back the usual wait. A store that never waits
+    // ignores it.
+    virtual void SetReadWait(int /*milliseconds*/) {}
 
     [[nodiscard]] const SQLDataHelper &helper() const { return m_helper; }
 

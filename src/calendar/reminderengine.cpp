@@ -83,7 +83,11 @@ std::optional<QList<Reminder>> ReminderEngine::dueReminders(const QDateTime &now
             dus.append(*r);
     };
     bool lu = false;
+    // A poll never holds the window for a store held by another
+    // workstation: an unread poll is simply run again at the next tick.
+    m_provider->setReadWait(500);
     const QList<CalendarEventPtr> lignes = m_provider->GetUpcomingEvents(now, 0, depuis, &lu);
+    m_provider->setReadWait(-1);
     if (!lu)
         return std::nullopt;
     for (const CalendarEventPtr &e : lignes) {

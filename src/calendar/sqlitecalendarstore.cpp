@@ -504,7 +504,18 @@ bool SqliteCalendarStore::Create()
         }
         m_keptAside = aside;
     }
-    m_base = BaseSqlite::ouvrir(m_path, BaseSqlite::Mode::Creer, &m_lastError);
+    // Built aside and put in place whole; when another workstation's store
+    // got there first, that one is opened.
+    const auto remplir = [](BaseSqlite &base, QString *erreur) {
+        for (const char *sql : kSchema) {
+            if (!base.executer(QString::fromLatin1(sql), erreur))
+                return false;
+        }
+        return true;
+    };
+    if (BaseSqlite::creer(m_path, remplir, &m_lastError) == BaseSqlite::Creation::Echec)
+        return false;
+    m_base = BaseSqlite::ouvrir(m_path, BaseSqlite::Mode::Existante, &m_lastError);
     return m_base && ensureSchema();
 }
 
@@ -678,7 +689,8 @@ QHash<int, CalendarRecurrencePatternPtr> SqliteCalendarStore::DoReadRPatterns(co
     QHash<int, QList<CalendarEventPtr>> exceptions;
     sqlite3_bind_text(m_seriesExceptionsStmt, 1, liste.constData(), int(liste.size()), SQLITE_TRANSIENT);
     LecteurEvenements lecteur(m_seriesExceptionsStmt, m_helper.calendar());
-    while (sqlite3_step(m_seriesExceptionsStmt) == SQLITE_ROW) {
+    int rc = SQLITE_ROW;
+    while ((rc = sqlite3_step(m_seriesExceptionsStmt)) == SQLITE_ROW) {
         try {
             const int serie = lecteur.entier(LecteurEvenements::RecurrencePatternID);
             if (CalendarEventPtr e = lecteur.lire(true))
@@ -689,12 +701,20 @@ QHash<int, CalendarRecurrencePatternPtr> SqliteCalendarStore::DoReadRPatterns(co
 
     sqlite3_bind_text(m_patternsStmt, 1, liste.constData(), int(liste.size()), SQLITE_TRANSIENT);
     const LecteurMotifs motifs(m_patternsStmt, m_helper.calendar());
-    while (sqlite3_step(m_patternsStmt) == SQLITE_ROW) {
+    // A series read without its exceptions would show occurrences that were
+    // moved or deleted: the failure of either read is the failure of the
+    // whole read (LastReadFailed).
+    const bool exceptionsLues = rc == SQLITE_DONE;
+    while ((rc = sqlite3_step(m_patternsStmt)) == SQLITE_ROW) {
         if (CalendarRecurrencePatternPtr p = motifs.lire()) {
             for (const CalendarEventPtr &e : exceptions.value(p->RecurrencePatternID()))
                 p->SetException(e);
             lus.insert(p->RecurrencePatternID(), p);
         }
+    }
+    if (!exceptionsLues || rc != SQLITE_DONE) {
+        m_readFailed = true;
+        m_lastError = QString::fromUtf8(sqlite3_errmsg(m_base->poignee()));
     }
     return lus;
 }
@@ -815,6 +835,12 @@ void SqliteCalendarStore::DoGetUpcomingEvents(const QDateTime &start, int minute
     const QByteArray depuis = RecordValue::isoText(since).toUtf8();
     readKeptEvents(borne ? m_upcomingSinceStmt : m_upcomingStmt, upcomingStatement(borne),
                    borne ? QList<QByteArray>{t, depuis, t, t, depuis} : QList<QByteArray>{t, t, t}, events);
+}
+
+void SqliteCalendarStore::SetReadWait(int milliseconds)
+{
+    if (m_base)
+        sqlite3_busy_timeout(m_base->poignee(), milliseconds >= 0 ? milliseconds : BaseSqlite::delaiOccupe());
 }
 
 bool SqliteCalendarStore::BeginChange()

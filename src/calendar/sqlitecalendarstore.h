@@ -51,6 +51,8 @@ public:
                              const QDateTime &since = {}) override;
 
     [[nodiscard]] bool LastReadFailed() const override { return m_readFailed; }
+    [[nodiscard]] QString LastErrorText() const override { return m_lastError; }
+    void SetReadWait(int milliseconds) override;
 
     bool DoReadSchedules(QList<CalendarSchedule> &schedules) override;
     bool DoCreateSchedule(const QString &name, int &newScheduleId) override;

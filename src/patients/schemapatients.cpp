@@ -344,32 +344,7 @@ bool CreerBasePatients(QString &dossier)
         return false;
 
     const QString chemin = dossier + QStringLiteral("Patients.mdb");
-    QString detail;
-    auto base = BaseSqlite::ouvrir(chemin, BaseSqlite::Mode::Creer, &detail);
-    if (!base) {
-        afficherErreur(SQLITE_CANTOPEN, detail);
-        return false;
-    }
-    const QSqlDatabase db = base->db();
-
-    Echec echec;
-    // Two workstations of a fresh installation may start at the same moment:
-    // the exclusive lock serialises them, and the second one finds the
-    // tables of the first and leaves them alone.
-    if (!executer(db, QStringLiteral("BEGIN EXCLUSIVE"), echec)) {
-        afficherErreur(echec.numero, echec.description);
-        return false;
-    }
-    {
-        QSqlQuery q(db);
-        if (q.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")) && q.next() && q.value(0).toInt() > 0) {
-            q.finish();
-            executer(db, QStringLiteral("ROLLBACK"), echec);
-            return false;
-        }
-    }
-
-    QStringList instructions;
+    QStringList instructions{QStringLiteral("BEGIN IMMEDIATE")};
     for (const Table *t : {&tableBrenwick(), &tableSignaletiques(), &tableEvents(), &tableNotes()})
         instructions << instructionsTable(*t);
     // The row that names the file is written with the tables, so that the
@@ -380,19 +355,26 @@ bool CreerBasePatients(QString &dossier)
                         .arg(blancs);
     instructions << QStringLiteral("COMMIT");
 
-    for (const QString &sql : instructions) {
-        if (executer(db, sql, echec))
-            continue;
-        Echec ignore;
-        executer(db, QStringLiteral("ROLLBACK"), ignore);
-        base.reset();
-        // The file was made a moment ago and holds nothing after the
-        // rollback. Left behind, it would pass the start-up test "the file
-        // exists" and the base would never be built again.
-        QFile::remove(chemin);
-        QFile::remove(chemin + QStringLiteral("-journal"));
-        afficherErreur(echec.numero, echec.description);
+    // Two workstations of a fresh installation may start at the same moment:
+    // each builds its base under a name of its own, and the first one put in
+    // place is the base of both; the other drops its own copy.
+    Echec echec{SQLITE_CANTOPEN, {}};
+    const auto remplir = [&](BaseSqlite &base, QString *) {
+        for (const QString &sql : instructions) {
+            if (!executer(base.db(), sql, echec))
+                return false;
+        }
+        return true;
+    };
+    QString detail;
+    switch (BaseSqlite::creer(chemin, remplir, &detail)) {
+    case BaseSqlite::Creation::Creee:
+        return true;
+    case BaseSqlite::Creation::DejaLa:
         return false;
+    case BaseSqlite::Creation::Echec:
+        break;
     }
-    return true;
+    afficherErreur(echec.numero, echec.description.isEmpty() ? detail : echec.description);
+    return false;
 }

@@ -16,7 +16,7 @@
 // separator; the folder is given back with one) when no file of either
 // spelling exists yet. An existing file is never touched: false, no box. On a
 // failure shows the critical box titled "Tavonel" (SQLite error number, two
-// line breaks, description), removes the half-made file and returns false.
+// line breaks, description), removes its own half-made file and returns false.
 // True once the four tables and the Brenwick row are committed.
 bool CreerBasePatients(QString &dossier);
 

@@ -2,7 +2,6 @@
 
 #include "shell/base/basesqlite.h"
 
-#include <QFile>
 
 // Config.mdb: the shared settings (Ini) and the schedule rules (Regles).
 // Dates of Regles are stored as "yyyy-MM-dd" and hours as "HH:mm:ss" texts,
@@ -10,11 +9,8 @@
 bool CreerBaseConfig(const QString &dossier, QString *erreur)
 {
     const QString chemin = dossier + QStringLiteral("Config.mdb");
-    auto base = BaseSqlite::ouvrir(chemin, BaseSqlite::Mode::Creer, erreur);
-    if (!base)
-        return false;
     const QStringList instructions = {
-        QStringLiteral("BEGIN"),
+        QStringLiteral("BEGIN IMMEDIATE"),
         QStringLiteral("CREATE TABLE Ini ("
                        "Section TEXT(255) COLLATE NOCASE NOT NULL DEFAULT '', "
                        "Item TEXT(255) COLLATE NOCASE NOT NULL DEFAULT '', "
@@ -36,18 +32,15 @@ bool CreerBaseConfig(const QString &dossier, QString *erreur)
                        "TypeColor INTEGER)"),
         QStringLiteral("COMMIT"),
     };
-    for (const QString &sql : instructions) {
-        QString detail;
-        if (!base->executer(sql, &detail)) {
-            base->executer(QStringLiteral("ROLLBACK"));
-            base.reset();
-            // The file is ours, made a moment ago: a half-made one would stop
-            // every later start.
-            QFile::remove(chemin);
-            if (erreur)
-                *erreur = QStringLiteral("Création de %1 impossible : %2").arg(chemin, detail);
-            return false;
+    // Made aside and put in place whole: a station starting at the same
+    // moment either finds nothing or the complete file, and a failure
+    // removes only our own temporary file.
+    const auto remplir = [&](BaseSqlite &base, QString *detail) {
+        for (const QString &sql : instructions) {
+            if (!base.executer(sql, detail))
+                return false;
         }
-    }
-    return true;
+        return true;
+    };
+    return BaseSqlite::creer(chemin, remplir, erreur) == BaseSqlite::Creation::Creee;
 }

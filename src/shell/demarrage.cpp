@@ -8,6 +8,7 @@
 #include "patients/schemapatients.h"
 #include "rules/regles.h"
 #include "shell/appstate.h"
+#include "shell/base/basesqlite.h"
 #include "shell/base/config.h"
 #include "shell/base/nombres.h"
 #include "shell/base/profilini.h"
@@ -43,6 +44,15 @@ QString Demarrage::texteAgendaNonConfigure()
 QString Demarrage::texteBaseIntrouvable(const QString &pathDB)
 {
     return QStringLiteral("La base de donnée n'est pas trouvée dans le chemin : ") + QStringLiteral("\n  ") + pathDB;
+}
+
+QString Demarrage::texteConfigEndommagee(const QString &chemin, const QString &detail)
+{
+    return QStringLiteral("Le fichier de configuration %1 est endommagé ou illisible :\n%2\n\nL'agenda ne peut pas "
+                          "démarrer sans lui. Restaurez ce fichier depuis une sauvegarde, ou renommez-le pour qu'un "
+                          "fichier neuf soit créé au prochain démarrage (les réglages et les règles seront alors à "
+                          "refaire).")
+        .arg(chemin, detail);
 }
 
 QString NumeroAgenda(const QString &texteDechiffre)
@@ -86,8 +96,15 @@ std::optional<QString> Demarrage::charger(ParametresFenetre &p)
         // box of the next step.
         p.premierLancement = CreerBaseConfig(m_etat.PathDB);
     }
-    if (!OuvrirConfig(config))
+    QString erreur;
+    if (!OuvrirConfig(config, &erreur)) {
+        // A database of ours that is damaged is told as such, in one box:
+        // nothing can be read from it, and a new one must not replace it
+        // behind the practice's back.
+        if (FichierExiste(config) && EstFichierSqlite(config) && !erreur.isEmpty())
+            return texteConfigEndommagee(config, erreur);
         return texteBaseIntrouvable(m_etat.PathDB);
+    }
 
     if (!FichierExiste(CheminPatientsMdb(m_etat.CheminBaseAgenda))) {
         QString dossier = m_etat.CheminBaseAgenda;

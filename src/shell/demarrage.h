@@ -50,6 +50,8 @@ public:
     // Texts of the two fatal boxes.
     static QString texteAgendaNonConfigure();
     static QString texteBaseIntrouvable(const QString &pathDB);
+    // The one box of a Config.mdb that is a database but cannot be read.
+    static QString texteConfigEndommagee(const QString &chemin, const QString &detail);
 
 private:
     AppState &m_etat;

@@ -2,6 +2,7 @@
 
 #include "shell/appstate.h"
 #include "shell/base/cp1252.h"
+#include "shell/base/fichierspartages.h"
 #include "shell/base/horloge.h"
 #include "shell/base/support.h"
 
@@ -89,6 +90,9 @@ QString EcrireJournal(const QString &cheminLog, const QString &agendaName, const
         QFile fichier(dossier + NomFichierJournal(aujourdhui, n));
         if (!fichier.open(QIODevice::WriteOnly | QIODevice::Append))
             continue;
+        // A file just made is shared by the group only (patient names).
+        if (fichier.size() == 0)
+            PartagerDescripteur(fichier.handle());
         const VerrouJournal verrou(fichier.handle());
         if (!verrou.obtenu())
             continue; // another workstation is writing this file

@@ -3,6 +3,7 @@
 #include "shell/appstate.h"
 #include "shell/base/basesqlite.h"
 #include "shell/base/config.h"
+#include "shell/base/horloge.h"
 #include "shell/base/support.h"
 #include "support/repondeurscripte.h"
 
@@ -134,14 +135,50 @@ private slots:
         QCOMPARE(ReserverPlage(dt("2026-03-02 10:05")), std::nullopt);
         QCOMPARE(TextePlageReservee(QStringLiteral("POSTE2 - docteur")),
                  QStringLiteral("Cette plage horaire est déjà réservée par : POSTE2 - docteur  "));
-        QCOMPARE(lignesIni(), (QStringList{"02/03/2026 09:30:00|Réservation|" + moi,
-                                           "02/03/2026 10:00:00|Réservation|POSTE2 - docteur",
-                                           "02/03/2026 10:05:00|Réservation|" + moi}));
+        QCOMPARE(lignesIni().filter(QStringLiteral("|Réservation|")),
+                 (QStringList{"02/03/2026 09:30:00|Réservation|" + moi, "02/03/2026 10:00:00|Réservation|POSTE2 - docteur",
+                              "02/03/2026 10:05:00|Réservation|" + moi}));
+        QCOMPARE(lignesIni().filter(ItemVeilleReservation).size(), 2);
+        // A station elsewhere that stopped confirming half an hour ago
+        // holds its slot no longer.
+        EcrireConfig(QStringLiteral("02/03/2026 10:00:00"), ItemVeilleReservation,
+                     ValeurVeille(QStringLiteral("POSTE2"), 42, QStringLiteral("tavonel"), Horloge::maintenant().addSecs(-31 * 60)));
+        QCOMPARE(ReserverPlage(dt("2026-03-02 10:00")), std::nullopt);
 
         // Leaving clears every row of this station and only those.
+        EcrireConfig(QStringLiteral("02/03/2026 11:00:00"), QStringLiteral("Réservation"), QStringLiteral("POSTE2 - docteur"));
         LibererReservations();
-        QCOMPARE(lignesIni(), QStringList{QStringLiteral("02/03/2026 10:00:00|Réservation|POSTE2 - docteur")});
+        QCOMPARE(lignesIni(), QStringList{QStringLiteral("02/03/2026 11:00:00|Réservation|POSTE2 - docteur")});
         QCOMPARE(repondeur.appels().size(), 0);
+    }
+
+    // Whether a reservation still counts, by its watch row: this computer
+    // can ask whether the agenda runs, another only tells its age.
+    void reservationAbandonnee_data()
+    {
+        QTest::addColumn<QString>("poste");
+        QTest::addColumn<int>("minutes");
+        QTest::addColumn<bool>("vivant");
+        QTest::addColumn<bool>("abandonnee");
+        QTest::newRow("ici, en marche") << "ICI" << 45 << true << false;
+        QTest::newRow("ici, arrêté") << "ici" << 1 << false << true;
+        QTest::newRow("ailleurs, 29 min") << "LA-BAS" << 29 << false << false;
+        QTest::newRow("ailleurs, 31 min") << "LA-BAS" << 31 << true << true;
+        QTest::newRow("veille illisible") << "" << 90 << false << false;
+    }
+    void reservationAbandonnee()
+    {
+        QFETCH(QString, poste);
+        QFETCH(int, minutes);
+        QFETCH(bool, vivant);
+        QFETCH(bool, abandonnee);
+        static bool s_vivant = false;
+        s_vivant = vivant;
+        const QDateTime maintenant = dt("2026-03-02 12:00");
+        const QString veille = poste.isEmpty() ? QStringLiteral("ICI;x;tavonel")
+                                               : ValeurVeille(poste, 42, QStringLiteral("tavonel"), maintenant.addSecs(-60 * minutes));
+        QCOMPARE(ReservationAbandonnee(veille, maintenant, QStringLiteral("ICI"), [](qint64, const QString &) { return s_vivant; }),
+                 abandonnee);
     }
 
     void champManquant_data()

@@ -228,6 +228,35 @@ private slots:
         }
         if (cas != QLatin1String("absente"))
             QCOMPARE(ligne(e->EventID()), QString());
+        // A copy refused by a lock is written at the next refresh; one
+        // without a patient number is not kept.
+        QCOMPARE(RejouerMiroir(appState().CheminBaseAgenda), cas == QLatin1String("absente") ? 1 : 0);
+        if (cas != QLatin1String("absente"))
+            QCOMPARE(ligne(e->EventID()).isEmpty(), cas == QLatin1String("ancien"));
+    }
+
+    // A changed occurrence has its own copy, which goes with its series.
+    void serieSupprimee()
+    {
+        CalendarEventPtr serie = nouveau(QDateTime(lundi, QTime(9, 0)), body(QStringLiteral("5")), QStringLiteral("Pansement"));
+        CalendarRecurrencePatternPtr motif = serie->CreateRecurrence();
+        motif->Options().setRecurrenceType(CalendarRecurrenceOptions::Weekly);
+        motif->Options().setIntervalWeeks(1);
+        motif->Options().setDayOfWeekMask(CalendarRecurrenceOptions::Monday);
+        motif->setEndMethod(CalendarRecurrencePattern::EndAfterOccurrencesCount);
+        motif->setEndAfterOccurrences(3);
+        serie->UpdateRecurrence(motif);
+        QVERIFY(calendrier().AddEvent(serie));
+        const QList<CalendarEventPtr> jour = calendrier().RetrieveDayEvents(lundi.addDays(7));
+        QCOMPARE(jour.size(), 1);
+        jour.first()->setLocation(QStringLiteral("Pansement décalé"));
+        QVERIFY(calendrier().ChangeEvent(jour.first()));
+        const int exception = jour.first()->EventID();
+        QVERIFY(exception != serie->EventID() && !ligne(exception).isEmpty());
+        QVERIFY(calendrier().DeleteEvent(calendrier().GetEvent(serie->EventID())));
+        QCOMPARE(ligne(exception), QString());
+        QCOMPARE(ligne(serie->EventID()), QString());
+        QCOMPARE(m_repondeur->appels().size(), 0);
     }
 };
 

@@ -173,6 +173,33 @@ private Q_SLOTS:
         QCOMPARE(lireOctets(prog.chemin() + QStringLiteral("Config.mdb")), jet);
     }
 
+    // A Config.mdb whose pages were zeroed after its header: one French
+    // text that names the file, returned for the one fatal box, and no box
+    // before it.
+    void configEndommagee()
+    {
+        DossierProgrammeTest prog;
+        {
+            Lancement l(prog.chemin());
+            QVERIFY(l.ok);
+            l.d.arreter(false);
+        }
+        remettreAZero();
+        const QString config = prog.chemin() + QStringLiteral("Config.mdb");
+        QByteArray octets = lireOctets(config);
+        QVERIFY(octets.size() > 4096);
+        octets.replace(4096, octets.size() - 4096, QByteArray(octets.size() - 4096, '\0'));
+        QVERIFY(ecrireOctets(config, octets));
+        RepondeurScripte repondeur;
+        Demarrage d(appState(), prog.chemin());
+        QVERIFY(!d.initialiser(QString()));
+        ParametresFenetre p;
+        const auto fatal = d.charger(p);
+        QVERIFY(fatal && fatal->startsWith(QStringLiteral("Le fichier de configuration ") + config + QStringLiteral(" est endommagé")));
+        QCOMPARE(repondeur.appels().size(), 0);
+        QCOMPARE(lireOctets(config), octets);
+    }
+
     void dossierDeDonneesInexistant()
     {
         DossierProgrammeTest prog;

@@ -1,5 +1,6 @@
 #include "shell/base/basesqlite.h"
 
+#include "shell/base/fichierspartages.h"
 #include "shell/base/jettexte.h"
 
 #include <QAtomicInteger>
@@ -16,7 +17,17 @@
 
 namespace {
 
-int g_delaiOccupe = 8000;
+// Several seconds: a station that writes holds the file for a moment only.
+// TAVONEL_BUSY_TIMEOUT (milliseconds) sets another wait, for a slow share or
+// a trial of the sharing.
+int delaiOccupeInitial()
+{
+    bool ok = false;
+    const int ms = qEnvironmentVariableIntValue("TAVONEL_BUSY_TIMEOUT", &ok);
+    return ok && ms >= 0 ? ms : 8000;
+}
+
+int g_delaiOccupe = delaiOccupeInitial();
 QAtomicInteger<quint64> g_compteur = 0;
 
 QString texteArgument(sqlite3_value *v)
@@ -122,7 +133,7 @@ sqlite3 *BaseSqlite::poignee() const
     return *static_cast<sqlite3 *const *>(v.constData());
 }
 
-std::unique_ptr<BaseSqlite> BaseSqlite::ouvrir(const QString &chemin, Mode mode, QString *erreur, int *code)
+std::unique_ptr<BaseSqlite> BaseSqlite::ouvrir(const QString &chemin, Mode mode, QString *erreur, int *code, int delai)
 {
     int numero = SQLITE_CANTOPEN;
     auto echec = [&](const QString &texte) -> std::unique_ptr<BaseSqlite> {
@@ -154,7 +165,7 @@ std::unique_ptr<BaseSqlite> BaseSqlite::ouvrir(const QString &chemin, Mode mode,
     {
         QSqlDatabase d = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), nom);
         d.setDatabaseName(chemin);
-        QString options = QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(g_delaiOccupe);
+        QString options = QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(delai >= 0 ? delai : g_delaiOccupe);
         if (mode == Mode::Lecture)
             options += QStringLiteral(";QSQLITE_OPEN_READONLY");
         d.setConnectOptions(options);
@@ -193,6 +204,47 @@ std::unique_ptr<BaseSqlite> BaseSqlite::ouvrir(const QString &chemin, Mode mode,
         return echec(QStringLiteral("Impossible de préparer la base %1.").arg(QDir::toNativeSeparators(chemin)));
     }
     return base;
+}
+
+BaseSqlite::Creation BaseSqlite::creer(const QString &chemin, const Remplissage &remplir, QString *erreur)
+{
+    if (QFileInfo::exists(chemin))
+        return Creation::DejaLa;
+    const QString temporaire = NomTemporaire(chemin);
+    auto abandon = [&](const QString &texte) {
+        QFile::remove(temporaire);
+        QFile::remove(temporaire + QStringLiteral("-journal"));
+        if (erreur)
+            *erreur = texte;
+        return Creation::Echec;
+    };
+    {
+        // The empty file takes the shared mode before SQLite writes a byte;
+        // its journal takes the mode of the database.
+        QFile vide(temporaire);
+        if (!vide.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+            return abandon(QStringLiteral("Création de %1 impossible : %2").arg(QDir::toNativeSeparators(chemin), vide.errorString()));
+        PartagerDescripteur(vide.handle());
+    }
+    {
+        QString detail;
+        auto base = ouvrir(temporaire, Mode::Existante, &detail);
+        if (!base || !remplir(*base, &detail)) {
+            base.reset();
+            return abandon(QStringLiteral("Création de %1 impossible : %2").arg(QDir::toNativeSeparators(chemin), detail));
+        }
+    }
+    QString detail;
+    switch (InstallerSansEcraser(temporaire, chemin, &detail)) {
+    case Installation::Posee:
+        return Creation::Creee;
+    case Installation::DejaLa:
+        QFile::remove(temporaire);
+        return Creation::DejaLa;
+    case Installation::Echec:
+        break;
+    }
+    return abandon(detail);
 }
 
 bool BaseSqlite::executer(const QString &sql, QString *erreur)

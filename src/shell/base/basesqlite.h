@@ -3,6 +3,7 @@
 #include <QSqlDatabase>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 struct sqlite3;
@@ -28,8 +29,20 @@ public:
     // description and *code to the SQLite result code (SQLITE_CANTOPEN for a
     // missing file, SQLITE_NOTADB for a file of another kind, SQLITE_BUSY for
     // a base locked by another connection...).
+    // A delay (ms) other than -1 replaces the busy timeout for this
+    // connection (a periodic task that must not hold the window).
     [[nodiscard]] static std::unique_ptr<BaseSqlite> ouvrir(const QString &chemin, Mode mode, QString *erreur = nullptr,
-                                                            int *code = nullptr);
+                                                            int *code = nullptr, int delai = -1);
+
+    // Makes a new store at `chemin` as several workstations may at the same
+    // moment: the file is made (shared mode) under a temporary name in the
+    // same folder, `remplir` writes its schema there, and only then is it
+    // put in place, unless another station's file got there first; ours is
+    // then dropped and theirs is used. A file this process did not create is
+    // never removed.
+    enum class Creation { Creee, DejaLa, Echec };
+    using Remplissage = std::function<bool(BaseSqlite &base, QString *erreur)>;
+    [[nodiscard]] static Creation creer(const QString &chemin, const Remplissage &remplir, QString *erreur = nullptr);
 
     ~BaseSqlite();
     BaseSqlite(const BaseSqlite &) = delete;

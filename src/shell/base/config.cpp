@@ -7,6 +7,8 @@
 #include <QSqlQuery>
 #include <QVariant>
 
+#include <utility>
+
 std::shared_ptr<ConfigIni> ConfigIni::ouvrir(const QString &chemin, QString *erreur)
 {
     auto base = BaseSqlite::ouvrir(chemin, BaseSqlite::Mode::Existante, erreur);
@@ -16,6 +18,20 @@ std::shared_ptr<ConfigIni> ConfigIni::ouvrir(const QString &chemin, QString *err
         if (erreur)
             *erreur = QStringLiteral("La table Ini est absente de %1.").arg(chemin);
         return nullptr;
+    }
+    // A file whose pages were damaged (zeroed by a disk or a copy) opens and
+    // lists its tables, then fails every read: it is refused here, once,
+    // rather than at each of the settings read afterwards.
+    {
+        QSqlQuery q(base->db());
+        if (!q.exec(QStringLiteral("PRAGMA quick_check(1)")) || !q.next()
+            || q.value(0).toString().compare(QLatin1String("ok"), Qt::CaseInsensitive) != 0) {
+            if (erreur) {
+                const QString detail = q.lastError().isValid() ? q.lastError().text() : q.value(0).toString();
+                *erreur = QStringLiteral("Le fichier %1 est endommagé (%2).").arg(chemin, detail);
+            }
+            return nullptr;
+        }
     }
     return std::shared_ptr<ConfigIni>(new ConfigIni(std::move(base)));
 }
@@ -67,9 +83,14 @@ QString ConfigIni::lire(const QString &section, const QString &item, const QStri
         q.bindValue(1, item);
         if (!q.exec()) {
             echec(q);
-            Prompt::informer(QStringLiteral("Erreur"),
-                             QStringLiteral("Lecture de la configuration impossible (%1 / %2) :\n%3").arg(section, item, m_erreur),
-                             Prompt::Icone::Critique);
+            // Told once: the settings read after it would fail alike, each
+            // with its own box.
+            if (!std::exchange(m_lectureSignalee, true))
+                Prompt::informer(QStringLiteral("Erreur"),
+                                 QStringLiteral("Lecture de la configuration impossible (%1 / %2) :\n%3\n\nLes valeurs par "
+                                                "défaut sont utilisées tant que le fichier ne peut pas être lu.")
+                                     .arg(section, item, m_erreur),
+                                 Prompt::Icone::Critique);
             return defaut;
         }
         if (q.next()) {
@@ -134,9 +155,9 @@ void FixerConfig(std::shared_ptr<ConfigIni> config)
     configCourante() = std::move(config);
 }
 
-bool OuvrirConfig(const QString &chemin)
+bool OuvrirConfig(const QString &chemin, QString *erreur)
 {
-    auto config = ConfigIni::ouvrir(chemin);
+    auto config = ConfigIni::ouvrir(chemin, erreur);
     if (!config)
         return false;
     configCourante() = std::move(config);

@@ -43,10 +43,11 @@ private:
     std::unique_ptr<BaseSqlite> m_base;
     std::map<QString, std::unique_ptr<QSqlQuery>> m_requetes;
     QString m_erreur;
+    bool m_lectureSignalee = false;
 };
 
 // The settings of table Ini through the configuration opened at start-up.
-bool OuvrirConfig(const QString &chemin);
+bool OuvrirConfig(const QString &chemin, QString *erreur = nullptr);
 void FermerConfig();
 // The configuration opened by OuvrirConfig, null when none is.
 [[nodiscard]] std::shared_ptr<ConfigIni> ConfigOuverte();

@@ -1,0 +1,133 @@
+#include "patients/schemapatients.h"
+#include "shell/base/basesqlite.h"
+#include "support/admintest.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <sys/stat.h>
+
+// Several workstations as real processes of tavonel-admin on one folder:
+// each starts as the window does (stores created when missing) and books
+// appointments through the calendar and its copy into Patients.mdb.
+class tst_postespartages : public QObject
+{
+    Q_OBJECT
+
+    static int compter(const QString &fichier, const QString &sql)
+    {
+        auto base = BaseSqlite::ouvrir(fichier, BaseSqlite::Mode::Lecture);
+        QSqlQuery q(base ? base->db() : QSqlDatabase());
+        return base && q.exec(sql) && q.next() ? q.value(0).toInt() : -1;
+    }
+
+    // Starts the stations together; each must end with nothing lost.
+    static void lancerPostes(const QString &dossier, int postes, int rendezVous)
+    {
+        QList<QProcess *> liste;
+        for (int k = 1; k <= postes; ++k) {
+            auto *p = new QProcess;
+            p->start(qEnvironmentVariable("TAVONEL_ADMIN_EXE"),
+                     {QStringLiteral("book-test"), dossier, QString::number(rendezVous), QString::number(k)});
+            liste << p;
+        }
+        for (QProcess *p : liste) {
+            QVERIFY2(p->waitForFinished(50000), "un poste n'a pas fini");
+            const QString sortie = QString::fromUtf8(p->readAllStandardOutput() + p->readAllStandardError());
+            QVERIFY2(p->exitStatus() == QProcess::NormalExit && p->exitCode() == 0, qPrintable(sortie));
+            QVERIFY2(sortie.contains(QStringLiteral(" 0 perdus, 0 copies en attente")), qPrintable(sortie));
+        }
+        qDeleteAll(liste);
+    }
+
+private slots:
+    void initTestCase() { QVERIFY2(QFileInfo(qEnvironmentVariable("TAVONEL_ADMIN_EXE")).isExecutable(), "tavonel-admin absent"); }
+
+    // First starts together on an empty folder under the usual mask: one
+    // set of stores, every appointment once with its copy, nothing for
+    // others to read, no temporary file left.
+    void premiersDemarrages_data()
+    {
+        QTest::addColumn<int>("postes");
+        QTest::addColumn<int>("rendezVous");
+        QTest::newRow("2 postes") << 2 << 40;
+        QTest::newRow("4 postes") << 4 << 25;
+    }
+    void premiersDemarrages()
+    {
+        QFETCH(int, postes);
+        QFETCH(int, rendezVous);
+        QTemporaryDir tmp;
+        const QString d = tmp.path() + u'/';
+        const mode_t avant = ::umask(022);
+        lancerPostes(d, postes, rendezVous);
+        ::umask(avant);
+        if (QTest::currentTestFailed())
+            return;
+        const int total = postes * rendezVous;
+        const QString events = d + QStringLiteral("Events.mdb");
+        QCOMPARE(compter(events, QStringLiteral("SELECT count(*) FROM CalendarEvents")), total);
+        QCOMPARE(compter(events, QStringLiteral("SELECT count(DISTINCT Subject) FROM CalendarEvents")), total);
+        QCOMPARE(compter(CheminPatientsMdb(d), QStringLiteral("SELECT count(DISTINCT ID) FROM Events")), total);
+        for (const QString &nom : QDir(d).entryList(QDir::Files | QDir::Hidden)) {
+            QVERIFY2(!nom.contains(QStringLiteral(".tmp-")), qPrintable(nom));
+            struct stat st = {};
+            QVERIFY(::stat(QFile::encodeName(d + nom).constData(), &st) == 0);
+            QCOMPARE(st.st_mode & 0777, mode_t(0660));
+        }
+        const SortieAdmin c = lancerAdmin({QStringLiteral("store-check"), d});
+        QVERIFY2(c.code == 0, qPrintable(c.texte + c.erreurs));
+    }
+
+    // Another station holds Events.mdb past the busy wait while this one
+    // books: each refused booking is told in French and tried again, none
+    // is lost.
+    void fichierTenu()
+    {
+        QTemporaryDir tmp;
+        const QString d = tmp.path() + u'/';
+        lancerPostes(d, 1, 0);
+        QProcess poste;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("TAVONEL_BUSY_TIMEOUT"), QStringLiteral("300"));
+        poste.setProcessEnvironment(env);
+        poste.start(qEnvironmentVariable("TAVONEL_ADMIN_EXE"),
+                    {QStringLiteral("book-test"), d, QStringLiteral("8"), QStringLiteral("2"), QStringLiteral("400")});
+        QTest::qWait(500);
+        QProcess tenue;
+        tenue.start(qEnvironmentVariable("TAVONEL_ADMIN_EXE"),
+                    {QStringLiteral("hold-lock"), d + QStringLiteral("Events.mdb"), QStringLiteral("2")});
+        QVERIFY(poste.waitForFinished(40000) && tenue.waitForFinished(10000));
+        const QString erreurs = QString::fromUtf8(poste.readAllStandardError());
+        QVERIFY2(tenue.exitCode() == 0, tenue.readAllStandardError().constData());
+        QVERIFY2(poste.exitCode() == 0, qPrintable(erreurs));
+        QVERIFY2(erreurs.contains(QStringLiteral("n'a pas pu être enregistré")), qPrintable(erreurs));
+        QCOMPARE(compter(d + QStringLiteral("Events.mdb"), QStringLiteral("SELECT count(*) FROM CalendarEvents")), 8);
+    }
+
+    // Copies missing or naming no appointment are found, then repaired.
+    void copiesOrphelinesEtManquantes()
+    {
+        QTemporaryDir tmp;
+        const QString d = tmp.path() + u'/';
+        lancerPostes(d, 1, 4);
+        {
+            auto base = BaseSqlite::ouvrir(CheminPatientsMdb(d), BaseSqlite::Mode::Existante);
+            QVERIFY(base && base->executer(QStringLiteral("DELETE FROM Events WHERE ID = 2")));
+            QVERIFY(base->executer(QStringLiteral("INSERT INTO Events (ID, Numero) VALUES (999, 5)")));
+        }
+        const SortieAdmin avant = lancerAdmin({QStringLiteral("store-check"), d});
+        QCOMPARE(avant.code, 1);
+        QVERIFY2(avant.texte.contains(QStringLiteral("1 rendez-vous sans copie dans Patients.mdb (2)")), qPrintable(avant.texte));
+        QVERIFY2(avant.texte.contains(QStringLiteral("1 copies orphelines dans Patients.mdb (999)")), qPrintable(avant.texte));
+        QCOMPARE(lancerAdmin({QStringLiteral("store-check"), d, QStringLiteral("--repair")}).code, 0);
+        QCOMPARE(lancerAdmin({QStringLiteral("store-check"), d}).code, 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_postespartages)
+#include "tst_postespartages.moc"
