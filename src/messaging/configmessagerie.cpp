@@ -39,7 +39,7 @@ ConfigMessagerie LireConfigMessagerie()
 
 bool EcrireConfigMessagerie(const ConfigMessagerie &c, QString *erreur)
 {
-    const std::array<std::array<QString, 3>, 9> lignes{{
+    const QList<std::array<QString, 3>> lignes{
         {mails, QStringLiteral("From"), c.from},
         {mails, QStringLiteral("SMTP"), c.smtp},
         {mails, QStringLiteral("Subject"), c.subject},
@@ -49,26 +49,10 @@ bool EcrireConfigMessagerie(const ConfigMessagerie &c, QString *erreur)
         {sms, QStringLiteral("First"), c.smsFirst},
         {sms, QStringLiteral("Last"), c.smsLast},
         {sms, QStringLiteral("SMSTest"), c.smsTest},
-    }};
-    const auto config = ConfigOuverte();
-    if (!config) {
-        if (erreur)
-            *erreur = QStringLiteral("la configuration du cabinet (Config.mdb) n'est pas ouverte.");
-        return false;
-    }
+    };
     // All the texts or none: the reminders of another station never mix an
     // old first text with a new last one.
-    if (!config->base().executer(QStringLiteral("BEGIN IMMEDIATE"), erreur))
-        return false;
-    for (const auto &[section, item, valeur] : lignes) {
-        if (!config->ecrire(section, item, valeur)) {
-            if (erreur)
-                *erreur = config->derniereErreur();
-            config->base().executer(QStringLiteral("ROLLBACK"));
-            return false;
-        }
-    }
-    if (!config->base().executer(QStringLiteral("COMMIT"), erreur))
+    if (!EcrireConfigEnBloc(lignes, erreur))
         return false;
 
     // Unlike the other writers of Agenda.ini, a refused write is reported.

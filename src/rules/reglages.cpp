@@ -74,24 +74,8 @@ bool EcrireReglagesCabinet(ReglagesCabinet &r, QString *erreur)
         lignes.append({sectionType(t), QStringLiteral("Couleur1"), QString::number(r.types[t].couleur1)});
         lignes.append({sectionType(t), QStringLiteral("Couleur2"), QString::number(r.types[t].couleur2)});
     }
-    const auto config = ConfigOuverte();
-    if (!config) {
-        if (erreur)
-            *erreur = QStringLiteral("la configuration du cabinet (Config.mdb) n'est pas ouverte.");
-        return false;
-    }
     // All the settings or none: another station reads a consistent set.
-    if (!config->base().executer(QStringLiteral("BEGIN IMMEDIATE"), erreur))
-        return false;
-    for (const auto &[section, item, valeur] : lignes) {
-        if (!config->ecrire(section, item, valeur)) {
-            if (erreur)
-                *erreur = config->derniereErreur();
-            config->base().executer(QStringLiteral("ROLLBACK"));
-            return false;
-        }
-    }
-    return config->base().executer(QStringLiteral("COMMIT"), erreur);
+    return EcrireConfigEnBloc(lignes, erreur);
 }
 
 CalendarLabelList LibellesDesReglages(const ReglagesCabinet &r)

@@ -150,6 +150,27 @@ std::shared_ptr<ConfigIni> ConfigOuverte()
     return configCourante();
 }
 
+bool EcrireConfigEnBloc(const QList<std::array<QString, 3>> &lignes, QString *erreur)
+{
+    const auto config = ConfigOuverte();
+    if (!config) {
+        if (erreur)
+            *erreur = QStringLiteral("la configuration du cabinet (Config.mdb) n'est pas ouverte.");
+        return false;
+    }
+    if (!config->base().executer(QStringLiteral("BEGIN IMMEDIATE"), erreur))
+        return false;
+    for (const auto &[section, item, valeur] : lignes) {
+        if (!config->ecrire(section, item, valeur)) {
+            if (erreur)
+                *erreur = config->derniereErreur();
+            config->base().executer(QStringLiteral("ROLLBACK"));
+            return false;
+        }
+    }
+    return config->base().executer(QStringLiteral("COMMIT"), erreur);
+}
+
 void FixerConfig(std::shared_ptr<ConfigIni> config)
 {
     configCourante() = std::move(config);

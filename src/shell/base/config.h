@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QList>
 #include <QString>
+
+#include <array>
 
 #include <map>
 #include <memory>
@@ -58,4 +61,8 @@ void FixerConfig(std::shared_ptr<ConfigIni> config);
 // the default; nothing else stops.
 [[nodiscard]] QString LireConfig(const QString &section, const QString &item, const QString &defaut);
 void EcrireConfig(const QString &section, const QString &item, const QString &valeur);
+// Writes rows (section, item, value) of the opened configuration in one
+// transaction that takes its write lock first: all of them or none, so that
+// another station never reads half a set. False with the reason otherwise.
+bool EcrireConfigEnBloc(const QList<std::array<QString, 3>> &lignes, QString *erreur);
 void SupprimerReservation(const QString &valeur);
