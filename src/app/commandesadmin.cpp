@@ -263,6 +263,7 @@ int reserverEssais(const QStringList &arguments, QTextStream &out, QTextStream &
         return 1;
     }
     BrancherMiroir(*etat.Calendrier);
+    RattraperMiroir(etat.PathDB, etat.CheminBaseAgenda, Horloge::maintenant().addDays(-JoursRattrapageMiroir));
     int signales = 0;
     int perdus = 0;
     const QDateTime origine(QDate(2030, 1, 7), QTime(8, 0));

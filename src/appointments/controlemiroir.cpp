@@ -54,7 +54,25 @@ void ecrireManquantes(ControleMiroir &r, const QString &events, const QString &d
 
 } // namespace
 
+namespace {
+
+ControleMiroir controler(const QString &dossierAgenda, const QString &dossierPatients, bool reparer, const QDateTime &depuis);
+
+} // namespace
+
 ControleMiroir ControlerMiroir(const QString &dossierAgenda, const QString &dossierPatients, bool reparer)
+{
+    return controler(dossierAgenda, dossierPatients, reparer, {});
+}
+
+int RattraperMiroir(const QString &dossierAgenda, const QString &dossierPatients, const QDateTime &depuis)
+{
+    return controler(dossierAgenda, dossierPatients, true, depuis).ecrites;
+}
+
+namespace {
+
+ControleMiroir controler(const QString &dossierAgenda, const QString &dossierPatients, bool reparer, const QDateTime &depuis)
 {
     ControleMiroir r;
     const QString agenda = AjouterSlash(dossierAgenda);
@@ -74,8 +92,10 @@ ControleMiroir ControlerMiroir(const QString &dossierAgenda, const QString &doss
     {
         QSqlQuery q(calendrier->db());
         q.setForwardOnly(true);
-        if (!q.exec(QStringLiteral("SELECT EventID, Body FROM CalendarEvents WHERE RecurrenceState IN (0, 1) "
-                                   "OR (RecurrenceState = 3 AND ISRecurrenceExceptionDeleted = 0)"))) {
+        q.prepare(QStringLiteral("SELECT EventID, Body FROM CalendarEvents WHERE (RecurrenceState IN (0, 1) "
+                                 "OR (RecurrenceState = 3 AND ISRecurrenceExceptionDeleted = 0)) AND LastModificationTime >= ?"));
+        q.addBindValue(depuis.isValid() ? depuis.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) : QStringLiteral("0000"));
+        if (!q.exec()) {
             r.erreur = q.lastError().text();
             return r;
         }
@@ -101,7 +121,8 @@ ControleMiroir ControlerMiroir(const QString &dossierAgenda, const QString &doss
     r.manquantes = triee(attendues - copies);
     // A copy of any row of the store that still stands for an appointment is
     // kept; the others name nothing.
-    r.orphelines = triee(copies - attendues);
+    // Copies of older appointments are not looked at by the catch-up.
+    r.orphelines = depuis.isValid() ? QList<int>() : triee(copies - attendues);
     if (!r.orphelines.isEmpty()) {
         QSqlQuery q(calendrier->db());
         q.prepare(QStringLiteral("SELECT 1 FROM CalendarEvents WHERE EventID = ? AND NOT (RecurrenceState = 3 AND "
@@ -125,3 +146,5 @@ ControleMiroir ControlerMiroir(const QString &dossierAgenda, const QString &doss
         ecrireManquantes(r, events, agenda, patients);
     return r;
 }
+
+} // namespace

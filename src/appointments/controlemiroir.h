@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QList>
 #include <QString>
 
@@ -28,3 +29,9 @@ struct ControleMiroir
 // was found. The patient base must serve this agenda alone: copies of
 // another agenda sharing it would count as orphans.
 [[nodiscard]] ControleMiroir ControlerMiroir(const QString &dossierAgenda, const QString &dossierPatients, bool reparer);
+
+// At the start of the window: the copies missing for appointments changed
+// since `depuis` (a station stopped between the appointment and its copy)
+// are written; nothing is deleted. Answers how many were written.
+inline constexpr int JoursRattrapageMiroir = 7;
+int RattraperMiroir(const QString &dossierAgenda, const QString &dossierPatients, const QDateTime &depuis);

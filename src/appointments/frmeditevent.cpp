@@ -100,6 +100,13 @@ frmEditEvent::frmEditEvent(CalendarDataProvider *provider, QWidget *parent)
     chkReminder->setEnabled(!(etat.RappelsSMS || etat.RappelsMails));
     frmMarkup->setVisible(false);
     CompterDialogueOuvert(this);
+
+    // While the dialog is open its reservations are confirmed, so that the
+    // other stations can tell them from those of a station that stopped.
+    auto *veille = new QTimer(this);
+    veille->setInterval(SecondesVeilleReservation * 1000);
+    connect(veille, &QTimer::timeout, this, [] { EntretenirReservations(); });
+    veille->start();
 }
 
 frmEditEvent::~frmEditEvent()
@@ -637,12 +644,20 @@ void frmEditEvent::Valider(int index)
         Prompt::bip();
         return;
     }
+    // The record as it was, should the store refuse it: keys given by a
+    // write that was rolled back must not stay on it for the next try.
+    const CalendarEventPtr avant = m_pEditedEvent->CloneEvent();
     LireSaisieDansEvenement(s, *m_pEditedEvent);
     if (m_provider) {
-        if (m_bAddEvent)
-            m_provider->AddEvent(m_pEditedEvent);
-        else
-            m_provider->ChangeEvent(m_pEditedEvent);
+        const bool ok = m_bAddEvent ? m_provider->AddEvent(m_pEditedEvent) : m_provider->ChangeEvent(m_pEditedEvent);
+        if (!ok) {
+            // Nothing typed is lost: the dialog stays open as it was.
+            m_pEditedEvent = avant;
+            Prompt::informer(TitreEchecEnregistrement(),
+                             TexteEchecEnregistrement(m_provider->store() ? m_provider->store()->LastErrorText() : QString()),
+                             Prompt::Icone::Critique);
+            return;
+        }
     }
     emit Populate();
     if (index == 1) {

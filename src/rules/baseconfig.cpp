@@ -2,6 +2,7 @@
 
 #include "shell/base/basesqlite.h"
 
+#include <QDir>
 
 // Config.mdb: the shared settings (Ini) and the schedule rules (Regles).
 // Dates of Regles are stored as "yyyy-MM-dd" and hours as "HH:mm:ss" texts,
@@ -42,5 +43,15 @@ bool CreerBaseConfig(const QString &dossier, QString *erreur)
         }
         return true;
     };
-    return BaseSqlite::creer(chemin, remplir, erreur) == BaseSqlite::Creation::Creee;
+    switch (BaseSqlite::creer(chemin, remplir, erreur)) {
+    case BaseSqlite::Creation::Creee:
+        return true;
+    case BaseSqlite::Creation::DejaLa:
+        if (erreur)
+            *erreur = QStringLiteral("Le fichier %1 existe déjà.").arg(QDir::toNativeSeparators(chemin));
+        return false;
+    case BaseSqlite::Creation::Echec:
+        break;
+    }
+    return false;
 }

@@ -1,5 +1,6 @@
 #include "patients/basestest.h"
 
+#include "appointments/editionrdv.h"
 #include "appointments/frmeditevent.h"
 #include "appointments/frmeditrecurrence.h"
 #include "calendar/calendardataprovider.h"
@@ -23,6 +24,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProcess>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSqlQuery>
@@ -417,6 +419,36 @@ private slots:
         QVERIFY(d->isVisible());
         QVERIFY(w == d->focusWidget() || w->isAncestorOf(d->focusWidget()));
         QVERIFY(relire(QDate(2026, 3, 2)).isEmpty());
+    }
+
+    // Another station (a real process) holds Events.mdb past the wait: OK
+    // tells it in French and keeps the dialog and its input; once the file
+    // is free, OK again stores the appointment once.
+    void fichierTenuParUnAutrePoste()
+    {
+        RepondeurScripte repondeur;
+        appState().Calendrier->setReadWait(200);
+        auto d = nouveau(dt("2026-03-02 11:00"), dt("2026-03-02 11:20"));
+        d->show();
+        d->txtBody[0]->setText(QStringLiteral("MARTIN"));
+        d->txtBody[1]->setText(QStringLiteral("Luc"));
+        d->txtBody[2]->setText(QStringLiteral("01/01/1950"));
+        QProcess tenue;
+        tenue.start(qEnvironmentVariable("TAVONEL_ADMIN_EXE"),
+                    {QStringLiteral("hold-lock"), m_prog->chemin() + QStringLiteral("Events.mdb"), QStringLiteral("1")});
+        QVERIFY2(tenue.waitForReadyRead(10000), "hold-lock n'a pas démarré");
+        QTest::mouseClick(d->cmdOk[0], Qt::LeftButton);
+        QCOMPARE(repondeur.appels().size(), 1);
+        QCOMPARE(repondeur.appels().first().titre, TitreEchecEnregistrement());
+        QVERIFY(repondeur.textes().first().startsWith(TexteEchecEnregistrement(QString()).section(u'\n', 0, 0)));
+        QVERIFY(d->isVisible());
+        QCOMPARE(d->txtBody[0]->text(), QStringLiteral("MARTIN"));
+        QVERIFY(tenue.waitForFinished(10000));
+        QVERIFY(relire(QDate(2026, 3, 2)).isEmpty());
+        QTest::mouseClick(d->cmdOk[0], Qt::LeftButton);
+        QCOMPARE(repondeur.appels().size(), 1);
+        QVERIFY(!d->isVisible());
+        QCOMPARE(relire(QDate(2026, 3, 2)).size(), 1);
     }
 
     // An appointment without a patient: the wording alone, "£" in field 2.

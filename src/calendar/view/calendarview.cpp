@@ -92,14 +92,31 @@ void CalendarView::setLabels(const CalendarLabelList &labels)
 void CalendarView::Populate()
 {
     QList<CalendarEventPtr> events;
-    if (m_provider && m_provider->IsOpen() && !m_days.isEmpty())
+    bool busy = false;
+    if (m_provider && m_provider->IsOpen() && !m_days.isEmpty()) {
         events = m_provider->RetrieveEvents(m_days.first(), m_days.last());
+        busy = m_provider->LastReadFailed();
+    }
+    emit storeBusy(busy);
+    // An empty answer of a busy store is no empty book: the picture of the
+    // same days stays as it was.
+    if (busy && m_daysRead == m_days) {
+        panesChanged();
+        return;
+    }
+    m_daysRead = busy ? QList<QDate>() : m_days;
     std::stable_sort(events.begin(), events.end(), [](const CalendarEventPtr &a, const CalendarEventPtr &b) {
         return a->StartDateTime() < b->StartDateTime();
     });
     m_events = events;
     reselectEvents();
     panesChanged();
+}
+
+void CalendarView::reportWrite(bool ok)
+{
+    if (!ok && m_provider && m_provider->IsOpen())
+        emit writeRefused(m_provider->store() ? m_provider->store()->LastErrorText() : QString());
 }
 
 void CalendarView::RedrawControl() { panesChanged(); }
@@ -273,7 +290,9 @@ void CalendarView::Paste()
     for (const CalendarEventPtr &modele : std::as_const(m_clipboard)) {
         const qint64 duree = modele->StartDateTime().secsTo(modele->EndDateTime());
         const QDateTime debut = m_selection.begin.addSecs(origine.secsTo(modele->StartDateTime()));
-        any = m_provider->AddEvent(nouvelleCopie(modele, debut, debut.addSecs(duree))) || any;
+        const bool ok = m_provider->AddEvent(nouvelleCopie(modele, debut, debut.addSecs(duree)));
+        reportWrite(ok);
+        any = ok || any;
     }
     Populate();
     if (any)
@@ -336,6 +355,7 @@ bool CalendarView::isOperationRefused(int operation, const QList<CalendarEventPt
 bool CalendarView::commitChangedEvent(const CalendarEventPtr &event)
 {
     const bool ok = m_provider && m_provider->ChangeEvent(event);
+    reportWrite(ok);
     Populate();
     if (ok)
         emit eventsEdited();
@@ -345,6 +365,7 @@ bool CalendarView::commitChangedEvent(const CalendarEventPtr &event)
 bool CalendarView::addCopyOfEvent(const CalendarEventPtr &event, const QDateTime &start, const QDateTime &end)
 {
     const bool ok = m_provider && m_provider->AddEvent(nouvelleCopie(event, start, end));
+    reportWrite(ok);
     Populate();
     if (ok)
         emit eventsEdited();
@@ -399,8 +420,11 @@ bool CalendarView::deleteSelected(bool ask)
             return false;
     }
     bool any = false;
-    for (const CalendarEventPtr &e : events)
-        any = m_provider->DeleteEvent(e) || any;
+    for (const CalendarEventPtr &e : events) {
+        const bool ok = m_provider->DeleteEvent(e);
+        reportWrite(ok);
+        any = ok || any;
+    }
     m_selectedEvents.clear();
     Populate();
     if (any)

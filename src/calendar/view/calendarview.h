@@ -123,6 +123,14 @@ signals:
     void rightClicked(const QPoint &pos);
     // An appointment was moved, resized, pasted or deleted through the view.
     void eventsEdited();
+    // After each reading: true when the store could not be read (held by
+    // another workstation); the view then keeps what it showed of the same
+    // days.
+    void storeBusy(bool busy);
+    // A change made through the view (move, resize, paste, delete) was
+    // refused by the store; `detail` is the store's reason. The view shows
+    // the book as stored.
+    void writeRefused(const QString &detail);
 
 public:
     // For the panes (day, week and month widgets inside the view).
@@ -171,6 +179,10 @@ private:
     FuseauHoraire m_currentZone;
     QList<CalendarEventPtr> m_selectedEvents;
     QList<CalendarEventPtr> m_events;
+    // Tells writeRefused when a write through the view failed.
+    void reportWrite(bool ok);
+    // The days of the last reading that succeeded (see storeBusy).
+    QList<QDate> m_daysRead;
     QList<CalendarEventPtr> m_clipboard;
     CellPainter m_cellPainter;
     OperationGuard m_guard;

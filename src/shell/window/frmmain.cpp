@@ -1,10 +1,13 @@
 #include "shell/window/frmmain.h"
 
+#include "appointments/controlemiroir.h"
+#include "appointments/editionrdv.h"
 #include "appointments/impressionticket.h"
 #include "appointments/miroir.h"
 #include "calendar/calendardataprovider.h"
 #include "calendar/frmresourcesmanager.h"
 #include "calendar/openprovider.h"
+#include "calendar/sqlitecalendarstore.h"
 #include "calendar/view/calendarview.h"
 #include "calendar/view/colorationregles.h"
 #include "calendar/view/datepicker.h"
@@ -15,6 +18,7 @@
 #include "patients/gestiontype.h"
 #include "rules/frmsettings.h"
 #include "shell/appstate.h"
+#include "shell/base/basesqlite.h"
 #include "shell/base/dossiers.h"
 #include "shell/base/horloge.h"
 #include "shell/base/modal.h"
@@ -471,6 +475,12 @@ void frmMain::brancherCalendrier()
     // store is attached, so this is done once.
     if (etat.Calendrier)
         BrancherMiroir(*etat.Calendrier);
+    // Copies that a station stopped in mid-change could not write (the
+    // appointment stored, its copy not yet) are written now.
+    if (etat.Calendrier && dynamic_cast<SqliteCalendarStore *>(etat.Calendrier->store()))
+        RattraperMiroir(etat.PathDB, etat.CheminBaseAgenda, Horloge::maintenant().addDays(-JoursRattrapageMiroir));
+    connect(CalendarControl, &CalendarView::storeBusy, this, &frmMain::signalerAgendaOccupe);
+    connect(CalendarControl, &CalendarView::writeRefused, this, &frmMain::signalerEchecEcriture);
     CalendarControl->setLabels(m_parametres.libelles);
     CalendarControl->setDataProvider(etat.Calendrier.get());
     CalendarControl->setWorkingHours(m_parametres.debutJournee, m_parametres.finJournee);
@@ -517,9 +527,49 @@ bool frmMain::OpenProvider(int type, const QString &connection)
 void frmMain::actualiser()
 {
     // Other workstations' changes appear here; the view keeps its scroll
-    // position and selection across the reading.
+    // position and selection across the reading. A store held by another
+    // workstation is waited for briefly only: the window never freezes, and
+    // the view keeps its last picture until the next refresh.
+    CalendarDataProvider *calendrier = appState().Calendrier.get();
+    // A store that was held by another station when it was opened is
+    // opened now.
+    if (calendrier && !calendrier->IsOpen() && dynamic_cast<SqliteCalendarStore *>(calendrier->store())) {
+        const int delai = BaseSqlite::delaiOccupe();
+        BaseSqlite::fixerDelaiOccupe(DelaiLecturePeriodique);
+        const bool ouvert = calendrier->Open();
+        BaseSqlite::fixerDelaiOccupe(delai);
+        if (!ouvert)
+            signalerAgendaOccupe(true);
+    }
+    if (calendrier)
+        calendrier->setReadWait(DelaiLecturePeriodique);
     CalendarControl->Populate();
     wndDatePicker->RedrawControl();
+    if (calendrier)
+        calendrier->setReadWait(-1);
+    // Copies into the patient base that another station's lock refused.
+    RejouerMiroir(appState().CheminBaseAgenda);
+}
+
+void frmMain::signalerEchecEcriture(const QString &detail)
+{
+    Prompt::informer(TitreEchecModification(), TexteEchecModification(detail), Prompt::Icone::Critique);
+}
+
+bool frmMain::ecrire(bool ok)
+{
+    CalendarDataProvider *calendrier = appState().Calendrier.get();
+    if (!ok && calendrier && calendrier->IsOpen())
+        signalerEchecEcriture(calendrier->store() ? calendrier->store()->LastErrorText() : QString());
+    return ok;
+}
+
+void frmMain::signalerAgendaOccupe(bool occupe)
+{
+    if (occupe)
+        StatusBar->showMessage(TexteAgendaOccupe());
+    else if (StatusBar->currentMessage() == TexteAgendaOccupe())
+        StatusBar->clearMessage();
 }
 
 void frmMain::majLigneDate()

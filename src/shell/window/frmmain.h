@@ -189,6 +189,14 @@ public:
     void appliquerTheme(int numero);
     // Reads the calendar again and redraws the picker (Timer1).
     void actualiser();
+    // The status line while the store is held by another workstation.
+    void signalerAgendaOccupe(bool occupe);
+    // A change of the book that the store refused, told in French; ecrire
+    // tells it when `ok` is false and gives `ok` back.
+    void signalerEchecEcriture(const QString &detail);
+    bool ecrire(bool ok);
+    // The busy wait of the periodic reading, in milliseconds.
+    static constexpr int DelaiLecturePeriodique = 300;
     // "Options Avancées" and "Changer de Zone": their dialogs, modal over the
     // window (frmadvancedoptions.cpp, frmtimezone.cpp).
     void OptionsAvancees();

@@ -143,7 +143,7 @@ void frmMain::periodiciteEvenementCible()
     const int reponse = frmEditRecurrence::Editer(this, copie, cible->StartDateTime().date());
     if (reponse == frmEditRecurrence::Annule || !copie)
         return;
-    appState().Calendrier->ChangeEvent(copie);
+    ecrire(appState().Calendrier->ChangeEvent(copie));
     CalendarControl->Populate();
     wndDatePicker->RedrawControl();
 }
@@ -167,12 +167,12 @@ void frmMain::supprimerEvenementCible()
             return;
         if (choix == ChoixOccurrence::Serie) {
             if (const CalendarEventPtr maitre = maitreDe(evenement))
-                fournisseur->DeleteEvent(maitre);
+                ecrire(fournisseur->DeleteEvent(maitre));
         } else {
-            fournisseur->DeleteEvent(evenement);
+            ecrire(fournisseur->DeleteEvent(evenement));
         }
     } else {
-        fournisseur->DeleteEvent(evenement);
+        ecrire(fournisseur->DeleteEvent(evenement));
     }
     CalendarControl->Populate();
     wndDatePicker->RedrawControl();
@@ -185,7 +185,7 @@ void frmMain::changerPresence(int busyStatus)
     if (!evenement || !fournisseur)
         return;
     evenement->setBusyStatus(busyStatus);
-    fournisseur->ChangeEvent(evenement);
+    ecrire(fournisseur->ChangeEvent(evenement));
     CalendarControl->Populate();
 }
 
