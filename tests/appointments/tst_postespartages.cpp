@@ -10,6 +10,7 @@
 #include <QtTest>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 // Several workstations as real processes of tavonel-admin on one folder:
 // each starts as the window does (stores created when missing) and books
@@ -107,6 +108,32 @@ private slots:
         QVERIFY2(poste.exitCode() == 0, qPrintable(erreurs));
         QVERIFY2(erreurs.contains(QStringLiteral("n'a pas pu être enregistré")), qPrintable(erreurs));
         QCOMPARE(compter(d + QStringLiteral("Events.mdb"), QStringLiteral("SELECT count(*) FROM CalendarEvents")), 8);
+    }
+
+    // A read-only Events.mdb: every try is told in French, nothing is
+    // written, and the station does not claim the appointment booked. Run as
+    // an ordinary account (root writes whatever the mode).
+    void magasinEnLectureSeule()
+    {
+        QTemporaryDir tmp;
+        const QString d = tmp.path() + u'/';
+        lancerPostes(d, 1, 2);
+        QVERIFY(QFile::setPermissions(d, QFileDevice::Permissions(0x7777)));
+        for (const QString &nom : QDir(d).entryList(QDir::Files))
+            QVERIFY(::chmod(QFile::encodeName(d + nom).constData(), nom == QLatin1String("Events.mdb") ? 0444 : 0666) == 0);
+        QStringList commande{qEnvironmentVariable("TAVONEL_ADMIN_EXE"), QStringLiteral("book-test"), d, QStringLiteral("1"),
+                             QStringLiteral("2")};
+        if (::geteuid() == 0)
+            commande = QStringList{QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"), QStringLiteral("--clear-groups")} + commande;
+        QProcess poste;
+        poste.start(::geteuid() == 0 ? QStringLiteral("setpriv") : commande.takeFirst(), commande);
+        QVERIFY2(poste.waitForFinished(40000), "le poste n'a pas fini");
+        const QString erreurs = QString::fromUtf8(poste.readAllStandardError());
+        QCOMPARE(poste.exitCode(), 1);
+        QVERIFY2(erreurs.contains(QStringLiteral("n'a pas pu être enregistré")) && erreurs.contains(QStringLiteral("readonly")),
+                 qPrintable(erreurs));
+        QVERIFY(QString::fromUtf8(poste.readAllStandardOutput()).contains(QStringLiteral("0 rendez-vous enregistrés")));
+        QCOMPARE(compter(d + QStringLiteral("Events.mdb"), QStringLiteral("SELECT count(*) FROM CalendarEvents")), 2);
     }
 
     // Copies missing or naming no appointment are found, then repaired.

@@ -1,3 +1,4 @@
+#include "appointments/editionrdv.h"
 #include "appointments/paquetrdv.h"
 #include "calendar/calendardataprovider.h"
 #include "calendar/reminderengine.h"
@@ -21,6 +22,8 @@
 
 #include <QAction>
 #include <QDialog>
+#include <QElapsedTimer>
+#include <QProcess>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QPrinter>
@@ -147,6 +150,32 @@ private Q_SLOTS:
         FermerConfig();
         appState() = AppState{};
         RetourRecherche = 0;
+    }
+
+    // Another station (a real process) holds Events.mdb: the refresh waits
+    // briefly, keeps the week it showed and says why in the status line;
+    // once the file is free the next refresh clears the message.
+    void rafraichissementPendantUnVerrou()
+    {
+        Poste p;
+        frmMain &f = *p.f;
+        p.ajouter(QStringLiteral("DUPONT"), Maintenant);
+        f.actualiser();
+        QCOMPARE(f.CalendarControl->shownEvents().size(), 1);
+        QProcess tenue;
+        tenue.start(qEnvironmentVariable("TAVONEL_ADMIN_EXE"),
+                    {QStringLiteral("hold-lock"), p.prog.chemin() + QStringLiteral("Events.mdb"), QStringLiteral("3")});
+        QVERIFY2(tenue.waitForReadyRead(10000), "hold-lock n'a pas démarré");
+        QElapsedTimer duree;
+        duree.start();
+        f.actualiser();
+        QVERIFY2(duree.elapsed() < 2000, qPrintable(QString::number(duree.elapsed())));
+        QCOMPARE(f.CalendarControl->shownEvents().size(), 1);
+        QCOMPARE(f.StatusBar->currentMessage(), TexteAgendaOccupe());
+        QVERIFY(tenue.waitForFinished(10000));
+        f.actualiser();
+        QCOMPARE(f.StatusBar->currentMessage(), QString());
+        QCOMPARE(p.repondeur.appels().size(), 0);
     }
 
     void fenetreDeDepart()
