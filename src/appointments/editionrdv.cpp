@@ -196,6 +196,15 @@ bool ProcessusAgendaVivant(qint64 pid, const QString &programme)
 {
     if (pid <= 0 || (::kill(pid_t(pid), 0) != 0 && errno != EPERM))
         return false;
+    // A killed process that its parent has not collected yet still answers
+    // (state Z): it runs nothing.
+    QFile etat(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (etat.open(QIODevice::ReadOnly)) {
+        const QByteArray texte = etat.readAll();
+        const qsizetype fin = texte.lastIndexOf(')');
+        if (fin >= 0 && fin + 2 < texte.size() && (texte.at(fin + 2) == 'Z' || texte.at(fin + 2) == 'X'))
+            return false;
+    }
     // A process number given again to another program is no agenda.
     QFile comm(QStringLiteral("/proc/%1/comm").arg(pid));
     if (!comm.open(QIODevice::ReadOnly))

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/stat.h>
+
 namespace {
 
 CalendarEventPtr rendezVous(bool dejaVenu, bool prive)
@@ -74,7 +76,11 @@ private slots:
         QTemporaryDir dir;
         appState().CheminLog = dir.path() + QStringLiteral("/journal");
         appState().AgendaName = QStringLiteral("Agenda des Pentes");
+        // Patient names: the file is for the practice's group, whatever the
+        // session's mask.
+        const mode_t masque = ::umask(022);
         EcrireJournal(rendezVous(true, true), JournalNouveau);
+        ::umask(masque);
         EcrireJournal(rendezVous(false, false), JournalEffacement);
         EcrireJournal(CalendarEventPtr(), JournalNouveau); // nothing
 
@@ -87,6 +93,9 @@ private slots:
         QVERIFY(lignes.at(1).contains("| Effacement   |           |       | DUPONT Marie | "));
         QVERIFY(lignes.at(2).isEmpty());
         QCOMPARE(QDir(dir.path() + QStringLiteral("/journal/2027")).entryList(QDir::Files), QStringList{QStringLiteral("20270101_0.txt")});
+        struct stat st = {};
+        QVERIFY(::stat(QFile::encodeName(chemin).constData(), &st) == 0);
+        QCOMPARE(st.st_mode & 0777, mode_t(0660));
     }
 
     // A file held by another workstation sends the line to the next number;
