@@ -3,6 +3,7 @@
 #include "messaging/rtftohtml.h"
 #include "shell/base/cp1252.h"
 #include "shell/base/dossiers.h"
+#include "shell/base/fichierspartages.h"
 #include "shell/base/support.h"
 
 #include <QFile>
@@ -103,6 +104,8 @@ QString SendMailReminder(const QString &expediteur, const QString &destinataire,
     QSaveFile fichier(travail);
     if (fichier.open(QIODevice::WriteOnly)) {
         fichier.write(html.toUtf8());
+        // A patient's appointment: for the practice's group only.
+        PartagerDescripteur(fichier.handle());
         fichier.commit();
     }
     if (!FichierExiste(travail))

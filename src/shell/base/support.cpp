@@ -1,6 +1,7 @@
 #include "shell/base/support.h"
 
 #include "shell/base/cp1252.h"
+#include "shell/base/fichierspartages.h"
 #include "shell/base/horloge.h"
 #include "shell/base/nombres.h"
 #include "shell/base/prompt.h"
@@ -284,6 +285,7 @@ bool EcrireFichierTexte(const QString &texte, const QString &chemin)
     QSaveFile f(chemin);
     if (!f.open(QIODevice::WriteOnly))
         return false;
+    PartagerDescripteur(f.handle());
     const QByteArray octets = VersCp1252(texte);
     if (f.write(octets) != octets.size()) {
         f.cancelWriting();
