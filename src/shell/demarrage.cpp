@@ -101,8 +101,13 @@ std::optional<QString> Demarrage::charger(ParametresFenetre &p)
         // A database of ours that is damaged is told as such, in one box:
         // nothing can be read from it, and a new one must not replace it
         // behind the practice's back.
-        if (FichierExiste(config) && EstFichierSqlite(config) && !erreur.isEmpty())
+        if (FichierExiste(config) && EstFichierSqlite(config) && !erreur.isEmpty()) {
+            if (erreur.contains(QLatin1String("verrouillée")))
+                return QStringLiteral("Le fichier de configuration %1 est occupé par un autre poste :\n%2\n\nRelancez "
+                                      "l'agenda dans un instant.")
+                    .arg(config, erreur);
             return texteConfigEndommagee(config, erreur);
+        }
         return texteBaseIntrouvable(m_etat.PathDB);
     }
 

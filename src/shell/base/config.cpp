@@ -27,8 +27,12 @@ std::shared_ptr<ConfigIni> ConfigIni::ouvrir(const QString &chemin, QString *err
         if (!q.exec(QStringLiteral("PRAGMA quick_check(1)")) || !q.next()
             || q.value(0).toString().compare(QLatin1String("ok"), Qt::CaseInsensitive) != 0) {
             if (erreur) {
-                const QString detail = q.lastError().isValid() ? q.lastError().text() : q.value(0).toString();
-                *erreur = QStringLiteral("Le fichier %1 est endommagé (%2).").arg(chemin, detail);
+                const QSqlError e = q.lastError();
+                const int primaire = e.nativeErrorCode().toInt() & 0xff;
+                if (e.isValid() && (primaire == 5 || primaire == 6)) // SQLITE_BUSY, SQLITE_LOCKED
+                    *erreur = QStringLiteral("La base %1 est verrouillée par un autre utilisateur (%2).").arg(chemin, e.text());
+                else
+                    *erreur = QStringLiteral("Le fichier %1 est endommagé (%2).").arg(chemin, e.isValid() ? e.text() : q.value(0).toString());
             }
             return nullptr;
         }
