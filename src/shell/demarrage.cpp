@@ -15,6 +15,7 @@
 #include "shell/base/registre.h"
 #include "shell/base/support.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -107,6 +108,14 @@ std::optional<QString> Demarrage::charger(ParametresFenetre &p)
                                       "l'agenda dans un instant.")
                     .arg(config, erreur);
             return texteConfigEndommagee(config, erreur);
+        }
+        // A file wiped to zeros (a disk or a copy that failed) is no other
+        // program's file: it is told as damaged.
+        QFile fichier(config);
+        if (fichier.open(QIODevice::ReadOnly)) {
+            const QByteArray debut = fichier.read(100);
+            if (!debut.isEmpty() && debut.count('\0') == debut.size())
+                return texteConfigEndommagee(config, QStringLiteral("son contenu a été effacé (octets à zéro)."));
         }
         return texteBaseIntrouvable(m_etat.PathDB);
     }

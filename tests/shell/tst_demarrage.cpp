@@ -173,9 +173,15 @@ private Q_SLOTS:
         QCOMPARE(lireOctets(prog.chemin() + QStringLiteral("Config.mdb")), jet);
     }
 
-    // A Config.mdb whose pages were zeroed after its header: one French
+    // A Config.mdb zeroed after its header, or whole: one French
     // text that names the file, returned for the one fatal box, and no box
     // before it.
+    void configEndommagee_data()
+    {
+        QTest::addColumn<int>("garde");
+        QTest::newRow("pages effacées") << 4096;
+        QTest::newRow("fichier effacé") << 0;
+    }
     void configEndommagee()
     {
         DossierProgrammeTest prog;
@@ -186,9 +192,10 @@ private Q_SLOTS:
         }
         remettreAZero();
         const QString config = prog.chemin() + QStringLiteral("Config.mdb");
+        QFETCH(int, garde);
         QByteArray octets = lireOctets(config);
         QVERIFY(octets.size() > 4096);
-        octets.replace(4096, octets.size() - 4096, QByteArray(octets.size() - 4096, '\0'));
+        octets.replace(garde, octets.size() - garde, QByteArray(octets.size() - garde, '\0'));
         QVERIFY(ecrireOctets(config, octets));
         RepondeurScripte repondeur;
         Demarrage d(appState(), prog.chemin());
