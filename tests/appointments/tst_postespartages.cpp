@@ -136,6 +136,32 @@ private slots:
         QCOMPARE(compter(d + QStringLiteral("Events.mdb"), QStringLiteral("SELECT count(*) FROM CalendarEvents")), 2);
     }
 
+    // Stations killed in mid-booking: the stores stay whole, nothing is
+    // booked twice, and the copies that a killed station could not write
+    // are written by the next start.
+    void postesTues()
+    {
+        QTemporaryDir tmp;
+        const QString d = tmp.path() + u'/';
+        lancerPostes(d, 1, 0);
+        for (int i = 0; i < 6; ++i) {
+            QProcess p;
+            p.start(qEnvironmentVariable("TAVONEL_ADMIN_EXE"),
+                    {QStringLiteral("book-test"), d, QStringLiteral("100000"), QString::number(10 + i)});
+            QVERIFY(p.waitForStarted(10000));
+            QTest::qWait(300 + 40 * i);
+            p.kill();
+            QVERIFY(p.waitForFinished(10000));
+        }
+        const QString events = d + QStringLiteral("Events.mdb");
+        const int rendezVous = compter(events, QStringLiteral("SELECT count(*) FROM CalendarEvents"));
+        QVERIFY(rendezVous > 0);
+        QCOMPARE(compter(events, QStringLiteral("SELECT count(DISTINCT Subject) FROM CalendarEvents")), rendezVous);
+        lancerPostes(d, 1, 0);
+        const SortieAdmin c = lancerAdmin({QStringLiteral("store-check"), d});
+        QVERIFY2(c.code == 0, qPrintable(c.texte + c.erreurs));
+    }
+
     // Copies missing or naming no appointment are found, then repaired.
     void copiesOrphelinesEtManquantes()
     {
