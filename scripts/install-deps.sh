@@ -11,7 +11,7 @@ PACKAGES=(
   libical-dev libcurl4-openssl-dev libsqlite3-dev sqlite3
   qt6-translations-l10n
   xvfb xauth socat fonts-liberation poppler-utils python3
-  mariadb-server odbc-mariadb unixodbc unixodbc-dev
+  mariadb-server odbc-mariadb unixodbc unixodbc-dev libqt6sql6-mysql
 )
 
 missing=()

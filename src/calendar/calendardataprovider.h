@@ -26,8 +26,9 @@ class CalendarDataProvider final : public QObject
     Q_OBJECT
 
 public:
-    // The kinds of store, numbered as everywhere in the program.
-    enum Kind { Memory = 1, Access = 2, MAPI = 3, SQLServer = 4, MySQL = 5 };
+    // The kinds of store, numbered as everywhere in the program; 6 is the
+    // MariaDB store.
+    enum Kind { Memory = 1, Access = 2, MAPI = 3, SQLServer = 4, MySQL = 5, MariaDB = 6 };
 
     explicit CalendarDataProvider(QObject *parent = nullptr);
     ~CalendarDataProvider() override;

@@ -127,7 +127,7 @@ std::optional<QString> Demarrage::charger(ParametresFenetre &p)
 
     // The calendar store: Events.mdb in PathDB, opened or created.
     // A store that can be neither opened nor created leaves an empty book.
-    OpenProvider(m_etat, CalendarDataProvider::Access, connexionEvenements());
+    OpenProvider(m_etat.Calendrier, m_etat.TypeFournisseur, CalendarDataProvider::Access, connexionEvenements());
 
     p.libelles = ConstruireLibelles(m_etat);
     m_etat.Calendrier->setLabelList(p.libelles);

@@ -551,8 +551,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("genre");
         QTest::addColumn<QString>("message");
         QTest::newRow("Outlook") << 3 << TexteMapiIndisponible();
-        QTest::newRow("SQL Server") << 4 << TexteServeurSqlIndisponible();
-        QTest::newRow("MySQL") << 5 << TexteServeurSqlIndisponible();
     }
     void genresIndisponibles()
     {

@@ -22,6 +22,7 @@
 #include "shell/base/dossiers.h"
 #include "shell/base/horloge.h"
 #include "shell/base/modal.h"
+#include "shell/window/frmcalendardatachooser.h"
 #include "shell/window/iconesbarre.h"
 #include "shell/window/impressionagenda.h"
 #include "shell/base/prompt.h"
@@ -31,6 +32,7 @@
 #include "shell/regleslignedate.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
 #include <QDir>
@@ -224,9 +226,15 @@ void frmMain::construireMenus()
 
     mnuFile = menu(this, barre, "mnuFile", QStringLiteral("&Fichier"));
     mnuOpenDataProvider = action(mnuFile, "mnuOpenDataProvider", QStringLiteral("&Ouvrir"));
-    // The store chooser comes with its own window; until then the store of
-    // the start stays.
-    mnuOpenDataProvider->setEnabled(false);
+    connect(mnuOpenDataProvider, &QAction::triggered, this, [this] {
+        frmCalendarDataChooser choix(appState().TypeFournisseur, DossierProgramme(), this);
+        ExecuterDialogue(choix);
+        if (choix.cancelled())
+            return;
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        OpenProvider(choix.ProviderType(), choix.ConnectionString());
+        QApplication::restoreOverrideCursor();
+    });
     mnuFile->addSeparator();
     mnuPageSetup = action(mnuFile, "mnuPageSetup", QStringLiteral("&Mise en Page"));
     mnuPrintPreview = action(mnuFile, "mnuPrintPreview", QStringLiteral("Pré&visualisation"));
@@ -517,7 +525,7 @@ void frmMain::brancherCalendrier()
 
 bool frmMain::OpenProvider(int type, const QString &connection)
 {
-    const bool ok = ::OpenProvider(appState(), type, connection);
+    const bool ok = ::OpenProvider(appState().Calendrier, appState().TypeFournisseur, type, connection);
     CalendarControl->setDataProvider(appState().Calendrier.get());
     CalendarControl->Populate();
     wndDatePicker->RedrawControl();

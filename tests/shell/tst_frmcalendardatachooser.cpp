@@ -1,0 +1,114 @@
+#include "calendar/calendardataprovider.h"
+#include "shell/appstate.h"
+#include "shell/base/config.h"
+#include "shell/base/horloge.h"
+#include "shell/base/modal.h"
+#include "shell/base/registre.h"
+#include "shell/demarrage.h"
+#include "shell/window/frmcalendardatachooser.h"
+#include "shell/window/frmmain.h"
+#include "support/dossiertest.h"
+#include "support/repondeurscripte.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSettings>
+#include <QToolBar>
+#include <QtTest>
+
+// "Fichier > Ouvrir" and the store chooser, driven through their controls on
+// a started program.
+class tst_frmcalendardatachooser : public QObject
+{
+    Q_OBJECT
+
+    struct Poste
+    {
+        Horloge::Fixee horloge{QDateTime(QDate(2026, 11, 23), QTime(10, 0))};
+        DossierProgrammeTest prog;
+        RepondeurScripte repondeur;
+        Demarrage demarrage{appState(), prog.chemin()};
+        ParametresFenetre parametres;
+        std::unique_ptr<frmMain> f;
+        Poste()
+        {
+            QVERIFY(!demarrage.initialiser(QString()));
+            QVERIFY(!demarrage.charger(parametres));
+            f = std::make_unique<frmMain>(demarrage, parametres);
+        }
+    };
+
+    static void cliquer(QDialog &d, const char *nom)
+    {
+        auto *b = d.findChild<QAbstractButton *>(QString::fromLatin1(nom));
+        QVERIFY2(b, nom);
+        QTest::mouseClick(b, Qt::LeftButton);
+    }
+
+private Q_SLOTS:
+    void cleanup()
+    {
+        FermerConfig();
+        appState() = AppState{};
+    }
+
+    void choisirUneAutreBase()
+    {
+        // The strings of an earlier run are not this run's defaults.
+        QSettings(QStringLiteral("Tavonel"), QStringLiteral("Tavonel")).remove(QStringLiteral("Provider"));
+        Poste p;
+        QCOMPARE(appState().TypeFournisseur, 2);
+        QStringList vus;
+        ExecuteurInstalle executeur([&](QDialog &d) {
+            auto *texte = d.findChild<QLineEdit *>(QStringLiteral("txtConnectionStr"));
+            auto *haut = d.findChild<QLabel *>(QStringLiteral("txtLabelTop"));
+            vus << haut->text() + QLatin1Char('|') + texte->text();
+            cliquer(d, "rdDP_MySQL");
+            vus << haut->text() + QLatin1Char('|') + texte->text();
+            texte->setText(QStringLiteral("DSN=Cabinet"));
+            cliquer(d, "rdDP_MAPI");
+            vus << QString::number(texte->isEnabled()) + QLatin1Char('|') + texte->text();
+            cliquer(d, "rdDP_MySQL");
+            // What was typed for a kind is still there on coming back.
+            vus << texte->text();
+            cliquer(d, "rdDP_Access");
+            texte->setText(QStringLiteral("autre.mdb"));
+            cliquer(d, "cmdOK");
+            return d.result();
+        });
+        p.f->findChild<QAction *>(QStringLiteral("mnuOpenDataProvider"))->trigger();
+        QCOMPARE(vus, (QStringList{QStringLiteral("DataBase file (*.mdb):|events.mdb"),
+                                   QStringLiteral("Connection string:|DSN=Calendar_MySQL"), QStringLiteral("0|"),
+                                   QStringLiteral("DSN=Cabinet")}));
+        QCOMPARE(appState().TypeFournisseur, 2);
+        QCOMPARE(appState().Calendrier->ConnectionString(),
+                 QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source='") + p.prog.chemin() + QStringLiteral("autre.mdb';"));
+        QVERIFY(QFile::exists(p.prog.chemin() + QStringLiteral("autre.mdb")));
+        const QString section = QStringLiteral("Provider");
+        QCOMPARE(LireParametreUtilisateur(section, QStringLiteral("MySQL"), {}), QStringLiteral("DSN=Cabinet"));
+        QCOMPARE(LireParametreUtilisateur(section, QStringLiteral("Access"), {}), QStringLiteral("autre.mdb"));
+        QCOMPARE(LireParametreUtilisateur(section, QStringLiteral("Active"), {}), QStringLiteral("2"));
+        QCOMPARE(LireParametreUtilisateur(section, QStringLiteral("ActivePath"), {}), QStringLiteral("autre.mdb"));
+
+        // Cancelled from toolbar button 12: nothing saved, the store stays.
+        ExecuteurInstalle annule([&](QDialog &d) {
+            d.findChild<QLineEdit *>(QStringLiteral("txtConnectionStr"))->setText(QStringLiteral("encore.mdb"));
+            cliquer(d, "cmdCancel");
+            return d.result();
+        });
+        auto *barre = p.f->findChild<QToolBar *>(QStringLiteral("Toolbar"));
+        QAction *bouton = barre->findChild<QAction *>(QStringLiteral("Toolbar(12)"));
+        QVERIFY(bouton && bouton->isEnabled());
+        bouton->trigger();
+        QCOMPARE(LireParametreUtilisateur(section, QStringLiteral("Access"), {}), QStringLiteral("autre.mdb"));
+        QVERIFY(appState().Calendrier->ConnectionString().endsWith(QStringLiteral("autre.mdb';")));
+        QVERIFY(!QFile::exists(p.prog.chemin() + QStringLiteral("encore.mdb")));
+        QCOMPARE(p.repondeur.textes(), QStringList());
+    }
+};
+
+QTEST_MAIN(tst_frmcalendardatachooser)
+#include "tst_frmcalendardatachooser.moc"
