@@ -1,5 +1,6 @@
 #include "patients/schemapatients.h"
 #include "shell/base/basesqlite.h"
+#include "shell/base/fichierspartages.h"
 #include "support/admintest.h"
 
 #include <QDir>
@@ -47,6 +48,28 @@ class tst_postespartages : public QObject
 
 private slots:
     void initTestCase() { QVERIFY2(QFileInfo(qEnvironmentVariable("TAVONEL_ADMIN_EXE")).isExecutable(), "tavonel-admin absent"); }
+
+    // A new file never replaces one that another station put in place.
+    void installationSansEcraser()
+    {
+        QTemporaryDir tmp;
+        const QString nous = tmp.filePath(QStringLiteral(".Config.mdb.tmp-1"));
+        const QString cible = tmp.filePath(QStringLiteral("Config.mdb"));
+        QFile f(nous);
+        QVERIFY(f.open(QIODevice::WriteOnly) && f.write("nous") == 4);
+        f.close();
+        QFile g(cible);
+        QVERIFY(g.open(QIODevice::WriteOnly) && g.write("eux") == 3);
+        g.close();
+        QCOMPARE(InstallerSansEcraser(nous, cible), Installation::DejaLa);
+        QVERIFY(QFile::exists(nous));
+        QVERIFY(g.open(QIODevice::ReadOnly) && g.readAll() == "eux");
+        g.close();
+        QVERIFY(QFile::remove(cible));
+        QCOMPARE(InstallerSansEcraser(nous, cible), Installation::Posee);
+        QVERIFY(!QFile::exists(nous));
+        QVERIFY(g.open(QIODevice::ReadOnly) && g.readAll() == "nous");
+    }
 
     // First starts together on an empty folder under the usual mask: one
     // set of stores, every appointment once with its copy, nothing for
@@ -144,16 +167,19 @@ private slots:
         QTemporaryDir tmp;
         const QString d = tmp.path() + u'/';
         lancerPostes(d, 1, 0);
+        const QString events = d + QStringLiteral("Events.mdb");
         for (int i = 0; i < 6; ++i) {
+            const int avant = compter(events, QStringLiteral("SELECT count(*) FROM CalendarEvents"));
             QProcess p;
             p.start(qEnvironmentVariable("TAVONEL_ADMIN_EXE"),
                     {QStringLiteral("book-test"), d, QStringLiteral("100000"), QString::number(10 + i)});
             QVERIFY(p.waitForStarted(10000));
-            QTest::qWait(300 + 40 * i);
+            // Killed once it books, at a moment that differs each time.
+            QTRY_VERIFY_WITH_TIMEOUT(compter(events, QStringLiteral("SELECT count(*) FROM CalendarEvents")) > avant, 20000);
+            QTest::qWait(20 * i);
             p.kill();
             QVERIFY(p.waitForFinished(10000));
         }
-        const QString events = d + QStringLiteral("Events.mdb");
         const int rendezVous = compter(events, QStringLiteral("SELECT count(*) FROM CalendarEvents"));
         QVERIFY(rendezVous > 0);
         QCOMPARE(compter(events, QStringLiteral("SELECT count(DISTINCT Subject) FROM CalendarEvents")), rendezVous);

@@ -66,6 +66,16 @@ Installation InstallerSansEcraser(const QString &temporaire, const QString &cibl
             return Installation::Posee;
         }
         numero = errno;
+        // Nor hard links (some SMB mounts): a plain rename after a look, the
+        // only way left; the window between the two is a few microseconds.
+        if (numero == EPERM || numero == EOPNOTSUPP || numero == ENOSYS) {
+            struct stat st = {};
+            if (::lstat(vers.constData(), &st) == 0)
+                return Installation::DejaLa;
+            if (::rename(de.constData(), vers.constData()) == 0)
+                return Installation::Posee;
+            numero = errno;
+        }
     }
     if (numero == EEXIST)
         return Installation::DejaLa;
