@@ -265,8 +265,3 @@ int RejouerMiroir(const QString &cheminBaseAgenda)
     return int(std::count_if(liste.cbegin(), liste.cend(),
                              [&](const CopieEnAttente &c) { return c.chemin == cheminBaseAgenda; }));
 }
-
-int MiroirEnAttente()
-{
-    return int(enAttente().size());
-}

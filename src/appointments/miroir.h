@@ -37,13 +37,12 @@ class CalendarDataProvider;
 // A copy that could not be written (the file held by another station past
 // the busy wait) is kept here and written again by RejouerMiroir, which the
 // main window calls at each refresh; the latest change of a key replaces an
-// older one still waiting. Nothing of this is lost unless the program stops
-// before the file is free again; store-check then finds the row missing and
-// repairs it.
+// older one still waiting. Should the program stop before the file is free
+// again, the next start writes the missing copies of the last days
+// (RattraperMiroir), and store-check --repair any other.
 // Writes what waits, oldest first, and stops at the first that fails again.
 // Answers how many still wait.
 int RejouerMiroir(const QString &cheminBaseAgenda);
-[[nodiscard]] int MiroirEnAttente();
 
 // The three handlers, on AppState (CheminBaseAgenda, RegleCourante, the
 // journal). Added and changed look up the rule in force at the start
