@@ -107,10 +107,12 @@ MariaDbCalendarStore::~MariaDbCalendarStore()
 bool MariaDbCalendarStore::ouvrir(bool creer)
 {
     Close();
-    QString options;
+    // The agenda stays open for days: a connection the server dropped for
+    // idleness (wait_timeout) is made again by the driver.
+    QString options = QStringLiteral("MYSQL_OPT_RECONNECT=1");
     const QString socket = ParametreMariaDb(m_parameters, QStringLiteral("Socket"));
     if (!socket.isEmpty())
-        options = QStringLiteral("UNIX_SOCKET=") + socket;
+        options += QStringLiteral(";UNIX_SOCKET=") + socket;
     if (!m_connexion.ouvrir(ParametreMariaDb(m_parameters, QStringLiteral("Database")),
                             ParametreMariaDb(m_parameters, QStringLiteral("User")),
                             ParametreMariaDb(m_parameters, QStringLiteral("Password")),
