@@ -1,4 +1,6 @@
 #include "calendar/calendardataprovider.h"
+#include "calendar/openprovider.h"
+#include "calendar/view/calendarview.h"
 #include "shell/appstate.h"
 #include "shell/base/config.h"
 #include "shell/base/horloge.h"
@@ -9,6 +11,7 @@
 #include "shell/window/frmmain.h"
 #include "support/dossiertest.h"
 #include "support/repondeurscripte.h"
+#include "support/serveurmariadb.h"
 
 #include <QAction>
 #include <QLabel>
@@ -16,6 +19,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSettings>
+#include <QTimer>
 #include <QToolBar>
 #include <QtTest>
 
@@ -106,6 +110,33 @@ private Q_SLOTS:
         QCOMPARE(LireParametreUtilisateur(section, QStringLiteral("Access"), {}), QStringLiteral("autre.mdb"));
         QVERIFY(appState().Calendrier->ConnectionString().endsWith(QStringLiteral("autre.mdb';")));
         QVERIFY(!QFile::exists(p.prog.chemin() + QStringLiteral("encore.mdb")));
+        QCOMPARE(p.repondeur.textes(), QStringList());
+    }
+
+    // A practice moves its book to a MariaDB server through the chooser; what
+    // another station books there shows at the next refresh.
+    void versUnServeurMariaDb()
+    {
+        ServeurMariaDb serveur;
+        QVERIFY2(serveur.demarre(), qPrintable(serveur.erreur()));
+        Poste p;
+        ExecuteurInstalle executeur([&](QDialog &d) {
+            cliquer(d, "rdDP_MariaDB");
+            d.findChild<QLineEdit *>(QStringLiteral("txtConnectionStr"))->setText(serveur.parametresMariaDb());
+            cliquer(d, "cmdOK");
+            return d.result();
+        });
+        p.f->mnuOpenDataProvider->trigger();
+        QCOMPARE(appState().TypeFournisseur, 6);
+        QVERIFY(appState().Calendrier->IsOpen());
+        CalendarDataProvider poste2;
+        QVERIFY(OpenProvider(poste2, 6, MarqueMariaDb + serveur.parametresMariaDb()));
+        CalendarEventPtr e = poste2.CreateNewEvent(QDateTime(QDate(2026, 11, 23), QTime(11, 0)), QDateTime(QDate(2026, 11, 23), QTime(11, 30)));
+        e->setSubject(QStringLiteral("Poste 2"));
+        QVERIFY(poste2.AddEvent(e));
+        QVERIFY(QMetaObject::invokeMethod(p.f->Timer1, "timeout"));
+        QCOMPARE(p.f->CalendarControl->shownEvents().size(), 1);
+        QCOMPARE(p.f->CalendarControl->shownEvents().first()->Subject(), QStringLiteral("Poste 2"));
         QCOMPARE(p.repondeur.textes(), QStringList());
     }
 };
