@@ -129,12 +129,16 @@ bool MariaDbCalendarStore::ouvrir(bool creer)
             const std::unique_ptr<RecordCursor> t = m_connexion.execute(QStringLiteral("SHOW TABLES LIKE 'CalendarEvents'"));
             presentes = !t->atEnd();
         }
-        if (!presentes && !creer) {
-            m_connexion.fermer();
-            return false;
+        // A user given only the rights on the rows may open a book that
+        // exists: the tables are made only when they are not there.
+        if (!presentes) {
+            if (!creer) {
+                m_connexion.fermer();
+                return false;
+            }
+            for (const char *s : kSchema)
+                m_connexion.executer(QString::fromLatin1(s));
         }
-        for (const char *s : kSchema)
-            m_connexion.executer(QString::fromLatin1(s));
     } catch (const FieldError &e) {
         m_lastError = QString::fromStdString(e.what());
         m_connexion.fermer();

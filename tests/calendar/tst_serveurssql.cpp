@@ -333,6 +333,25 @@ private Q_SLOTS:
         QCOMPARE(p->RetrieveEvents(QDate(2026, 3, 2), QDate(2026, 3, 6)).size(), 2 * n);
     }
 
+    void utilisateurSansDroitDeCreation()
+    {
+        QVERIFY(ouvrir(6));
+        // The practice's administrator made the tables; the stations' user
+        // has the rights on the rows only.
+        QVERIFY2(m_serveur->executer(QStringLiteral("Calendar6"),
+                                     QStringLiteral("CREATE USER IF NOT EXISTS 'poste'@'127.0.0.1' IDENTIFIED BY 'poste';"
+                                                    " GRANT SELECT, INSERT, UPDATE, DELETE ON Calendar6.* TO 'poste'@'127.0.0.1'")),
+                 qPrintable(m_serveur->erreur()));
+        QString parametres = m_serveur->parametresMariaDb();
+        parametres.replace(QStringLiteral("User=agenda;Password=agenda"), QStringLiteral("User=poste;Password=poste"));
+        RepondeurScripte repondeur;
+        CalendarDataProvider p;
+        QVERIFY(OpenProvider(p, 6, MarqueMariaDb + parametres));
+        QVERIFY(p.IsOpen());
+        QVERIFY(p.AddEvent(rendezVous(p, QDateTime(QDate(2026, 3, 2), QTime(9, 0)), 15, QStringLiteral("x"))));
+        QCOMPARE(repondeur.textes(), QStringList());
+    }
+
     void lectureDeLaSemaineParLesIndex()
     {
         QVERIFY(ouvrir(6));
