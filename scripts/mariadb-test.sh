@@ -59,21 +59,34 @@ mkdir -p "$dir"
 dir=$(cd "$dir" && pwd)
 sock="$dir/mysqld.sock"
 user=$(id -un)
-port=$(python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1",0)); print(s.getsockname()[1]); s.close()')
+free_port() {
+  python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1",0)); print(s.getsockname()[1]); s.close()'
+}
 
 "$installdb" --no-defaults --datadir="$dir/data" --user="$user" --auth-root-authentication-method=normal \
   --skip-test-db >"$dir/install.log" 2>&1 || { cat "$dir/install.log" >&2; exit 1; }
 
-"$server" --no-defaults --datadir="$dir/data" --socket="$sock" --port="$port" --bind-address=127.0.0.1 \
-  --pid-file="$dir/mariadbd.pid" --log-error="$dir/error.log" --user="$user" \
-  --skip-name-resolve --innodb-buffer-pool-size=128M --innodb-flush-log-at-trx-commit=2 \
-  --skip-log-bin --character-set-server=utf8mb4 --collation-server=utf8mb4_general_ci \
-  </dev/null >/dev/null 2>&1 &
-spid=$!
-for _ in $(seq 1 300); do
-  [ -S "$sock" ] && "$client" --no-defaults -uroot --socket="$sock" -e 'SELECT 1' >/dev/null 2>&1 && break
-  kill -0 "$spid" 2>/dev/null || { echo "mariadb-test: the server stopped:" >&2; tail -20 "$dir/error.log" >&2; exit 1; }
-  sleep 0.1
+# The free port found may be taken by another test program before the
+# server binds it: a few tries, each on a new port.
+for attempt in 1 2 3; do
+  port=$(free_port)
+  "$server" --no-defaults --datadir="$dir/data" --socket="$sock" --port="$port" --bind-address=127.0.0.1 \
+    --pid-file="$dir/mariadbd.pid" --log-error="$dir/error.log" --user="$user" \
+    --skip-name-resolve --innodb-buffer-pool-size=128M --innodb-flush-log-at-trx-commit=2 \
+    --skip-log-bin --character-set-server=utf8mb4 --collation-server=utf8mb4_general_ci \
+    </dev/null >/dev/null 2>&1 &
+  spid=$!
+  up=0
+  for _ in $(seq 1 300); do
+    if [ -S "$sock" ] && "$client" --no-defaults -uroot --socket="$sock" -e 'SELECT 1' >/dev/null 2>&1; then up=1; break; fi
+    kill -0 "$spid" 2>/dev/null || break
+    sleep 0.1
+  done
+  [ "$up" = 1 ] && break
+  kill "$spid" 2>/dev/null || true
+  wait "$spid" 2>/dev/null || true
+  echo "mariadb-test: try $attempt failed:" >&2
+  tail -5 "$dir/error.log" >&2 || true
 done
 "$client" --no-defaults -uroot --socket="$sock" -e 'SELECT 1' >/dev/null 2>&1 \
   || { echo "mariadb-test: the server does not answer" >&2; tail -20 "$dir/error.log" >&2; exit 1; }
