@@ -7,6 +7,7 @@
 #include "shell/base/support.h"
 #include "support/repondeurscripte.h"
 
+#include <QProcess>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -150,6 +151,21 @@ private slots:
         LibererReservations();
         QCOMPARE(lignesIni(), QStringList{QStringLiteral("02/03/2026 11:00:00|Réservation|POSTE2 - docteur")});
         QCOMPARE(repondeur.appels().size(), 0);
+    }
+
+    // This computer's processes as the rule sees them: this test runs, a
+    // finished process does not, nor another program under this number.
+    void processusVivant()
+    {
+        const qint64 moi = QCoreApplication::applicationPid();
+        QCOMPARE(ProcessusAgendaVivant(moi, QStringLiteral("tst_editionrdv")), true);
+        QCOMPARE(ProcessusAgendaVivant(moi, QStringLiteral("tavonel")), false);
+        QProcess fini;
+        fini.start(QStringLiteral("true"));
+        QVERIFY(fini.waitForStarted(5000));
+        const qint64 pid = fini.processId();
+        QVERIFY(fini.waitForFinished(5000));
+        QCOMPARE(ProcessusAgendaVivant(pid, QStringLiteral("true")), false);
     }
 
     // Whether a reservation still counts, by its watch row: this computer
