@@ -62,10 +62,11 @@ public:
 
 private:
     bool ouvrir(bool creer);
-    bool executer(QSqlQuery &q);
+    // Runs the prepared statement, or the text given.
+    bool executer(QSqlQuery &q, const QString &sql = {});
     bool insertRow(const QString &table, const MemoryRecord &row, int &newId);
     bool updateRow(const QString &table, const MemoryRecord &row, const QString &keyColumn, int key);
-    void lire(QSqlQuery &q, QList<CalendarEventPtr> &events, bool exceptions = false);
+    void lire(QSqlQuery &q, QList<CalendarEventPtr> &events, bool exceptions = false, const QString &sql = {});
 
     QString m_parameters;
     ConnexionServeur m_connexion{QStringLiteral("QMYSQL")};
