@@ -65,6 +65,23 @@ const char *const kSchema[] = {
     ") ENGINE=InnoDB DEFAULT CHARSET=utf8mb4",
 };
 
+// The columns the reads ask for. Date-times come as text in the stores'
+// own form, which the record mapping reads without the general date parser
+// (a week holds hundreds of them).
+const QString &colonnesLues()
+{
+    static const QString liste = [] {
+        const QStringList dates = {QStringLiteral("StartDateTime"), QStringLiteral("EndDateTime"),
+                                   QStringLiteral("RExceptionStartTimeOrig"), QStringLiteral("RExceptionEndTimeOrig"),
+                                   QStringLiteral("CreationTime"), QStringLiteral("LastModificationTime")};
+        QStringList l{QStringLiteral("EventID")};
+        for (const QString &c : kEventColumns)
+            l << (dates.contains(c) ? QStringLiteral("CAST(%1 AS CHAR) AS %1").arg(c) : c);
+        return l.join(QStringLiteral(", "));
+    }();
+    return liste;
+}
+
 QVariant bindable(const QVariant &v)
 {
     if (v.typeId() == QMetaType::QDateTime && !v.toDateTime().isValid())
@@ -182,19 +199,33 @@ void MariaDbCalendarStore::lire(QSqlQuery &q, QList<CalendarEventPtr> &events, b
     if (m_readFailed)
         return;
     for (QueryCursor rs(&q); !rs.atEnd(); rs.next()) {
-        if (CalendarEventPtr e = m_helper.CreateEventFromRS(rs, exceptions))
+        if (CalendarEventPtr e = m_helper.CreateEventFromRS(rs, exceptions)) {
+            lireHeures(rs, *e);
             events.append(e);
+        }
+    }
+}
+
+void MariaDbCalendarStore::lireHeures(const RecordSource &rs, CalendarEvent &e)
+{
+    try {
+        e.setCreationTime(RecordValue::dateTime(rs.field(QStringLiteral("CreationTime"))));
+        e.setLastModificationTime(RecordValue::dateTime(rs.field(QStringLiteral("LastModificationTime"))));
+    } catch (const FieldError &) {
+        // Times of a row written by another program: left unset.
     }
 }
 
 QString MariaDbCalendarStore::rangeStatement()
 {
-    return QStringLiteral("SELECT * FROM CalendarEvents FORCE INDEX (idx_events_debut)"
-                          " WHERE Longue = 0 AND RecurrenceState IN (0, 1) AND StartDateTime >= ? AND StartDateTime < ?"
-                          " AND EndDateTime >= ?"
-                          " UNION ALL "
-                          "SELECT * FROM CalendarEvents FORCE INDEX (idx_events_longs)"
-                          " WHERE Longue = 1 AND EndDateTime >= ? AND StartDateTime < ? AND RecurrenceState IN (0, 1)");
+    return QStringLiteral("SELECT ") + colonnesLues()
+           + QStringLiteral(" FROM CalendarEvents FORCE INDEX (idx_events_debut)"
+                            " WHERE Longue = 0 AND RecurrenceState IN (0, 1) AND StartDateTime >= ? AND StartDateTime < ?"
+                            " AND EndDateTime >= ?"
+                            " UNION ALL SELECT ")
+           + colonnesLues()
+           + QStringLiteral(" FROM CalendarEvents FORCE INDEX (idx_events_longs)"
+                            " WHERE Longue = 1 AND EndDateTime >= ? AND StartDateTime < ? AND RecurrenceState IN (0, 1)");
 }
 
 void MariaDbCalendarStore::DoRetrieveDayEvents(const QDate &day, QList<CalendarEventPtr> &events)
@@ -228,7 +259,7 @@ CalendarEventPtr MariaDbCalendarStore::DoReadEvent(int eventId)
         return {};
     QSqlQuery q(m_connexion.db());
     q.setForwardOnly(true);
-    q.prepare(QStringLiteral("SELECT * FROM CalendarEvents WHERE EventID = ?"));
+    q.prepare(QStringLiteral("SELECT ") + colonnesLues() + QStringLiteral(" FROM CalendarEvents WHERE EventID = ?"));
     q.addBindValue(eventId);
     QList<CalendarEventPtr> events;
     lire(q, events);
@@ -251,14 +282,16 @@ QHash<int, CalendarRecurrencePatternPtr> MariaDbCalendarStore::DoReadRPatterns(c
     {
         QSqlQuery q(m_connexion.db());
         q.setForwardOnly(true);
-        if (!executer(q, QStringLiteral("SELECT * FROM CalendarEvents WHERE RecurrenceState = 3 AND RecurrencePatternID IN (") + cles
+        if (!executer(q, QStringLiteral("SELECT ") + colonnesLues() + QStringLiteral(" FROM CalendarEvents WHERE RecurrenceState = 3 AND RecurrencePatternID IN (") + cles
                              + QStringLiteral(")")))
             return lus;
         for (QueryCursor rs(&q); !rs.atEnd(); rs.next()) {
             try {
                 const int serie = RecordValue::integer(rs.field(QStringLiteral("RecurrencePatternID")));
-                if (CalendarEventPtr e = m_helper.CreateEventFromRS(rs, true))
+                if (CalendarEventPtr e = m_helper.CreateEventFromRS(rs, true)) {
+                    lireHeures(rs, *e);
                     exceptions[serie].append(e);
+                }
             } catch (const FieldError &) {
             }
         }
@@ -384,10 +417,12 @@ void MariaDbCalendarStore::DoGetUpcomingEvents(const QDateTime &start, int minut
     // Plain rows by their reminder moment; masters are few and are all
     // looked at: their occurrences decide.
     const QDateTime t = start.addSecs(qint64(minutes) * 60);
-    QString s = QStringLiteral("SELECT * FROM CalendarEvents WHERE IsReminder <> 0 AND RecurrenceState = 0 AND MomentRappel <= ?");
+    QString s = QStringLiteral("SELECT ") + colonnesLues()
+                + QStringLiteral(" FROM CalendarEvents WHERE IsReminder <> 0 AND RecurrenceState = 0 AND MomentRappel <= ?");
     if (since.isValid())
         s += QStringLiteral(" AND MomentRappel >= ?");
-    s += QStringLiteral(" UNION ALL SELECT * FROM CalendarEvents WHERE RecurrenceState = 1 AND MomentRappel <= ?"
+    s += QStringLiteral(" UNION ALL SELECT ") + colonnesLues()
+         + QStringLiteral(" FROM CalendarEvents WHERE RecurrenceState = 1 AND MomentRappel <= ?"
                         " AND (IsReminder <> 0 OR RecurrencePatternID IN (SELECT RecurrencePatternID FROM CalendarEvents"
                         " WHERE RecurrenceState = 3 AND IsReminder <> 0 AND MomentRappel <= ?))");
     if (since.isValid())

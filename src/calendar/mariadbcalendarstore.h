@@ -66,6 +66,8 @@ private:
     bool executer(QSqlQuery &q, const QString &sql = {});
     bool insertRow(const QString &table, const MemoryRecord &row, int &newId);
     bool updateRow(const QString &table, const MemoryRecord &row, const QString &keyColumn, int key);
+    // The creation and change times, kept by this store only.
+    static void lireHeures(const RecordSource &rs, CalendarEvent &e);
     void lire(QSqlQuery &q, QList<CalendarEventPtr> &events, bool exceptions = false, const QString &sql = {});
 
     QString m_parameters;
