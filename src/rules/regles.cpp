@@ -5,11 +5,15 @@
 #include "shell/base/config.h"
 #include "shell/base/support.h"
 
+#include <QElapsedTimer>
+#include <QHash>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
 
 #include <array>
+
+#include <sqlite3.h>
 
 namespace {
 
@@ -239,6 +243,33 @@ RegleMatch GetRegleForDate(const QDateTime &when)
     if (!config)
         return champsDuMoment(when);
     return GetRegleForDate(*config, when);
+}
+
+RegleMatch GetRegleAffichee(const QDateTime &when)
+{
+    static QHash<QDateTime, RegleMatch> lues;
+    static QElapsedTimer refus;
+    const auto &config = ConfigOuverte();
+    if (!config)
+        return champsDuMoment(when);
+    if (refus.isValid() && refus.elapsed() < 2000)
+        return lues.value(when, champsDuMoment(when));
+    sqlite3 *poignee = config->base().poignee();
+    if (poignee)
+        sqlite3_busy_timeout(poignee, 200);
+    QString erreur;
+    const RegleMatch r = GetRegleForDate(*config, when, &erreur);
+    if (poignee)
+        sqlite3_busy_timeout(poignee, BaseSqlite::delaiOccupe());
+    if (!erreur.isEmpty()) {
+        refus.start();
+        return lues.value(when, r);
+    }
+    refus.invalidate();
+    if (lues.size() > 50000)
+        lues.clear();
+    lues.insert(when, r);
+    return r;
 }
 
 CouleurCellule CouleurCelluleJour(const QDateTime &debutCellule, bool selectionnee, quint32 couleurActuelle,

@@ -78,6 +78,11 @@ bool CreerBaseConfig(const QString &dossier, QString *erreur = nullptr);
 [[nodiscard]] RegleMatch GetRegleForDate(ConfigIni &config, const QDateTime &when, QString *erreur = nullptr);
 // The same on the configuration opened at start-up (ConfigOuverte).
 [[nodiscard]] RegleMatch GetRegleForDate(const QDateTime &when);
+// The rule of a cell being drawn. While another station holds Config.mdb
+// the lookup waits a fifth of a second, not the full busy time, and answers
+// the rule last read for that moment; after such a refusal the next two
+// seconds answer from what was read, so that a repaint never freezes.
+[[nodiscard]] RegleMatch GetRegleAffichee(const QDateTime &when);
 
 // The colour of a day-view cell, 0xBBGGRR: a selected cell keeps its
 // current colour; otherwise the pause (not on Sundays) greys it and a rule's

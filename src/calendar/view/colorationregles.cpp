@@ -19,7 +19,7 @@ void ColorerCelluleSelonRegles(DayViewCell &cell)
     if (cell.selected)
         return;
     const AppState &etat = appState();
-    const RegleMatch regle = GetRegleForDate(cell.begin);
+    const RegleMatch regle = GetRegleAffichee(cell.begin);
     const CouleurCellule c =
         CouleurCelluleJour(cell.begin, false, BGRDepuisCouleur(cell.background), regle, etat.PauseDebut, etat.PauseFin);
     if (c.modifiee)

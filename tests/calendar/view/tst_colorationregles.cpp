@@ -6,8 +6,12 @@
 #include "shell/base/config.h"
 #include "shell/base/horloge.h"
 
+#include <QElapsedTimer>
+#include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <sqlite3.h>
 
 // Day-view cells coloured by the schedule rules of a real Config.mdb: the
 // rule of the cell's begin gives the colour, the pause greys the cells of
@@ -160,6 +164,24 @@ private Q_SLOTS:
         QCOMPARE(pixel(lundi(12, 30).addDays(4)), QColor(198, 198, 198));
         // ShowDay selected the working day's begin of Wednesday.
         QCOMPARE(pixel(lundi(8, 0).addDays(2)), theme.selection);
+    }
+
+    // Another station holding Config.mdb: the drawing gets the colour last
+    // read at once instead of waiting the full busy time.
+    void configTenueParUnAutrePoste()
+    {
+        const QDateTime t = lundi(10, 0);
+        QCOMPARE(GetRegleAffichee(t).TypeColor, 0x00FF80);
+        sqlite3 *autre = nullptr;
+        QCOMPARE(sqlite3_open(QFile::encodeName(m_dir.path() + QStringLiteral("/Config.mdb")).constData(), &autre), SQLITE_OK);
+        QCOMPARE(sqlite3_exec(autre, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+        QElapsedTimer chrono;
+        chrono.start();
+        for (int i = 0; i < 50; ++i)
+            QCOMPARE(GetRegleAffichee(t).TypeColor, 0x00FF80);
+        QVERIFY2(chrono.elapsed() < 1500, qPrintable(QString::number(chrono.elapsed())));
+        sqlite3_exec(autre, "ROLLBACK", nullptr, nullptr, nullptr);
+        sqlite3_close(autre);
     }
 };
 
