@@ -3,7 +3,7 @@
 #include "calendar/lecturesserveur.h"
 #include "shell/base/prompt.h"
 
-providerMySQL::providerMySQL() = default;
+providerMySQL::providerMySQL() : ProviderOdbc(5) {}
 
 providerMySQL::~providerMySQL()
 {
@@ -14,52 +14,6 @@ QString providerMySQL::TexteEchecOuverture(const QString &driverText)
 {
     // "SQL Server" and no colon: these are the words this box has always had.
     return QStringLiteral("Cannot open SQL Server DB") + driverText;
-}
-
-void providerMySQL::OpenDB(const QString &connection)
-{
-    CloseDB();
-    const std::optional<QString> dsn = SQLDataHelper::GetDSN(connection);
-    if (!dsn) {
-        Prompt::informer(QStringLiteral("Agenda"), TexteEchecOuverture(QStringLiteral("chaîne de connexion trop courte")),
-                         Prompt::Icone::Aucune);
-        return;
-    }
-    if (!m_connexion.ouvrir(*dsn)) {
-        Prompt::informer(QStringLiteral("Agenda"), TexteEchecOuverture(m_connexion.lastError()), Prompt::Icone::Aucune);
-        return;
-    }
-    m_bOpened = true;
-}
-
-void providerMySQL::CloseDB()
-{
-    if (!m_bOpened)
-        return;
-    m_connexion.fermer();
-    m_bOpened = false;
-}
-
-void providerMySQL::DoRetrieveDayEvents(const QDate &day, QList<CalendarEventPtr> &events)
-{
-    if (m_bOpened)
-        LecturesServeur::RetrieveDayEvents(m_helper, m_connexion, day, events);
-}
-
-CalendarEventPtr providerMySQL::DoReadEvent(int eventId)
-{
-    return m_bOpened ? LecturesServeur::ReadEvent(m_helper, m_connexion, eventId) : CalendarEventPtr();
-}
-
-CalendarRecurrencePatternPtr providerMySQL::DoReadRPattern(int patternId)
-{
-    return m_bOpened ? LecturesServeur::ReadRPattern(m_helper, m_connexion, patternId) : CalendarRecurrencePatternPtr();
-}
-
-void providerMySQL::DoGetUpcomingEvents(const QDateTime &start, int minutes, QList<CalendarEventPtr> &events, const QDateTime &)
-{
-    if (m_bOpened)
-        LecturesServeur::GetUpcomingEvents(m_helper, m_connexion, 5 /* MySQL */, start, minutes, events);
 }
 
 bool providerMySQL::DoCreateEvent(const CalendarEvent &event, int &newEventId)

@@ -12,7 +12,7 @@ const QString kPatterns = QStringLiteral("CalendarRecurrencePatterns");
 
 } // namespace
 
-providerSQLServer::providerSQLServer() = default;
+providerSQLServer::providerSQLServer() : ProviderOdbc(4) {}
 
 providerSQLServer::~providerSQLServer()
 {
@@ -22,53 +22,6 @@ providerSQLServer::~providerSQLServer()
 QString providerSQLServer::TexteEchecOuverture(const QString &driverText)
 {
     return QStringLiteral("Cannot open SQL Server DB: ") + driverText;
-}
-
-void providerSQLServer::OpenDB(const QString &connection)
-{
-    CloseDB();
-    const std::optional<QString> dsn = SQLDataHelper::GetDSN(connection);
-    if (!dsn) {
-        Prompt::informer(QStringLiteral("Agenda"), TexteEchecOuverture(QStringLiteral("chaîne de connexion trop courte")),
-                         Prompt::Icone::Aucune);
-        return;
-    }
-    if (!m_connexion.ouvrir(*dsn)) {
-        Prompt::informer(QStringLiteral("Agenda"), TexteEchecOuverture(m_connexion.lastError()), Prompt::Icone::Aucune);
-        return;
-    }
-    m_bOpened = true;
-}
-
-void providerSQLServer::CloseDB()
-{
-    if (!m_bOpened)
-        return;
-    m_connexion.fermer();
-    m_bOpened = false;
-}
-
-void providerSQLServer::DoRetrieveDayEvents(const QDate &day, QList<CalendarEventPtr> &events)
-{
-    if (m_bOpened)
-        LecturesServeur::RetrieveDayEvents(m_helper, m_connexion, day, events);
-}
-
-CalendarEventPtr providerSQLServer::DoReadEvent(int eventId)
-{
-    return m_bOpened ? LecturesServeur::ReadEvent(m_helper, m_connexion, eventId) : CalendarEventPtr();
-}
-
-CalendarRecurrencePatternPtr providerSQLServer::DoReadRPattern(int patternId)
-{
-    return m_bOpened ? LecturesServeur::ReadRPattern(m_helper, m_connexion, patternId) : CalendarRecurrencePatternPtr();
-}
-
-void providerSQLServer::DoGetUpcomingEvents(const QDateTime &start, int minutes, QList<CalendarEventPtr> &events,
-                                            const QDateTime &)
-{
-    if (m_bOpened)
-        LecturesServeur::GetUpcomingEvents(m_helper, m_connexion, 4 /* SQL Server */, start, minutes, events);
 }
 
 // One row written through a row set inside a transaction. A failure leaves
