@@ -22,7 +22,10 @@ class tst_postespartages : public QObject
 
     static int compter(const QString &fichier, const QString &sql)
     {
-        auto base = BaseSqlite::ouvrir(fichier, BaseSqlite::Mode::Lecture);
+        // Read-write, as a station opens it: a killed writer's journal is
+        // rolled back by the next one that reads, which a read-only
+        // connection cannot do.
+        auto base = BaseSqlite::ouvrir(fichier, BaseSqlite::Mode::Existante);
         QSqlQuery q(base ? base->db() : QSqlDatabase());
         return base && q.exec(sql) && q.next() ? q.value(0).toInt() : -1;
     }
