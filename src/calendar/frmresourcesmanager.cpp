@@ -371,13 +371,7 @@ void frmResourcesManager::supprimerPlanning()
         return;
     const QString question = QuestionSuppressionPlanning(lstSchedules->currentItem()->text(), provider->CountScheduleEvents(cle));
     if (!question.isEmpty()) {
-        Prompt::Message m;
-        m.titre = QStringLiteral("Agenda");
-        m.texte = question;
-        m.icone = Prompt::Icone::Question;
-        m.boutons = Prompt::Boutons::OuiNon;
-        m.parDefaut = Prompt::Reponse::Non;
-        if (Prompt::demander(m) != Prompt::Reponse::Oui)
+        if (!Prompt::confirmer(QStringLiteral("Agenda"), question, Prompt::Reponse::Non))
             return;
     }
     if (const QString refus = SupprimerPlanning(*provider, cle); !refus.isEmpty()) {

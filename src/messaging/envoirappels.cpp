@@ -88,13 +88,8 @@ void EnvoiRappels::demarrer(int lignes)
         return;
     }
     emit statut(QString());
-    Prompt::Message question;
-    question.titre = QStringLiteral("Envoi...");
-    question.texte = QStringLiteral("Êtes-vous sur de vouloir envoyer tous les rappels ? ");
-    question.icone = Prompt::Icone::Question;
-    question.boutons = Prompt::Boutons::OuiNon;
-    question.parDefaut = Prompt::Reponse::Oui;
-    if (Prompt::demander(question) != Prompt::Reponse::Oui)
+    if (!Prompt::confirmer(QStringLiteral("Envoi..."), QStringLiteral("Êtes-vous sur de vouloir envoyer tous les rappels ? "),
+                           Prompt::Reponse::Oui))
         return;
 
     m_etape = Etape::InitModem;

@@ -27,17 +27,6 @@ T *nomme(T *objet, const char *nom)
     return objet;
 }
 
-bool confirmer(const QString &titre, const QString &texte)
-{
-    Prompt::Message question;
-    question.titre = titre;
-    question.texte = texte;
-    question.icone = Prompt::Icone::Question;
-    question.boutons = Prompt::Boutons::OuiNon;
-    question.parDefaut = Prompt::Reponse::Oui;
-    return Prompt::demander(question) == Prompt::Reponse::Oui;
-}
-
 } // namespace
 
 // --- Both windows ----------------------------------------------------------
@@ -301,8 +290,10 @@ void frmReminderSMS::finEnvoi()
 
 void frmReminderSMS::repousser()
 {
-    if (!confirmer(QStringLiteral("Snooze..."), QStringLiteral("Êtes-vous sur de vouloir repousser tous les rappels de ")
-                                                    + cmbSnooze->currentText() + QStringLiteral("? ")))
+    if (!Prompt::confirmer(QStringLiteral("Snooze..."),
+                           QStringLiteral("Êtes-vous sur de vouloir repousser tous les rappels de ") + cmbSnooze->currentText()
+                               + QStringLiteral("? "),
+                           Prompt::Reponse::Oui))
         return;
     const int minutes = MinutesRepos(cmbSnooze->currentText());
     for (int n = m_moteur.Count(); n > 0 && m_moteur.Count() > 0; --n)
@@ -312,7 +303,7 @@ void frmReminderSMS::repousser()
 
 void frmReminderSMS::rejeterTous()
 {
-    if (confirmer(QStringLiteral("rejeter les rappels"),
-                  QStringLiteral("Êtes-vous sur de vouloir rejeter tous les rappels affichés ? ")))
+    if (Prompt::confirmer(QStringLiteral("rejeter les rappels"),
+                          QStringLiteral("Êtes-vous sur de vouloir rejeter tous les rappels affichés ? "), Prompt::Reponse::Oui))
         m_moteur.DismissAll();
 }

@@ -658,10 +658,8 @@ void frmSettings::supprimerRegle()
     const qint32 compteur = regleCourante();
     if (grdRegles->rowCount() == 0 || compteur == 0)
         return;
-    const Prompt::Reponse r = Prompt::demander({QStringLiteral("Supprimer une règle"),
-                                                QStringLiteral("Êtes-vous sur de vouloir supprimer la règle sélectionnée ? "),
-                                                Prompt::Icone::Question, Prompt::Boutons::OuiNon, Prompt::Reponse::Non});
-    if (r != Prompt::Reponse::Oui)
+    if (!Prompt::confirmer(QStringLiteral("Supprimer une règle"),
+                           QStringLiteral("Êtes-vous sur de vouloir supprimer la règle sélectionnée ? "), Prompt::Reponse::Non))
         return;
     QString erreur;
     if (!SupprimerRegle(*ConfigOuverte(), compteur, &erreur))

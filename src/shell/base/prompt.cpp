@@ -37,6 +37,11 @@ Reponse demander(const Message &m)
     return courant().message(m);
 }
 
+bool confirmer(const QString &titre, const QString &texte, Reponse parDefaut)
+{
+    return demander(Message{titre, texte, Icone::Question, Boutons::OuiNon, parDefaut}) == Reponse::Oui;
+}
+
 void informer(const QString &titre, const QString &texte, Icone icone)
 {
     courant().message(Message{titre, texte, icone, Boutons::Ok, Reponse::Ok});

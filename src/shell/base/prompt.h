@@ -57,6 +57,8 @@ void installer(Repondeur *repondeur);
 [[nodiscard]] Repondeur &courant();
 
 Reponse demander(const Message &m);
+// A Yes/No question with its default button; true on Yes.
+bool confirmer(const QString &titre, const QString &texte, Reponse parDefaut);
 // A box with the single button OK.
 void informer(const QString &titre, const QString &texte, Icone icone = Icone::Information);
 QString choisirFichier(const ChoixFichier &choix);

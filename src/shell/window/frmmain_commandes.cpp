@@ -19,22 +19,6 @@
 #include <QMenu>
 #include <QTimer>
 
-namespace {
-
-// A Yes/No question whose default is No; true on Yes.
-bool confirmerSuppression(const QString &titre, const QString &texte)
-{
-    Prompt::Message question;
-    question.titre = titre;
-    question.texte = texte;
-    question.icone = Prompt::Icone::Question;
-    question.boutons = Prompt::Boutons::OuiNon;
-    question.parDefaut = Prompt::Reponse::Non;
-    return Prompt::demander(question) == Prompt::Reponse::Oui;
-}
-
-} // namespace
-
 // --- Clicks on the calendar ----------------------------------------------
 
 void frmMain::doubleClic(const CalendarHit &hit)
@@ -153,8 +137,8 @@ void frmMain::supprimerEvenementCible()
     const CalendarEventPtr evenement = m_evenementCible;
     if (!evenement)
         return;
-    if (!confirmerSuppression(QStringLiteral("Supprimer un Rendez-Vous"),
-                              QStringLiteral("Êtes-vous sûr de vouloir supprimer ce Rendez-Vous ? ")))
+    if (!Prompt::confirmer(QStringLiteral("Supprimer un Rendez-Vous"),
+                              QStringLiteral("Êtes-vous sûr de vouloir supprimer ce Rendez-Vous ? "), Prompt::Reponse::Non))
         return;
 
     CalendarDataProvider *fournisseur = CalendarControl->dataProvider();
@@ -204,8 +188,8 @@ bool frmMain::confirmerOperation(int operation) const
 {
     if (operation != OpDeleteSelected && operation != OpDeleteEvent)
         return true;
-    return confirmerSuppression(QStringLiteral("Suppression..."),
-                                QStringLiteral("Êtes vous sûr de vouloir supprimer ce ou ces rendez-vous ? "));
+    return Prompt::confirmer(QStringLiteral("Suppression..."),
+                                QStringLiteral("Êtes vous sûr de vouloir supprimer ce ou ces rendez-vous ? "), Prompt::Reponse::Non);
 }
 
 // --- Reminders -------------------------------------------------------------
