@@ -3,12 +3,13 @@
 // every print follows. Prints the figures; not a test.
 //
 //   bench_impression [runs]
-//   bench_impression --demo DOSSIER PREFIXE
+//   bench_impression --demo DOSSIER PREFIXE [YYYY-MM-DD]
 //
 // BENCH_DOSSIER keeps the book in a folder of one's choice (filled once,
-// reused by the next runs). --demo prints the three kinds of pages of a
-// demonstration agenda (tavonel-admin demo DOSSIER) through the print
-// command to PREFIXE-semaine-de-travail.pdf, -semaine.pdf and -mois.pdf.
+// reused by the next runs). --demo prints the four kinds of pages of a
+// demonstration agenda (tavonel-admin demo DOSSIER) around a day through the
+// print command to PREFIXE-jour.pdf, -semaine-de-travail.pdf, -semaine.pdf
+// and -mois.pdf, each with the view on screen beside it as a PNG.
 #include "calendar/calendardataprovider.h"
 #include "calendar/openprovider.h"
 #include "calendar/view/calendarview.h"
@@ -67,12 +68,12 @@ void remplir(CalendarDataProvider &p)
 }
 
 // The demonstration agenda started as the program starts agenda 1, its
-// three kinds of pages printed through the print command (the preview
-// closed at once).
-int demo(const QString &dossier, const QString &prefixe)
+// kinds of pages printed through the print command (the preview closed at
+// once), each beside a PNG of the view as a 1366x768 screen shows it.
+int demo(const QString &dossier, const QString &prefixe, const QDate &jour)
 {
     qputenv("TAVONEL_PROGRAM_DIR", dossier.toLocal8Bit());
-    Horloge::Fixee horloge(QDateTime(QDate(2026, 11, 25), QTime(18, 30)));
+    Horloge::Fixee horloge(QDateTime(jour, QTime(18, 30)));
     Demarrage demarrage(appState(), dossier);
     ParametresFenetre parametres;
     if (demarrage.initialiser(EncoderArgument(QStringLiteral("1"))) || demarrage.charger(parametres)) {
@@ -87,7 +88,9 @@ int demo(const QString &dossier, const QString &prefixe)
     vue->setCellPainter(&ColorerCelluleSelonRegles);
     ImpressionAgenda impression(*vue, parametres, nullptr);
     ExecuteurInstalle sansFenetre([](QDialog &) { return 0; });
-    const std::pair<CalendarViewType, const char *> pages[] = {
+    fenetre.resize(1366, 768);
+    vue->resize(fenetre.size());
+    const std::pair<CalendarViewType, const char *> pages[] = {{CalendarViewType::Day, "jour"},
         {CalendarViewType::WorkWeek, "semaine-de-travail"}, {CalendarViewType::Week, "semaine"}, {CalendarViewType::Month, "mois"}};
     for (const auto &[type, nom] : pages) {
         impression.imprimante().setOutputFileName(prefixe + u'-' + QLatin1String(nom) + QStringLiteral(".pdf"));
@@ -96,6 +99,7 @@ int demo(const QString &dossier, const QString &prefixe)
         vue->ShowDay(Horloge::aujourdhui());
         vue->Populate();
         impression.imprimer();
+        vue->grab().save(prefixe + u'-' + QLatin1String(nom) + QStringLiteral(".png"));
         std::printf("%s : %lld rendez-vous -> %s\n", nom, static_cast<long long>(vue->shownEvents().size()),
                     qPrintable(impression.imprimante().outputFileName()));
     }
@@ -113,8 +117,8 @@ int main(int argc, char **argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
-    if (args.size() == 4 && args.at(1) == u"--demo")
-        return demo(args.at(2), args.at(3));
+    if ((args.size() == 4 || args.size() == 5) && args.at(1) == u"--demo")
+        return demo(args.at(2), args.at(3), args.size() == 5 ? QDate::fromString(args.at(4), Qt::ISODate) : QDate(2026, 11, 25));
     const int essais = args.size() > 1 ? std::max(1, args.at(1).toInt()) : 20;
 
     QTemporaryDir temporaire;

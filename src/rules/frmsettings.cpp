@@ -8,6 +8,7 @@
 #include "rules/regles.h"
 #include "shell/appstate.h"
 #include "shell/base/config.h"
+#include "shell/base/joursferies.h"
 #include "shell/base/modal.h"
 #include "shell/base/nombres.h"
 #include "shell/base/prompt.h"
@@ -108,6 +109,9 @@ QWidget *frmSettings::ongletGeneral()
     fh->addRow(QStringLiteral("Début de la pause :"), cbDebutPause);
     fh->addRow(QStringLiteral("Fin de la pause :"), cbFinPause);
     fh->addRow(QStringLiteral("Durée d'un rendez-vous :"), cmbRDVMn);
+    chkFeriesAlsaceMoselle = new QCheckBox(QStringLiteral("Jours fériés d'Alsace-Moselle (Vendredi saint, 26 décembre)"), heures);
+    chkFeriesAlsaceMoselle->setObjectName(QStringLiteral("chkFeriesAlsaceMoselle"));
+    fh->addRow(QString(), chkFeriesAlsaceMoselle);
 
     auto *praticiens = new QGroupBox(QStringLiteral("Praticiens"), page);
     auto *gp = new QGridLayout(praticiens);
@@ -430,6 +434,7 @@ void frmSettings::charger()
     if (duree < 0)
         cmbRDVMn->addItem(QStringLiteral("%1 minutes").arg(m_reglages.duree), m_reglages.duree);
     cmbRDVMn->setCurrentIndex(cmbRDVMn->findData(m_reglages.duree));
+    chkFeriesAlsaceMoselle->setChecked(m_reglages.feriesAlsaceMoselle);
     for (int p = 0; p < 2; ++p) {
         txtPraticien[p]->setText(m_reglages.noms[p]);
         txtInitiales[p]->setText(m_reglages.initiales[p]);
@@ -489,6 +494,7 @@ bool frmSettings::Enregistrer()
     m_reglages.pauseDebut = cbDebutPause->currentText();
     m_reglages.pauseFin = cbFinPause->currentText();
     m_reglages.duree = cmbRDVMn->currentData().toString();
+    m_reglages.feriesAlsaceMoselle = chkFeriesAlsaceMoselle->isChecked();
     for (int p = 0; p < 2; ++p) {
         m_reglages.noms[p] = txtPraticien[p]->text().trimmed();
         m_reglages.initiales[p] = txtInitiales[p]->text().trimmed();
@@ -528,6 +534,7 @@ void frmSettings::cmdOk_Click()
     etat.PauseDebut = m_reglages.pauseDebut;
     etat.PauseFin = m_reglages.pauseFin;
     etat.DureeDefaut = static_cast<qint16>(m_reglages.duree.toInt());
+    FixerFeriesAlsaceMoselle(m_reglages.feriesAlsaceMoselle);
     accept();
 }
 

@@ -46,6 +46,7 @@ public:
     QComboBox *cbDebutPause = nullptr;
     QComboBox *cbFinPause = nullptr;
     QComboBox *cmbRDVMn = nullptr;
+    QCheckBox *chkFeriesAlsaceMoselle = nullptr;
     std::array<QLineEdit *, 2> txtPraticien{};
     std::array<QLineEdit *, 2> txtInitiales{};
     std::array<QComboBox *, 2> Combo1{};    // colour families

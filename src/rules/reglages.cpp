@@ -35,6 +35,7 @@ ReglagesCabinet LireReglagesCabinet(const AppState &etat)
     r.pauseDebut = LireConfig(ouverture, QStringLiteral("PauseDebut"), r.pauseDebut);
     r.pauseFin = LireConfig(ouverture, QStringLiteral("PauseFin"), r.pauseFin);
     r.duree = LireConfig(QStringLiteral("RDV"), QStringLiteral("Duree"), QString());
+    r.feriesAlsaceMoselle = LireConfig(QStringLiteral("JoursFeries"), QStringLiteral("AlsaceMoselle"), QStringLiteral("0")) == u'1';
     for (int p = 0; p < 2; ++p) {
         r.noms[p] = LireConfig(sectionPraticien(p), QStringLiteral("Nom"), QString());
         r.initiales[p] = LireConfig(sectionPraticien(p), QStringLiteral("Initiales"), QString());
@@ -64,6 +65,7 @@ bool EcrireReglagesCabinet(ReglagesCabinet &r, QString *erreur)
         {ouverture, QStringLiteral("PauseDebut"), r.pauseDebut},
         {ouverture, QStringLiteral("PauseFin"), r.pauseFin},
         {QStringLiteral("RDV"), QStringLiteral("Duree"), r.duree},
+        {QStringLiteral("JoursFeries"), QStringLiteral("AlsaceMoselle"), r.feriesAlsaceMoselle ? QStringLiteral("1") : QStringLiteral("0")},
     };
     for (int p = 0; p < 2; ++p) {
         lignes.append({sectionPraticien(p), QStringLiteral("Nom"), r.noms[p]});

@@ -28,6 +28,7 @@ struct ReglagesCabinet
     QString pauseDebut = QStringLiteral("12:00:00");
     QString pauseFin = QStringLiteral("14:00:00");
     QString duree; // minutes, as text; empty when never set
+    bool feriesAlsaceMoselle = false; // Good Friday and 26 December as holidays
     std::array<QString, 2> noms;
     std::array<QString, 2> initiales;
     std::array<TypeRdvReglage, 7> types;

@@ -10,6 +10,7 @@
 #include "shell/appstate.h"
 #include "shell/base/basesqlite.h"
 #include "shell/base/config.h"
+#include "shell/base/joursferies.h"
 #include "shell/base/nombres.h"
 #include "shell/base/profilini.h"
 #include "shell/base/registre.h"
@@ -153,6 +154,8 @@ std::optional<QString> Demarrage::charger(ParametresFenetre &p)
 
     m_etat.PauseDebut = LireConfig(ouverture, QStringLiteral("PauseDebut"), QStringLiteral("12:00:00"));
     m_etat.PauseFin = LireConfig(ouverture, QStringLiteral("PauseFin"), QStringLiteral("14:00:00"));
+    FixerFeriesAlsaceMoselle(LireConfig(QStringLiteral("JoursFeries"), QStringLiteral("AlsaceMoselle"), QStringLiteral("0"))
+                             == QStringLiteral("1"));
 
     LireLiaisons(m_etat, agendaIni);
     return std::nullopt;

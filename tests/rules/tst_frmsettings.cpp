@@ -8,11 +8,13 @@
 #include "rules/regles.h"
 #include "shell/appstate.h"
 #include "shell/base/config.h"
+#include "shell/base/joursferies.h"
 #include "shell/base/modal.h"
 #include "shell/base/profilini.h"
 #include "support/dossiertest.h"
 #include "support/repondeurscripte.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
@@ -66,6 +68,7 @@ private slots:
         f.txtType[2]->clear();
         f.cbOuverture->setCurrentText(QStringLiteral("07:30:00"));
         f.cmbRDVMn->setCurrentIndex(f.cmbRDVMn->findData(QStringLiteral("20")));
+        f.chkFeriesAlsaceMoselle->setChecked(true);
 
         // A folder without a patient base is refused; one with it gives
         // its identifier.
@@ -127,6 +130,9 @@ private slots:
         QCOMPARE(LireConfig(QStringLiteral("RDVType5"), QStringLiteral("Couleur1"), QString()), QString::number(etat.Nuancier[25]));
         QCOMPARE(LireConfig(QStringLiteral("Ouverture"), QStringLiteral("Debut"), QString()), QStringLiteral("07:30:00"));
         QCOMPARE(LireConfig(QStringLiteral("RDV"), QStringLiteral("Duree"), QString()), QStringLiteral("20"));
+        QCOMPARE(LireConfig(QStringLiteral("JoursFeries"), QStringLiteral("AlsaceMoselle"), QString()) + NomJourFerie(QDate(2026, 12, 26)),
+                 QStringLiteral("1Saint-Étienne"));
+        FixerFeriesAlsaceMoselle(false);
         QCOMPARE(LireIni(QStringLiteral("Agenda"), QStringLiteral("Identity1"), QString(), d + QStringLiteral("Agenda.ini")),
                  QStringLiteral("CAB7"));
         QCOMPARE(f.libelles().size(), 18);

@@ -1,4 +1,5 @@
 #include "shell/base/horloge.h"
+#include "shell/base/joursferies.h"
 #include "shell/base/support.h"
 #include "support/fichierstest.h"
 #include "support/repondeurscripte.h"
@@ -169,6 +170,55 @@ private Q_SLOTS:
         }
         QCOMPARE(jours, 18628);
         QCOMPARE(JourSemaineDimanche1(QDate()), 0);
+    }
+
+    // --- Public holidays -----------------------------------------------------
+
+    void joursFeries_data()
+    {
+        QTest::addColumn<QDate>("date");
+        QTest::addColumn<bool>("alsaceMoselle");
+        QTest::addColumn<QString>("nom");
+        auto ligne = [](const char *n, QDate d, bool am, const char *nom) { QTest::newRow(n) << d << am << QString::fromUtf8(nom); };
+        // Easter Monday over four centuries, the earliest and latest Easters.
+        ligne("paques 1700", QDate(1700, 4, 12), false, "Lundi de Pâques");
+        ligne("paques 1818 la plus tôt", QDate(1818, 3, 23), false, "Lundi de Pâques");
+        ligne("paques 1943 la plus tard", QDate(1943, 4, 26), false, "Lundi de Pâques");
+        ligne("paques 2000", QDate(2000, 4, 24), false, "Lundi de Pâques");
+        ligne("paques 2100", QDate(2100, 3, 29), false, "Lundi de Pâques");
+        ligne("paques 2285", QDate(2285, 3, 23), false, "Lundi de Pâques");
+        ligne("dimanche de paques", QDate(2026, 4, 5), false, "");
+        ligne("ascension 2026", QDate(2026, 5, 14), false, "Ascension");
+        ligne("pentecote 2024", QDate(2024, 5, 20), false, "Lundi de Pentecôte");
+        ligne("ascension le 1er mai", QDate(2008, 5, 1), false, "Fête du Travail, Ascension");
+        ligne("jour de l'an", QDate(2027, 1, 1), false, "Jour de l'an");
+        ligne("8 mai", QDate(2026, 5, 8), false, "Victoire 1945");
+        ligne("14 juillet", QDate(2026, 7, 14), false, "Fête nationale");
+        ligne("veille du 14 juillet", QDate(2026, 7, 13), false, "");
+        ligne("15 aout", QDate(2026, 8, 15), false, "Assomption");
+        ligne("toussaint", QDate(2026, 11, 1), false, "Toussaint");
+        ligne("11 novembre", QDate(2026, 11, 11), false, "Armistice 1918");
+        ligne("noel", QDate(2026, 12, 25), false, "Noël");
+        ligne("26 decembre ailleurs", QDate(2026, 12, 26), false, "");
+        ligne("26 decembre alsace", QDate(2026, 12, 26), true, "Saint-Étienne");
+        ligne("vendredi saint ailleurs", QDate(2026, 4, 3), false, "");
+        ligne("vendredi saint alsace", QDate(2026, 4, 3), true, "Vendredi saint");
+        ligne("avant le calendrier gregorien", QDate(1500, 12, 25), false, "");
+    }
+
+    void joursFeries()
+    {
+        QFETCH(QDate, date);
+        QFETCH(bool, alsaceMoselle);
+        QFETCH(QString, nom);
+        QCOMPARE(NomJourFerie(date, alsaceMoselle), nom);
+        // The practice's own choice answers the same, and the warning names the day.
+        FixerFeriesAlsaceMoselle(alsaceMoselle);
+        QCOMPARE(NomJourFerie(date), nom);
+        QCOMPARE(AvertissementJourFerie(date).contains(nom), true);
+        QCOMPARE(AvertissementJourFerie(date).isEmpty(), nom.isEmpty());
+        FixerFeriesAlsaceMoselle(false);
+        QCOMPARE(JoursFeries(date.year(), alsaceMoselle).size(), date.year() < 1583 ? 0 : alsaceMoselle ? 13 : 11);
     }
 
     // --- System errors -----------------------------------------------------

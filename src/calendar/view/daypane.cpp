@@ -4,6 +4,7 @@
 #include "calendar/view/daylayout.h"
 #include "calendar/view/monthlayout.h"
 #include "shell/base/horloge.h"
+#include "shell/base/joursferies.h"
 #include "shell/base/prompt.h"
 #include "calendar/marqueheure.h"
 
@@ -52,11 +53,19 @@ bool inBand(const CalendarEventPtr &e)
 }
 
 // The day header in French, whatever the machine's language, shorter as the
-// column narrows.
-QString dayTitle(const QDate &day, const QFontMetrics &fm, int width)
+// column narrows. A public holiday's name follows the date while it fits.
+QString dayTitle(const QDate &day, const QFontMetrics &fm, int width, const QString &holiday = {})
 {
     // The long form first, then shorter ones as the column narrows.
-    for (const char *format : {"ddd, dd MMMM", "ddd dd MMM", "ddd d", "d/MM"}) {
+    const std::initializer_list<const char *> formats = {"ddd, dd MMMM", "ddd dd MMM", "ddd d", "d/MM"};
+    if (!holiday.isEmpty()) {
+        for (const char *format : formats) {
+            const QString text = calendarLocale().toString(day, QLatin1String(format)) + QStringLiteral(" – ") + holiday;
+            if (fm.horizontalAdvance(text) <= width)
+                return text;
+        }
+    }
+    for (const char *format : formats) {
         const QString text = calendarLocale().toString(day, QLatin1String(format));
         if (fm.horizontalAdvance(text) <= width)
             return text;
@@ -428,12 +437,13 @@ void DayPane::paintHeader(QPainter &p, const QRect &clip)
         const QRect r(columnLeft(d), 0, columnRight(d) - columnLeft(d), m_headerHeight);
         if (!r.intersects(clip))
             continue;
-        p.fillRect(r, m_days.at(d) == today ? t.todayHeaderBack : t.headerBack);
+        const QString holiday = NomJourFerie(m_days.at(d));
+        p.fillRect(r, m_days.at(d) == today ? t.todayHeaderBack : holiday.isEmpty() ? t.headerBack : t.holidayHeaderBack);
         p.setPen(t.gridLine);
         p.drawLine(r.topLeft(), r.bottomLeft());
         p.drawLine(r.bottomLeft(), r.bottomRight());
         p.setPen(t.headerText);
-        p.drawText(r.adjusted(4, 0, -4, 0), Qt::AlignCenter, dayTitle(m_days.at(d), fm, r.width() - 8));
+        p.drawText(r.adjusted(4, 0, -4, 0), Qt::AlignCenter, dayTitle(m_days.at(d), fm, r.width() - 8, holiday));
     }
 }
 

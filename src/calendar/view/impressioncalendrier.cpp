@@ -6,6 +6,7 @@
 #include "calendar/view/monthpane.h"
 #include "calendar/view/viewtypes.h"
 #include "calendar/view/weekpane.h"
+#include "shell/base/joursferies.h"
 
 #include <QFontMetricsF>
 #include <QPagedPaintDevice>
@@ -258,13 +259,19 @@ void Page::pageJours(const QRectF &corps, const QList<QDate> &jours, const Optio
     const QFontMetricsF fm(police(9, true), p.device());
     for (int d = 0; d < n; ++d) {
         const QRectF tete(colonne(d), corps.top(), colonne(d + 1) - colonne(d), kTeteJour * mm);
-        p.fillRect(tete, theme.headerBack);
+        const QString ferie = NomJourFerie(jours[d]);
+        p.fillRect(tete, ferie.isEmpty() ? theme.headerBack : theme.holidayHeaderBack);
         p.fillRect(QRectF(tete.left(), tete.bottom(), tete.width(), hautBande), theme.allDayBand);
-        QString titre = WeekPane::headerText(jours[d]);
-        for (const char *court : {"ddd dd MMM", "ddd d", "d/MM"}) {
+        // A public holiday's name follows the date while it fits.
+        QString titre;
+        for (const QString &suite : {ferie.isEmpty() ? QString() : QStringLiteral(" – ") + ferie, QString()}) {
+            for (const char *format : {"ddd, dd MMMM", "ddd dd MMM", "ddd d", "d/MM"}) {
+                titre = calendarLocale().toString(jours[d], QLatin1String(format)) + suite;
+                if (fm.horizontalAdvance(titre) <= tete.width() - 2 * mm)
+                    break;
+            }
             if (fm.horizontalAdvance(titre) <= tete.width() - 2 * mm)
                 break;
-            titre = calendarLocale().toString(jours[d], QLatin1String(court));
         }
         p.setFont(police(9, true));
         p.setPen(theme.headerText);
@@ -345,7 +352,8 @@ void Page::boites(const QList<Boite> &boites, int parRangee, const DayBoxTimes &
     for (int i = 0; i < boites.size(); ++i) {
         const Boite &b = boites[i];
         p.fillRect(b.cadre, b.autreMois ? theme.monthOtherMonth : theme.workingHours);
-        p.fillRect(b.tete, theme.headerBack);
+        const QString ferie = NomJourFerie(b.jour);
+        p.fillRect(b.tete, ferie.isEmpty() ? theme.headerBack : theme.holidayHeaderBack);
         QColor encre = theme.headerText;
         if (b.autreMois)
             encre = encre.lighter(190);
@@ -353,10 +361,14 @@ void Page::boites(const QList<Boite> &boites, int parRangee, const DayBoxTimes &
         p.setFont(police(8.5, !b.autreMois));
         const QRectF ligne = b.tete.adjusted(1.2 * mm, 0, -1.2 * mm, 0);
         ligneSimple(p, ligne, b.titre, coteDate);
-        if (mise[i].overflow > 0) {
-            p.setFont(police(8, true));
+        const double largeurDate = QFontMetricsF(p.font(), p.device()).horizontalAdvance(b.titre) + 2 * mm;
+        QString autre = ferie;
+        if (mise[i].overflow > 0)
+            autre += (autre.isEmpty() ? QString() : QStringLiteral(" ")) + QStringLiteral("+%1").arg(mise[i].overflow);
+        if (!autre.isEmpty()) {
+            p.setFont(police(8, mise[i].overflow > 0 && ferie.isEmpty()));
             p.drawText(ligne, Qt::AlignVCenter | (coteDate & Qt::AlignRight ? Qt::AlignLeft : Qt::AlignRight),
-                       QStringLiteral("+%1").arg(mise[i].overflow));
+                       QFontMetricsF(p.font(), p.device()).elidedText(autre, Qt::ElideMiddle, std::max(0.0, ligne.width() - largeurDate)));
         }
         p.setPen(trait(theme.gridLine.darker(130)));
         p.drawLine(QLineF(b.tete.bottomLeft(), b.tete.bottomRight()));

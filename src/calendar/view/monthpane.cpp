@@ -2,6 +2,7 @@
 
 #include "calendar/view/calendarview.h"
 #include "shell/base/horloge.h"
+#include "shell/base/joursferies.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -64,11 +65,15 @@ void DayBoxPane::paintBox(QPainter &p, const Box &b, const QColor &back, const Q
     const bool today = b.day == Horloge::aujourdhui();
     // A selected day is tinted, and its date line takes the selection colour.
     p.fillRect(b.rect, selected ? blend(back, theme.selection, 0.22) : back);
+    // A public holiday is tinted and named on the side away from the date.
+    const QString holiday = NomJourFerie(b.day);
     QColor head = headerBack;
     if (selected)
         head = theme.selection;
     else if (today)
         head = theme.todayHeaderBack;
+    else if (!holiday.isEmpty())
+        head = theme.holidayHeaderBack;
     if (head.isValid())
         p.fillRect(b.header, head);
     QFont f = font();
@@ -80,10 +85,13 @@ void DayBoxPane::paintBox(QPainter &p, const Box &b, const QColor &back, const Q
     p.setPen(text);
     const QRect line = b.header.adjusted(5, 0, -5, 0);
     p.drawText(line, Qt::AlignVCenter | dateSide, QFontMetrics(f).elidedText(b.headerText, Qt::ElideRight, line.width()));
+    const int dateWidth = QFontMetrics(f).horizontalAdvance(b.headerText) + 8;
     p.setFont(font());
-    if (!more.isEmpty()) {
+    const QString other = holiday.isEmpty() ? more : more.isEmpty() ? holiday : holiday + u' ' + more;
+    if (!other.isEmpty()) {
         p.setPen(head.isValid() ? textOn(head, theme.eventBorder) : theme.eventBorder);
-        p.drawText(line, Qt::AlignVCenter | (dateSide & Qt::AlignRight ? Qt::AlignLeft : Qt::AlignRight), more);
+        p.drawText(line, Qt::AlignVCenter | (dateSide & Qt::AlignRight ? Qt::AlignLeft : Qt::AlignRight),
+                   fontMetrics().elidedText(other, Qt::ElideMiddle, std::max(0, line.width() - dateWidth)));
     }
 }
 

@@ -13,6 +13,7 @@ CalendarTheme CalendarTheme::forNumber(int number)
 {
     CalendarTheme t;
     t.number = std::clamp(number, 0, 3);
+    t.holidayHeaderBack = QColor(246, 190, 178);
     switch (t.number) {
     case 0: // classic grey and navy
         t.window = QColor(212, 208, 200);

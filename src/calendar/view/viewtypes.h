@@ -95,6 +95,7 @@ struct CalendarTheme
     QColor eventBorder;
     QColor eventText;
     QColor monthOtherMonth;  // month days outside the shown month
+    QColor holidayHeaderBack; // day header of a public holiday, in every theme
 
     [[nodiscard]] static CalendarTheme forNumber(int number);
 };
