@@ -1,13 +1,16 @@
 // Times the embedded calendar store on a book of ten years: 100,000
-// appointments and 500 series. Prints the figures; not a test.
+// appointments and 500 series, and the search of the next free slot on it
+// beside the work-week read. Prints the figures; not a test.
 //
 //   bench_calendar [runs]
+#include "appointments/prochaincreneau.h"
 #include "calendar/calendardataprovider.h"
 #include "calendar/openprovider.h"
 #include "calendar/recurrenceexpander.h"
 #include "calendar/reminderengine.h"
 #include "calendar/sqlitecalendarstore.h"
 #include "shell/base/basesqlite.h"
+#include "shell/base/config.h"
 #include "shell/base/horloge.h"
 
 #include <QCoreApplication>
@@ -23,6 +26,7 @@
 #include <cstdio>
 #include <memory>
 #include <thread>
+#include <tuple>
 
 namespace {
 
@@ -276,6 +280,57 @@ int main(int argc, char *argv[])
     std::printf("  bare query through Qt                          warm %.3f ms\n", ms(nuQt) / lectures);
     std::printf("  ratio provider / bare    cold %.2fx     warm %.2fx (%.2fx of the Qt one)\n", double(froid) / double(nuFroid),
                 double(chaud) / double(nuChaud), double(chaud) / double(nuQt));
+
+    // The next free slot of practitioner 1 from each of those Mondays, with
+    // the working week of a practice in Config.mdb (practitioner 1 mornings
+    // and afternoons, practitioner 2 on Wednesday afternoon), beside the
+    // warm work-week read of the same run.
+    QString erreur;
+    if (!QFile::exists(chemin + QStringLiteral("/Config.mdb")) && !CreerBaseConfig(chemin + u'/', &erreur)) {
+        std::fprintf(stderr, "Config.mdb : %s\n", qPrintable(erreur));
+        return 1;
+    }
+    const auto config = ConfigIni::ouvrir(chemin + QStringLiteral("/Config.mdb"), &erreur);
+    if (!config) {
+        std::fprintf(stderr, "Config.mdb : %s\n", qPrintable(erreur));
+        return 1;
+    }
+    if (ListerRegles(*config, 2).isEmpty()) {
+        for (int jour = 2; jour <= 6; ++jour) {
+            for (const auto &[debut, fin, praticien] : {std::tuple{QTime(8, 0), QTime(12, 0), 1}, std::tuple{QTime(14, 0), QTime(19, 0), jour == 4 ? 2 : 1}}) {
+                Regle r;
+                r.DateDebut = kDebut;
+                r.DateFin = kFin;
+                r.HeureDebut = debut;
+                r.HeureFin = fin;
+                r.JourNumero = static_cast<qint16>(jour);
+                r.PraticienNumero = static_cast<qint16>(praticien);
+                (void)AjouterRegle(*config, r);
+            }
+        }
+    }
+    qint64 creneau = 0;
+    qint64 pire = 0;
+    qint64 joursDevant = 0;
+    for (int tour = 0; tour < 5; ++tour) {
+        for (const QDate &lundi : lundis) {
+            DemandeCreneau d;
+            d.praticien = static_cast<qint16>(1 + (tour % 2));
+            d.depuis = QDateTime(lundi, QTime(8, 0));
+            d.pauseDebut = QTime(12, 0);
+            d.pauseFin = QTime(14, 0);
+            t.restart();
+            const ResultatCreneau r = ProchainCreneauLibre(*config, *p, d);
+            const qint64 duree = t.nsecsElapsed();
+            creneau += duree;
+            pire = std::max(pire, duree);
+            joursDevant += r.trouve() ? lundi.daysTo(r.debut.date()) : d.horizonJours;
+        }
+    }
+    std::printf("next free slot (15 min, practitioners 1 and 2 in turn), %d searches: %.3f ms each, worst %.3f ms, "
+                "found %.1f days ahead on average\n",
+                lectures, ms(creneau) / lectures, ms(pire), double(joursDevant) / lectures);
+    std::printf("  anchor: provider RetrieveEvents of a work week, warm %.3f ms\n", ms(chaud) / lectures);
 
     // One reminder poll at "now", on a watch that has already fired what was
     // due (the steady state), and the first poll of a start.

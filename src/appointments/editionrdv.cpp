@@ -286,6 +286,21 @@ void LibererReservations()
     q.exec();
 }
 
+void LibererPlage(const QDateTime &debut)
+{
+    const auto config = ConfigOuverte();
+    if (!config)
+        return;
+    QSqlQuery q(config->base().db());
+    q.prepare(QStringLiteral("DELETE FROM Ini WHERE Section = ? AND ((Item = ? AND Valeur = ?) OR (Item = ? AND Valeur LIKE ?))"));
+    q.addBindValue(TexteDateHeureDefaut(debut));
+    q.addBindValue(QStringLiteral("Réservation"));
+    q.addBindValue(ValeurReservation());
+    q.addBindValue(ItemVeilleReservation);
+    q.addBindValue(motifExact(prefixeVeille()) + u'*');
+    q.exec();
+}
+
 QString TitreEchecEnregistrement()
 {
     return QStringLiteral("Rendez-vous non enregistré");

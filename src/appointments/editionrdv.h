@@ -82,6 +82,8 @@ enum class ControleDate { Aucun, DateDebut, HeureDebut, DateFin, HeureFin };
 [[nodiscard]] QString TextePlageReservee(const QString &valeur);
 // Removes every reservation of this station, whatever its slot.
 void LibererReservations();
+// Removes this station's reservation of one slot (another's stays).
+void LibererPlage(const QDateTime &debut);
 
 // A reservation names its station for the message; beside it, in the same
 // section, item "Réservation.Veille" says who holds it and since when it

@@ -3,6 +3,7 @@
 #include "appointments/frmcustomeventproperties.h"
 #include "appointments/frmeditrecurrence.h"
 #include "appointments/impressionticket.h"
+#include "appointments/prochaincreneau.h"
 #include "calendar/calendardataprovider.h"
 #include "calendar/view/colorationregles.h"
 #include "messaging/gsmmodem.h"
@@ -16,6 +17,7 @@
 #include "shell/appstate.h"
 #include "shell/base/config.h"
 #include "shell/base/horloge.h"
+#include "shell/base/joursferies.h"
 #include "shell/base/nombres.h"
 #include "shell/base/prompt.h"
 #include "shell/base/support.h"
@@ -240,6 +242,20 @@ void frmEditEvent::construire()
     grilleRdv->addWidget(chkAllDayEvent, 1, 2, 1, 2);
     grilleRdv->addWidget(lblEndDate, 2, 0);
     grilleRdv->addLayout(fin, 2, 1);
+    btnProchainCreneau = new QPushButton(QStringLiteral("Prochain &créneau libre"), groupeRdv);
+    btnProchainCreneau->setObjectName(QStringLiteral("btnProchainCreneau"));
+    btnProchainCreneau->setAutoDefault(false);
+    btnProchainCreneau->setToolTip(QStringLiteral(
+        "Place le rendez-vous au premier créneau libre du praticien et du type choisis (libellé), à partir du jour "
+        "affiché, d'après le planning, avec la durée par défaut. Ce qui est saisi est gardé ; Annuler revient en arrière."));
+    grilleRdv->addWidget(btnProchainCreneau, 2, 2, 1, 2, Qt::AlignLeft);
+    lblFerie = new QLabel(groupeRdv);
+    lblFerie->setObjectName(QStringLiteral("lblFerie"));
+    QPalette orange = lblFerie->palette();
+    orange.setColor(QPalette::WindowText, QColor(0xB0, 0x40, 0x00));
+    lblFerie->setPalette(orange);
+    lblFerie->setVisible(false);
+    grilleRdv->addWidget(lblFerie, 8, 1, 1, 3);
 
     cmbLabel = new QComboBox(groupeRdv);
     cmbLabel->setObjectName(QStringLiteral("cmbLabel"));
@@ -380,6 +396,8 @@ void frmEditEvent::construire()
     connect(chkAllDayEvent, &QCheckBox::toggled, this, &frmEditEvent::appliquerJourEntier);
     connect(chkReminder, &QCheckBox::toggled, cmbReminder, &QWidget::setEnabled);
     connect(cmbLabel, &QComboBox::currentIndexChanged, this, &frmEditEvent::majCouleurLibelle);
+    connect(btnProchainCreneau, &QPushButton::clicked, this, &frmEditEvent::prochainCreneau);
+    connect(cmbStartDate, &QComboBox::editTextChanged, this, &frmEditEvent::majFerie);
     connect(cmbEndTime, &QComboBox::activated, this,
             [this](int index) { cmbEndTime->setEditText(HeureDeLibelleFin(cmbEndTime->itemText(index))); });
     connect(txtBody[ChampRdv::DateNaissance], &QLineEdit::textChanged, this, &frmEditEvent::majAge);
@@ -477,7 +495,12 @@ void frmEditEvent::SetStartEnd(const QDateTime &start, const QDateTime &end, boo
         return;
     }
     m_bSlotReserved = false;
+    m_debutReserve = start;
+    remplirDates(start, end, allDay);
+}
 
+void frmEditEvent::remplirDates(const QDateTime &start, const QDateTime &end, bool allDay)
+{
     const DatesAffichees dates = AfficherDates(start, end, allDay);
     cmbStartTime->clear();
     cmbStartTime->addItems(ListeHeuresDebut());
@@ -569,7 +592,7 @@ void frmEditEvent::appliquerVisibiliteDates()
     // A master's dates are those of its series.
     const bool visibles = !m_pEditedEvent || m_pEditedEvent->RecurrenceState() != CalendarEvent::Master;
     for (QWidget *w : std::initializer_list<QWidget *>{lblStartDate, lblEndDate, cmbStartDate, cmbStartTime, cmbEndDate,
-                                                        cmbEndTime, chkAllDayEvent})
+                                                        cmbEndTime, chkAllDayEvent, btnProchainCreneau})
         w->setVisible(visibles);
     if (visibles)
         appliquerJourEntier();
@@ -580,6 +603,7 @@ void frmEditEvent::appliquerJourEntier()
     const bool jourEntier = chkAllDayEvent->isChecked();
     cmbStartTime->setVisible(!jourEntier);
     cmbEndTime->setVisible(!jourEntier);
+    btnProchainCreneau->setEnabled(!jourEntier);
 }
 
 DatesAffichees frmEditEvent::datesAffichees() const
@@ -866,6 +890,67 @@ void frmEditEvent::proprietes()
         return;
     if (EditerProprietesPersonnalisees(m_pEditedEvent, this))
         txtMarkupText->setPlainText(m_pEditedEvent->CustomProperties().GetProperty(EntreeMarkup).toString());
+}
+
+void frmEditEvent::prochainCreneau()
+{
+    // The label names the practitioner (its first eight entries are those
+    // of practitioner 1, the next eight of practitioner 2) and the type.
+    const int libelle = cmbLabel->currentData().toInt();
+    const AppState &etat = appState();
+    DemandeCreneau demande;
+    demande.praticien = static_cast<qint16>(libelle >= 0 && libelle < 8 ? 1 : libelle >= 8 && libelle < 16 ? 2 : 0);
+    demande.typeRV = static_cast<qint16>(libelle % 8);
+    const QDateTime debut = debutAffiche();
+    const QDateTime fin = DateFromString(cmbEndDate->currentText(), cmbEndTime->currentText());
+    const qint64 longueur = debut.isValid() && fin.isValid() ? debut.secsTo(fin) / 60 : 0;
+    demande.dureeMinutes = etat.DureeDefaut > 0 ? etat.DureeDefaut : longueur > 0 ? int(longueur) : 15;
+    demande.pauseDebut = QTime::fromString(etat.PauseDebut, QStringLiteral("HH:mm:ss"));
+    demande.pauseFin = QTime::fromString(etat.PauseFin, QStringLiteral("HH:mm:ss"));
+    // From the day shown, never in the past.
+    const QDate jour = DateFromString(cmbStartDate->currentText(), QStringLiteral("00:00")).date();
+    demande.depuis = std::max(QDateTime(jour.isValid() ? jour : Horloge::maintenant().date(), QTime(0, 0)),
+                              Horloge::maintenant());
+
+    const auto config = ConfigOuverte();
+    if (!config || !m_provider) {
+        Prompt::informer(QStringLiteral("Prochain créneau libre"),
+                         QStringLiteral("Le planning ou l'agenda n'est pas ouvert : aucun créneau ne peut être cherché."),
+                         Prompt::Icone::Exclamation);
+        return;
+    }
+    const CalendarEvent *deplace = m_bAddEvent ? nullptr : m_pEditedEvent.get();
+    setStatus(QStringLiteral("Recherche du prochain créneau libre..."));
+    ResultatCreneau r = ProchainCreneauLibre(*config, *m_provider, demande, deplace);
+    // Pressed again on the slot it gave, it goes on to the next one.
+    if (r.trouve() && r.debut == debut) {
+        demande.depuis = debut.addSecs(60);
+        r = ProchainCreneauLibre(*config, *m_provider, demande, deplace);
+    }
+    if (!r.trouve()) {
+        setStatus(QString());
+        Prompt::informer(QStringLiteral("Prochain créneau libre"), r.message, Prompt::Icone::Exclamation);
+        return;
+    }
+    // The new slot is held before the old one is let go.
+    if (const auto tenue = ReserverPlage(r.debut)) {
+        setStatus(QString());
+        Prompt::informer(QStringLiteral("Plage horaire réservée"), TextePlageReservee(*tenue), Prompt::Icone::Exclamation);
+        return;
+    }
+    if (m_debutReserve.isValid() && m_debutReserve != r.debut)
+        LibererPlage(m_debutReserve);
+    m_debutReserve = r.debut;
+    remplirDates(r.debut, r.fin, false);
+    setStatus(QStringLiteral("Rendez-vous placé le %1 (Annuler pour ne rien changer).")
+                  .arg(QLocale(QLocale::French).toString(r.debut, QStringLiteral("dddd dd MMMM yyyy à HH:mm"))));
+}
+
+void frmEditEvent::majFerie()
+{
+    const QString avertissement = AvertissementJourFerie(LireDateTexte(cmbStartDate->currentText()));
+    lblFerie->setText(avertissement.isEmpty() ? QString() : QStringLiteral("Attention : ") + avertissement);
+    lblFerie->setVisible(!avertissement.isEmpty());
 }
 
 QDateTime frmEditEvent::debutAffiche() const

@@ -99,6 +99,10 @@ public:
     QLabel *lblModif = nullptr;
     QLabel *lblStatus = nullptr;
     QLabel *lblAge = nullptr;
+    // Our own additions: the next free slot of the chosen practitioner and
+    // type, and the warning shown while the start falls on a public holiday.
+    QPushButton *btnProchainCreneau = nullptr;
+    QLabel *lblFerie = nullptr;
 
 signals:
     // The record was handed to the store: the calendar reads it again.
@@ -139,6 +143,10 @@ private:
     void majCouleurLibelle();
     void majAge();
     void libererReservations();
+    // The date controls of a start and an end (the lists around the start).
+    void remplirDates(const QDateTime &start, const QDateTime &end, bool allDay);
+    void prochainCreneau();
+    void majFerie();
     void selectionnerDonnee(QComboBox *liste, int valeur);
 
     CalendarDataProvider *m_provider = nullptr;
@@ -148,4 +156,6 @@ private:
     // The phone or mail field that is taking the focus back, -1 when none.
     int m_champRetour = -1;
     bool m_reservationsLiberees = false;
+    // The start whose slot this dialog holds in table Ini.
+    QDateTime m_debutReserve;
 };

@@ -387,6 +387,40 @@ private slots:
         QCOMPARE(reservations(), autrePoste ? QStringList{"02/03/2026 10:00:00|" + tenant} : QStringList{});
     }
 
+    // The next free slot of the label's practitioner and type (the rule:
+    // Mondays 08:00-12:00), past a booked slot and one another station holds;
+    // pressed again it goes on; Easter Monday is skipped and warned of.
+    void prochainCreneauLibre()
+    {
+        RepondeurScripte repondeur;
+        CalendarEventPtr pris = calendrier()->CreateNewEvent(dt("2026-03-02 08:00"), dt("2026-03-02 08:15"));
+        QVERIFY(calendrier()->AddEvent(pris));
+        EcrireConfig(QStringLiteral("02/03/2026 08:15:00"), QStringLiteral("Réservation"), QStringLiteral("ACCUEIL - docteur"));
+        auto d = nouveau(dt("2026-03-02 10:00"), dt("2026-03-02 10:15"));
+        taper(d->txtBody[0], QStringLiteral("MARTIN"));
+        const auto heures = [&d] { return QStringList{d->cmbStartDate->currentText(), d->cmbStartTime->currentText(), d->cmbEndTime->currentText()}; };
+        for (const char *attendu : {"02/03/2026 08:20 08:35", "02/03/2026 08:25 08:40"}) {
+            QTest::mouseClick(d->btnProchainCreneau, Qt::LeftButton);
+            QCOMPARE(heures().join(u' '), QString::fromLatin1(attendu));
+        }
+        QCOMPARE(d->txtBody[0]->text(), QStringLiteral("MARTIN"));
+        const QString moi = NomOrdinateur() + QStringLiteral(" - secretariat");
+        QCOMPARE(reservations(), (QStringList{"02/03/2026 08:15:00|ACCUEIL - docteur", "02/03/2026 08:25:00|" + moi}));
+        d->cmbStartDate->setEditText(QStringLiteral("06/04/2026"));
+        QVERIFY(d->lblFerie->isVisibleTo(d.get()) && d->lblFerie->text().contains(QStringLiteral("Lundi de Pâques")));
+        QTest::mouseClick(d->btnProchainCreneau, Qt::LeftButton);
+        QCOMPARE(heures().join(u' '), QStringLiteral("13/04/2026 08:00 08:15"));
+        QVERIFY(!d->lblFerie->isVisibleTo(d.get()));
+        // Practitioner 1 has no rule: told, and the slot stays.
+        d->cmbLabel->setCurrentIndex(0);
+        QTest::mouseClick(d->btnProchainCreneau, Qt::LeftButton);
+        QVERIFY(repondeur.textes().last().startsWith(QStringLiteral("Aucun créneau libre de 15 minutes")));
+        QCOMPARE(heures().join(u' '), QStringLiteral("13/04/2026 08:00 08:15"));
+        QTest::mouseClick(d->cmdCancel, Qt::LeftButton);
+        QCOMPARE(relire(QDate(2026, 3, 2)).size(), 1);
+        QCOMPARE(relire(QDate(2026, 4, 13)).size(), 0);
+    }
+
     // What stops OK: a beep, the focus on the control, nothing stored.
     void refusDeValider_data()
     {
