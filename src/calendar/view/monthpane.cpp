@@ -89,7 +89,8 @@ void DayBoxPane::paintBox(QPainter &p, const Box &b, const QColor &back, const Q
     p.setFont(font());
     const QString other = holiday.isEmpty() ? more : more.isEmpty() ? holiday : holiday + u' ' + more;
     if (!other.isEmpty()) {
-        p.setPen(head.isValid() ? textOn(head, theme.eventBorder) : theme.eventBorder);
+        const QColor ink = holiday.isEmpty() ? theme.eventBorder : theme.headerText;
+        p.setPen(head.isValid() ? textOn(head, ink) : ink);
         p.drawText(line, Qt::AlignVCenter | (dateSide & Qt::AlignRight ? Qt::AlignLeft : Qt::AlignRight),
                    fontMetrics().elidedText(other, Qt::ElideMiddle, std::max(0, line.width() - dateWidth)));
     }
