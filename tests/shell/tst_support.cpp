@@ -192,11 +192,8 @@ private Q_SLOTS:
         ligne("pentecote 2024", QDate(2024, 5, 20), false, "Lundi de Pentecôte");
         ligne("ascension le 1er mai", QDate(2008, 5, 1), false, "Fête du Travail, Ascension");
         ligne("jour de l'an", QDate(2027, 1, 1), false, "Jour de l'an");
-        ligne("8 mai", QDate(2026, 5, 8), false, "Victoire 1945");
         ligne("14 juillet", QDate(2026, 7, 14), false, "Fête nationale");
         ligne("veille du 14 juillet", QDate(2026, 7, 13), false, "");
-        ligne("15 aout", QDate(2026, 8, 15), false, "Assomption");
-        ligne("toussaint", QDate(2026, 11, 1), false, "Toussaint");
         ligne("11 novembre", QDate(2026, 11, 11), false, "Armistice 1918");
         ligne("noel", QDate(2026, 12, 25), false, "Noël");
         ligne("26 decembre ailleurs", QDate(2026, 12, 26), false, "");
