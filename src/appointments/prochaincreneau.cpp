@@ -115,12 +115,11 @@ ResultatCreneau ChercherCreneauLibre(const DemandeCreneau &d, const SourcesCrene
         const auto sommes = minutesPermises(regles, jour, d);
         if (sommes[minutesJour] < d.dureeMinutes)
             continue;
-        const QDateTime minuit(jour, QTime(0, 0));
         for (int m = n == 0 ? premiereMinute : 0; m + d.dureeMinutes <= minutesJour; m += pasGrille) {
             if (sommes[m + d.dureeMinutes] - sommes[m] != d.dureeMinutes)
                 continue;
             const QDateTime debut(jour, QTime(m / 60, m % 60));
-            const QDateTime fin = minuit.addSecs(qint64(m + d.dureeMinutes) * 60);
+            const QDateTime fin = debut.addSecs(qint64(d.dureeMinutes) * 60);
             if (sources.reservees.contains(debut))
                 continue;
             const bool libre = std::none_of(occupees.cbegin(), occupees.cend(),
