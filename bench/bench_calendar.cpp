@@ -16,6 +16,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QHash>
 #include <QRandomGenerator>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -311,6 +312,9 @@ int main(int argc, char *argv[])
     }
     qint64 creneau = 0;
     qint64 pire = 0;
+    // Each search is run several times: its best run is its cost without
+    // the other programs of the machine.
+    QHash<QString, qint64> meilleurs;
     qint64 joursDevant = 0;
     for (int tour = 0; tour < 5; ++tour) {
         for (const QDate &lundi : lundis) {
@@ -324,12 +328,21 @@ int main(int argc, char *argv[])
             const qint64 duree = t.nsecsElapsed();
             creneau += duree;
             pire = std::max(pire, duree);
+            const QString cle = lundi.toString(Qt::ISODate) + QString::number(d.praticien);
+            meilleurs[cle] = meilleurs.contains(cle) ? std::min(meilleurs[cle], duree) : duree;
             joursDevant += r.trouve() ? lundi.daysTo(r.debut.date()) : d.horizonJours;
+            if (qEnvironmentVariableIsSet("BENCH_DETAIL"))
+                std::printf("  slot %s P%d: %.3f ms -> %s\n", qPrintable(lundi.toString(Qt::ISODate)), d.praticien, ms(duree),
+                            qPrintable(r.trouve() ? r.debut.toString(Qt::ISODate) : r.message));
         }
     }
-    std::printf("next free slot (15 min, practitioners 1 and 2 in turn), %d searches: %.3f ms each, worst %.3f ms, "
+    qint64 pireMeilleur = 0;
+    for (const qint64 v : std::as_const(meilleurs))
+        pireMeilleur = std::max(pireMeilleur, v);
+    std::printf("next free slot (15 min, practitioners 1 and 2 in turn), %d searches: %.3f ms each, worst %.3f ms "
+                "(%.3f ms at its best run), "
                 "found %.1f days ahead on average\n",
-                lectures, ms(creneau) / lectures, ms(pire), double(joursDevant) / lectures);
+                lectures, ms(creneau) / lectures, ms(pire), ms(pireMeilleur), double(joursDevant) / lectures);
     std::printf("  anchor: provider RetrieveEvents of a work week, warm %.3f ms\n", ms(chaud) / lectures);
 
     // One reminder poll at "now", on a watch that has already fired what was

@@ -14,12 +14,13 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace {
 
 constexpr int minutesJour = 24 * 60;
 constexpr int pasGrille = 5;
-// Weeks are read one at a time: most searches end in the first.
+// The book is read a week at a time: most searches end in the first.
 constexpr int joursParLecture = 7;
 
 bool regleDuJour(const Regle &r, const QDate &jour, int jourNumero, int parite)
@@ -96,13 +97,35 @@ ResultatCreneau ChercherCreneauLibre(const DemandeCreneau &d, const SourcesCrene
     const int depuisSecondes = t.hour() * 3600 + t.minute() * 60 + t.second();
     const int premiereMinute = (depuisSecondes + pasGrille * 60 - 1) / (pasGrille * 60) * pasGrille;
 
+    // The bookable minutes of each day ahead, worked out once: a day that
+    // cannot hold the length is never read from the book.
+    std::vector<std::array<int, minutesJour + 1>> sommesJours(static_cast<std::size_t>(std::max(0, d.horizonJours)));
+    std::vector<bool> candidats(sommesJours.size());
+    for (std::size_t n = 0; n < sommesJours.size(); ++n) {
+        const QDate jour = premier.addDays(qint64(n));
+        if (d.sauterFeries && !NomJourFerie(jour).isEmpty())
+            continue;
+        sommesJours[n] = minutesPermises(regles, jour, d);
+        candidats[n] = sommesJours[n][minutesJour] >= d.dureeMinutes;
+    }
+
     QList<Occupation> occupees;
-    QDate luJusquA;
+    int luJusquA = -1;
     for (int n = 0; n < d.horizonJours; ++n) {
+        if (!candidats[std::size_t(n)])
+            continue;
         const QDate jour = premier.addDays(n);
-        if (!luJusquA.isValid() || jour > luJusquA) {
-            luJusquA = std::min(jour.addDays(joursParLecture - 1), premier.addDays(d.horizonJours - 1));
-            const auto lues = sources.occupations ? sources.occupations(jour, luJusquA) : std::optional<QList<Occupation>>(QList<Occupation>());
+        if (n > luJusquA) {
+            // One read up to the last day of the week ahead that may hold a
+            // slot (a read costs by the days it spans): a practitioner who
+            // works one afternoon a week costs one day's read a week.
+            luJusquA = n;
+            for (int k = n + 1; k < std::min(n + joursParLecture, d.horizonJours); ++k) {
+                if (candidats[std::size_t(k)])
+                    luJusquA = k;
+            }
+            const auto lues = sources.occupations ? sources.occupations(jour, premier.addDays(luJusquA))
+                                                  : std::optional<QList<Occupation>>(QList<Occupation>());
             if (!lues) {
                 resultat.message = QStringLiteral("Le carnet de rendez-vous n'a pas pu être lu (un autre poste l'occupe "
                                                   "peut-être) : réessayez dans un instant.");
@@ -110,11 +133,7 @@ ResultatCreneau ChercherCreneauLibre(const DemandeCreneau &d, const SourcesCrene
             }
             occupees = *lues;
         }
-        if (d.sauterFeries && !NomJourFerie(jour).isEmpty())
-            continue;
-        const auto sommes = minutesPermises(regles, jour, d);
-        if (sommes[minutesJour] < d.dureeMinutes)
-            continue;
+        const auto &sommes = sommesJours[std::size_t(n)];
         for (int m = n == 0 ? premiereMinute : 0; m + d.dureeMinutes <= minutesJour; m += pasGrille) {
             if (sommes[m + d.dureeMinutes] - sommes[m] != d.dureeMinutes)
                 continue;

@@ -109,8 +109,9 @@ private slots:
             QCOMPARE(r.debut, moment(attendu));
             QCOMPARE(r.fin, r.debut.addSecs(60 * duree));
             QVERIFY(r.message.isEmpty());
-            // The book is read a week at a time from the first day on.
-            QCOMPARE(lectures.first(), d.depuis.date());
+            // The book is read a week at a time from the first day that may
+            // hold a slot.
+            QVERIFY(lectures.first() >= d.depuis.date() && lectures.first() <= r.debut.date());
             QVERIFY(lectures.last() >= r.debut.date() && lectures.size() <= 4);
         } else {
             QVERIFY(!r.trouve());
