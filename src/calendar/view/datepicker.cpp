@@ -3,6 +3,7 @@
 #include "calendar/calendardataprovider.h"
 #include "calendar/view/calendarview.h"
 #include "calendar/view/monthlayout.h"
+#include "shell/base/joursferies.h"
 
 #include <QTextCharFormat>
 
@@ -191,5 +192,14 @@ void DatePicker::applyFormats()
         QTextCharFormat f = dateTextFormat(d);
         f.setFontWeight(QFont::Bold);
         setDateTextFormat(d, f);
+    }
+    // Public holidays in the red of the weekend, around the year shown (the
+    // following months may cross into the next one).
+    for (int annee = yearShown() - 1; annee <= yearShown() + 1; ++annee) {
+        for (const JourFerie &j : JoursFeries(annee, FeriesAlsaceMoselle())) {
+            QTextCharFormat f = dateTextFormat(j.date);
+            f.setForeground(QColor(200, 30, 30));
+            setDateTextFormat(j.date, f);
+        }
     }
 }
