@@ -1,10 +1,16 @@
 #include "calendar/mariadbcalendarstore.h"
 
 #include "calendar/calendardataprovider.h"
+#include "calendar/lecteurlignes.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QScopeGuard>
+#include <QSet>
 #include <QSqlRecord>
+
+#include <array>
+#include <utility>
 
 namespace {
 
@@ -65,22 +71,94 @@ const char *const kSchema[] = {
     ") ENGINE=InnoDB DEFAULT CHARSET=utf8mb4",
 };
 
-// The columns the reads ask for. Date-times come as text in the stores'
-// own form, which the record mapping reads without the general date parser
-// (a week holds hundreds of them).
+// The columns the reads ask for, with a table name and a prefix for their
+// names when given. Date-times come as text in the stores' own form, which
+// the row mapping reads without the general date parser (a week holds
+// hundreds of them).
+template<int N>
+QString colonnes(const char *const (&noms)[N], QLatin1StringView table = {}, QLatin1StringView prefixe = {})
+{
+    static const QStringList dates = {
+        QStringLiteral("StartDateTime"), QStringLiteral("EndDateTime"), QStringLiteral("RExceptionStartTimeOrig"),
+        QStringLiteral("RExceptionEndTimeOrig"), QStringLiteral("CreationTime"), QStringLiteral("LastModificationTime"),
+        QStringLiteral("EventStartTime"), QStringLiteral("PatternStartDate"), QStringLiteral("PatternEndDate")};
+    QStringList l;
+    for (const char *nom : noms) {
+        const QString c = QLatin1StringView(nom);
+        const QString valeur = table.isEmpty() ? c : table + QLatin1Char('.') + c;
+        const QString alias = prefixe + c;
+        l << (dates.contains(c) ? QStringLiteral("CAST(%1 AS CHAR) AS %2").arg(valeur, alias)
+                                : valeur == alias ? c : valeur + QStringLiteral(" AS ") + alias);
+    }
+    return l.join(QStringLiteral(", "));
+}
+
 const QString &colonnesLues()
 {
-    static const QString liste = [] {
-        const QStringList dates = {QStringLiteral("StartDateTime"), QStringLiteral("EndDateTime"),
-                                   QStringLiteral("RExceptionStartTimeOrig"), QStringLiteral("RExceptionEndTimeOrig"),
-                                   QStringLiteral("CreationTime"), QStringLiteral("LastModificationTime")};
-        QStringList l{QStringLiteral("EventID")};
-        for (const QString &c : kEventColumns)
-            l << (dates.contains(c) ? QStringLiteral("CAST(%1 AS CHAR) AS %1").arg(c) : c);
-        return l.join(QStringLiteral(", "));
-    }();
+    static const QString liste = colonnes(kNomsEvenement);
     return liste;
 }
+
+// The current row of a statement on the server, by column, for the row
+// mapping of lecteurlignes.h: the positions are found once per statement (by
+// name, after a prefix when given), each value goes through the strict
+// conversions of RecordValue, as the general record layer does, but a number
+// or a date in the stores' own text is taken as it stands.
+template<int N>
+class LigneMariaDb
+{
+public:
+    LigneMariaDb(const QSqlQuery &q, const char *const (&noms)[N], QLatin1StringView prefixe = {})
+        : m_q(q)
+    {
+        const QSqlRecord r = q.record();
+        for (int quoi = 0; quoi < N; ++quoi)
+            m_positions[quoi] = r.indexOf(prefixe + QLatin1StringView(noms[quoi]));
+    }
+
+    [[nodiscard]] qint32 entier(int quoi) const
+    {
+        const QVariant v = valeur(quoi);
+        if (v.typeId() == QMetaType::Int && !v.isNull())
+            return v.toInt();
+        return RecordValue::integer(v);
+    }
+
+    [[nodiscard]] QString texte(int quoi) const { return RecordValue::text(valeur(quoi)); }
+
+    [[nodiscard]] bool enTexte(int quoi, QDate &j, QTime &h) const
+    {
+        const QVariant v = valeur(quoi);
+        if (v.typeId() != QMetaType::QString || v.isNull())
+            return false;
+        const QString s = v.toString();
+        return RecordValue::parseIsoText(QStringView(s), j, h) && !(j == QDate(1899, 12, 30) && h == QTime(0, 0));
+    }
+
+    [[nodiscard]] bool dateZero(int quoi) const
+    {
+        const QVariant v = valeur(quoi);
+        return v.typeId() == QMetaType::QString && v.toString() == QLatin1StringView("1899-12-30 00:00:00");
+    }
+
+    [[nodiscard]] QDateTime dateGenerale(int quoi) const { return RecordValue::dateTime(valeur(quoi)); }
+
+    // Whether the column is there and empty (the side of an outer join that
+    // found nothing).
+    [[nodiscard]] bool nulle(int quoi) const { return m_positions[quoi] >= 0 && m_q.isNull(m_positions[quoi]); }
+
+private:
+    [[nodiscard]] QVariant valeur(int quoi) const
+    {
+        const int i = m_positions[quoi];
+        if (i < 0)
+            throw FieldError(QStringLiteral("colonne absente : ") + QString::number(quoi));
+        return m_q.value(i);
+    }
+
+    const QSqlQuery &m_q;
+    std::array<int, N> m_positions{};
+};
 
 QVariant bindable(const QVariant &v)
 {
@@ -177,6 +255,8 @@ bool MariaDbCalendarStore::Create()
 void MariaDbCalendarStore::Close()
 {
     m_changeDepth = 0;
+    m_seriesLues.clear();
+    m_semaine.reset();
     m_connexion.fermer();
 }
 
@@ -187,45 +267,47 @@ bool MariaDbCalendarStore::IsOpen() const
 
 bool MariaDbCalendarStore::executer(QSqlQuery &q, const QString &sql)
 {
+    ++m_requetes;
     if (sql.isEmpty() ? q.exec() : q.exec(sql))
         return true;
     m_lastError = q.lastError().text();
     return false;
 }
 
-void MariaDbCalendarStore::lire(QSqlQuery &q, QList<CalendarEventPtr> &events, bool exceptions, const QString &sql)
+void MariaDbCalendarStore::lire(QSqlQuery &q, QList<CalendarEventPtr> &events, const QString &sql)
 {
     m_readFailed = !(sql.isEmpty() ? executer(q) : executer(q, sql));
     if (m_readFailed)
         return;
-    for (QueryCursor rs(&q); !rs.atEnd(); rs.next()) {
-        if (CalendarEventPtr e = m_helper.CreateEventFromRS(rs, exceptions)) {
-            lireHeures(rs, *e);
+    const LigneMariaDb<kColonnesEvenement> ligne(q, kNomsEvenement);
+    LecteurEvenements lecteur(ligne, m_helper.calendar());
+    while (q.next()) {
+        if (CalendarEventPtr e = lecteur.lire())
             events.append(e);
-        }
-    }
-}
-
-void MariaDbCalendarStore::lireHeures(const RecordSource &rs, CalendarEvent &e)
-{
-    try {
-        e.setCreationTime(RecordValue::dateTime(rs.field(QStringLiteral("CreationTime"))));
-        e.setLastModificationTime(RecordValue::dateTime(rs.field(QStringLiteral("LastModificationTime"))));
-    } catch (const FieldError &) {
-        // Times of a row written by another program: left unset.
     }
 }
 
 QString MariaDbCalendarStore::rangeStatement()
 {
-    return QStringLiteral("SELECT ") + colonnesLues()
-           + QStringLiteral(" FROM CalendarEvents FORCE INDEX (idx_events_debut)"
-                            " WHERE Longue = 0 AND RecurrenceState IN (0, 1) AND StartDateTime >= ? AND StartDateTime < ?"
-                            " AND EndDateTime >= ?"
-                            " UNION ALL SELECT ")
-           + colonnesLues()
-           + QStringLiteral(" FROM CalendarEvents FORCE INDEX (idx_events_longs)"
-                            " WHERE Longue = 1 AND EndDateTime >= ? AND StartDateTime < ? AND RecurrenceState IN (0, 1)");
+    // The rows of the days, each master with its pattern and its exceptions
+    // beside it (once per exception): the week in one exchange with the
+    // server. Each part is read as it is found, with no table in between.
+    static const QString lignes = QStringLiteral("SELECT ") + colonnes(kNomsEvenement, QLatin1StringView("e"))
+                                  + QStringLiteral(", ")
+                                  + colonnes(kNomsMotif, QLatin1StringView("p"), QLatin1StringView("Motif_"))
+                                  + QStringLiteral(", ")
+                                  + colonnes(kNomsEvenement, QLatin1StringView("x"), QLatin1StringView("Exception_"))
+                                  + QStringLiteral(" FROM CalendarEvents e FORCE INDEX (%1)"
+                                                   " LEFT JOIN CalendarRecurrencePatterns p"
+                                                   " ON e.RecurrenceState = 1 AND p.RecurrencePatternID = e.RecurrencePatternID"
+                                                   " LEFT JOIN CalendarEvents x FORCE INDEX (idx_events_serie)"
+                                                   " ON e.RecurrenceState = 1 AND x.RecurrencePatternID = e.RecurrencePatternID"
+                                                   " AND x.RecurrenceState = 3 WHERE ");
+    return lignes.arg(QLatin1StringView("idx_events_debut"))
+           + QStringLiteral("e.Longue = 0 AND e.RecurrenceState IN (0, 1) AND e.StartDateTime >= ? AND e.StartDateTime < ?"
+                            " AND e.EndDateTime >= ? UNION ALL ")
+           + lignes.arg(QLatin1StringView("idx_events_longs"))
+           + QStringLiteral("e.Longue = 1 AND e.EndDateTime >= ? AND e.StartDateTime < ? AND e.RecurrenceState IN (0, 1)");
 }
 
 void MariaDbCalendarStore::DoRetrieveDayEvents(const QDate &day, QList<CalendarEventPtr> &events)
@@ -235,6 +317,7 @@ void MariaDbCalendarStore::DoRetrieveDayEvents(const QDate &day, QList<CalendarE
 
 void MariaDbCalendarStore::DoRetrieveRangeEvents(const QDate &first, const QDate &last, QList<CalendarEventPtr> &events)
 {
+    m_seriesLues.clear();
     if (!IsOpen())
         return;
     // A row touches the days when it begins before the end of the last one
@@ -242,15 +325,74 @@ void MariaDbCalendarStore::DoRetrieveRangeEvents(const QDate &first, const QDate
     // most a day before.
     const QDateTime debut(first, QTime(0, 0));
     const QDateTime fin(last.addDays(1), QTime(0, 0));
-    // The values go into the text: the views ask for a week every ten
-    // seconds on every station, and a statement prepared on the server costs
-    // two more round trips each time.
-    QString sql = rangeStatement();
-    for (const QDateTime &v : {debut.addDays(-1), fin, debut, debut, fin})
-        sql.replace(sql.indexOf(QLatin1Char('?')), 1, QLatin1Char('\'') + RecordValue::isoText(v) + QLatin1Char('\''));
-    QSqlQuery q(m_connexion.db());
-    q.setForwardOnly(true);
-    lire(q, events, false, sql);
+    // The views ask for a week every ten seconds on every station: the
+    // statement stays prepared on the server while the connection lasts, so
+    // that each read is one exchange, with its rows in binary form. A
+    // connection that the driver made again has lost it: prepared anew.
+    const QList<QDateTime> valeurs{debut.addDays(-1), fin, debut, debut, fin};
+    for (bool nouvelle = !m_semaine;; nouvelle = true) {
+        if (!m_semaine) {
+            m_semaine = std::make_unique<QSqlQuery>(m_connexion.db());
+            m_semaine->setForwardOnly(true);
+            if (!m_semaine->prepare(rangeStatement())) {
+                m_lastError = m_semaine->lastError().text();
+                m_semaine.reset();
+                m_readFailed = true;
+                return;
+            }
+        }
+        for (int i = 0; i < valeurs.size(); ++i)
+            m_semaine->bindValue(i, RecordValue::isoText(valeurs.at(i)));
+        m_readFailed = !executer(*m_semaine);
+        if (!m_readFailed)
+            break;
+        m_semaine.reset();
+        if (nouvelle)
+            return;
+    }
+    QSqlQuery &q = *m_semaine;
+    auto liberer = qScopeGuard([&q] { q.finish(); });
+    const LigneMariaDb<kColonnesEvenement> ligne(q, kNomsEvenement);
+    const LigneMariaDb<kColonnesMotif> ligneMotif(q, kNomsMotif, QLatin1StringView("Motif_"));
+    const LigneMariaDb<kColonnesEvenement> ligneException(q, kNomsEvenement, QLatin1StringView("Exception_"));
+    LecteurEvenements lecteur(ligne, m_helper.calendar());
+    const LecteurMotifs motifs(ligneMotif, m_helper.calendar());
+    LecteurEvenements lecteurExceptions(ligneException, m_helper.calendar());
+    QHash<int, CalendarRecurrencePatternPtr> series;
+    QHash<int, QList<CalendarEventPtr>> exceptions;
+    QSet<int> maitres;
+    while (q.next()) {
+        try {
+            if (ligne.entier(ColonneEvenement::RecurrenceState) != CalendarEvent::Master) {
+                if (CalendarEventPtr e = lecteur.lire())
+                    events.append(e);
+                continue;
+            }
+            // A master comes once per exception of its series.
+            const int serie = ligne.entier(ColonneEvenement::RecurrencePatternID);
+            const int maitre = ligne.entier(ColonneEvenement::EventID);
+            if (!maitres.contains(maitre)) {
+                maitres.insert(maitre);
+                if (CalendarEventPtr e = lecteur.lire()) {
+                    events.append(e);
+                    if (CalendarRecurrencePatternPtr p = motifs.lire())
+                        series.insert(p->RecurrencePatternID(), p);
+                }
+            }
+            if (ligneException.nulle(ColonneEvenement::EventID))
+                continue;
+            if (CalendarEventPtr e = lecteurExceptions.lire(true))
+                exceptions[serie].append(e);
+        } catch (const FieldError &) {
+            // A row whose state cannot be read is left out, as the mapping does.
+        }
+    }
+    for (const CalendarRecurrencePatternPtr &p : std::as_const(series)) {
+        for (const CalendarEventPtr &e : exceptions.value(p->RecurrencePatternID()))
+            p->SetException(e);
+    }
+    m_seriesLues = std::move(series);
+    m_seriesLuesApres = m_requetes;
 }
 
 CalendarEventPtr MariaDbCalendarStore::DoReadEvent(int eventId)
@@ -273,37 +415,58 @@ CalendarRecurrencePatternPtr MariaDbCalendarStore::DoReadRPattern(int patternId)
 
 QHash<int, CalendarRecurrencePatternPtr> MariaDbCalendarStore::DoReadRPatterns(const QList<int> &patternIds)
 {
+    // The series of the days just read came with them, unless this store
+    // sent anything since; they are handed out once.
+    const QHash<int, CalendarRecurrencePatternPtr> semaine = std::exchange(m_seriesLues, {});
     QHash<int, CalendarRecurrencePatternPtr> lus;
+    bool toutes = m_seriesLuesApres == m_requetes && !semaine.isEmpty();
+    for (const int id : patternIds)
+        toutes = toutes && semaine.contains(id);
+    if (toutes) {
+        for (const int id : patternIds)
+            lus.insert(id, semaine.value(id));
+        return lus;
+    }
     if (!IsOpen() || patternIds.isEmpty())
         return lus;
     const QString cles = listeCles(patternIds);
-    // All the exceptions of these series in one read, then the patterns.
+    // All the exceptions of these series in one read, then the patterns. A
+    // series read without its exceptions would show occurrences that were
+    // moved or deleted: the failure of either read is the failure of the
+    // whole read.
     QHash<int, QList<CalendarEventPtr>> exceptions;
     {
         QSqlQuery q(m_connexion.db());
         q.setForwardOnly(true);
-        if (!executer(q, QStringLiteral("SELECT ") + colonnesLues() + QStringLiteral(" FROM CalendarEvents WHERE RecurrenceState = 3 AND RecurrencePatternID IN (") + cles
-                             + QStringLiteral(")")))
+        if (!executer(q, QStringLiteral("SELECT ") + colonnesLues()
+                             + QStringLiteral(" FROM CalendarEvents WHERE RecurrenceState = 3 AND RecurrencePatternID IN (")
+                             + cles + QStringLiteral(")"))) {
+            m_readFailed = true;
             return lus;
-        for (QueryCursor rs(&q); !rs.atEnd(); rs.next()) {
+        }
+        const LigneMariaDb<kColonnesEvenement> ligne(q, kNomsEvenement);
+        LecteurEvenements lecteur(ligne, m_helper.calendar());
+        while (q.next()) {
             try {
-                const int serie = RecordValue::integer(rs.field(QStringLiteral("RecurrencePatternID")));
-                if (CalendarEventPtr e = m_helper.CreateEventFromRS(rs, true)) {
-                    lireHeures(rs, *e);
+                const int serie = ligne.entier(ColonneEvenement::RecurrencePatternID);
+                if (CalendarEventPtr e = lecteur.lire(true))
                     exceptions[serie].append(e);
-                }
             } catch (const FieldError &) {
             }
         }
     }
     QSqlQuery q(m_connexion.db());
     q.setForwardOnly(true);
-    if (!executer(q, QStringLiteral("SELECT * FROM CalendarRecurrencePatterns WHERE RecurrencePatternID IN (") + cles + QStringLiteral(")")))
+    if (!executer(q, QStringLiteral("SELECT ") + colonnes(kNomsMotif)
+                         + QStringLiteral(" FROM CalendarRecurrencePatterns WHERE RecurrencePatternID IN (") + cles
+                         + QStringLiteral(")"))) {
+        m_readFailed = true;
         return lus;
-    // The exceptions are read already: the mapping's own question gets no rows.
-    FixedRowsConnection dejaLues({});
-    for (QueryCursor rs(&q); !rs.atEnd(); rs.next()) {
-        if (CalendarRecurrencePatternPtr p = m_helper.CreateRPatternFromRS(rs, dejaLues)) {
+    }
+    const LigneMariaDb<kColonnesMotif> ligne(q, kNomsMotif);
+    const LecteurMotifs motifs(ligne, m_helper.calendar());
+    while (q.next()) {
+        if (CalendarRecurrencePatternPtr p = motifs.lire()) {
             for (const CalendarEventPtr &e : exceptions.value(p->RecurrencePatternID()))
                 p->SetException(e);
             lus.insert(p->RecurrencePatternID(), p);

@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <memory>
+
 class MemoryRecord;
 class QSqlQuery;
 
@@ -57,7 +59,9 @@ public:
     bool CommitChange() override;
     void RollbackChange() override;
 
-    // The day-range statement (its plan is checked by the tests).
+    // The day-range statement, which brings the series of the masters it
+    // finds with them, for the DoReadRPatterns that follows (its plan is
+    // checked by the tests).
     [[nodiscard]] static QString rangeStatement();
 
 private:
@@ -66,15 +70,23 @@ private:
     bool executer(QSqlQuery &q, const QString &sql = {});
     bool insertRow(const QString &table, const MemoryRecord &row, int &newId);
     bool updateRow(const QString &table, const MemoryRecord &row, const QString &keyColumn, int key);
-    // The creation and change times, kept by this store only.
-    static void lireHeures(const RecordSource &rs, CalendarEvent &e);
-    void lire(QSqlQuery &q, QList<CalendarEventPtr> &events, bool exceptions = false, const QString &sql = {});
+    // Runs the statement and maps its event rows.
+    void lire(QSqlQuery &q, QList<CalendarEventPtr> &events, const QString &sql = {});
 
     QString m_parameters;
     ConnexionServeur m_connexion{QStringLiteral("QMYSQL")};
     QString m_lastError;
+    // The day-range statement, prepared on the server once.
+    std::unique_ptr<QSqlQuery> m_semaine;
     int m_changeDepth = 0;
     bool m_readFailed = false;
+    // Statements sent so far: what was read with the days holds until the
+    // next one.
+    quint64 m_requetes = 0;
+    // The series of the masters of the last day read, with their exceptions,
+    // read in the same statement, and when.
+    QHash<int, CalendarRecurrencePatternPtr> m_seriesLues;
+    quint64 m_seriesLuesApres = 0;
 };
 
 // The parameters of a "Provider=MariaDB;" string, by name (case ignored):

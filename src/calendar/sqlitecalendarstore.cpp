@@ -1,6 +1,7 @@
 #include "calendar/sqlitecalendarstore.h"
 
 #include "calendar/calendardataprovider.h"
+#include "calendar/lecteurlignes.h"
 #include "shell/base/basesqlite.h"
 
 #include <sqlite3.h>
@@ -14,7 +15,6 @@
 
 #include <array>
 #include <cstring>
-#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -115,12 +115,11 @@ const char *const kSchema[] = {
 
 const QString kMoment = QStringLiteral("datetime(StartDateTime, (-ReminderMinutesBeforeStart) || ' minutes')");
 
-// The current row of a statement read straight from SQLite, by column. The
-// day reads and the reminder poll are the hot path of the views (every ten
-// seconds on every workstation); this spares them the name look-ups and the
-// QVariant round trip of the general database layer. A value of the expected
-// kind is taken as it is; anything else goes through the strict conversions
-// of the record mapping (RecordValue), which throw FieldError as it does.
+// The current row of a statement read straight from SQLite, by column, for
+// the row mapping of lecteurlignes.h: no name look-ups and no QVariant round
+// trip of the general database layer. A value of the expected kind is taken
+// as it is; anything else goes through the strict conversions of the record
+// mapping (RecordValue), which throw FieldError as it does.
 template<int N>
 class LigneSqlite
 {
@@ -214,177 +213,6 @@ private:
 
     sqlite3_stmt *m_st;
     std::array<int, N> m_positions{};
-};
-
-const char *const kNomsEvenement[] = {
-    "EventID", "Subject", "Location", "Body", "IsMeeting", "IsPrivate", "LabelID", "BusyStatus", "ImportanceLevel",
-    "StartDateTime", "EndDateTime", "IsAllDayEvent", "IsReminder", "ReminderMinutesBeforeStart", "RemainderSoundFile",
-    "RecurrenceState", "RecurrencePatternID", "RExceptionStartTimeOrig", "RExceptionEndTimeOrig",
-    "ISRecurrenceExceptionDeleted", "CustomPropertiesXMLData", "CustomIconsIDs", "ScheduleID", "CreationTime",
-    "LastModificationTime"};
-
-// Event rows mapped as SQLDataHelper::CreateEventFromRS maps them, column for
-// column: a row with a missing or unreadable column is skipped. A start or
-// end met again in the same read is not placed in the local zone again (a
-// read meets the same slots of the day, ends that are starts); creation and
-// change times are placed only when asked for.
-class LecteurEvenements final : public LigneSqlite<std::size(kNomsEvenement)>
-{
-public:
-    enum Colonne {
-        EventID, Subject, Location, Body, IsMeeting, IsPrivate, LabelID, BusyStatus, ImportanceLevel, StartDateTime,
-        EndDateTime, IsAllDayEvent, IsReminder, ReminderMinutesBeforeStart, RemainderSoundFile, RecurrenceState,
-        RecurrencePatternID, RExceptionStartTimeOrig, RExceptionEndTimeOrig, ISRecurrenceExceptionDeleted,
-        CustomPropertiesXMLData, CustomIconsIDs, ScheduleID, CreationTime, LastModificationTime
-    };
-
-    LecteurEvenements(sqlite3_stmt *st, const CalendarDataProvider *calendrier)
-        : LigneSqlite(st, kNomsEvenement)
-        , m_calendrier(calendrier)
-    {
-    }
-
-    // The current row as a record; nothing when the row cannot be mapped.
-    [[nodiscard]] CalendarEventPtr lire(bool exception = false)
-    {
-        try {
-            const qint32 id = entier(EventID);
-            if (!m_calendrier)
-                return {};
-            CalendarEventPtr e = m_calendrier->CreateEventFromId(id);
-            if (!e)
-                return {};
-            e->setSubject(texte(Subject));
-            e->setLocation(texte(Location));
-            e->setBody(texte(Body));
-            e->setIsMeeting(entier(IsMeeting) != 0);
-            e->setIsPrivate(entier(IsPrivate) != 0);
-            e->setLabelID(entier(LabelID));
-            e->setBusyStatus(entier(BusyStatus));
-            e->setImportanceLevel(entier(ImportanceLevel));
-            e->setStartDateTime(date(StartDateTime));
-            e->setEndDateTime(date(EndDateTime));
-            e->setIsAllDayEvent(entier(IsAllDayEvent) != 0);
-            e->setIsReminder(entier(IsReminder) != 0);
-            e->setReminderMinutesBeforeStart(entier(ReminderMinutesBeforeStart));
-            e->setReminderSoundFile(texte(RemainderSoundFile));
-            e->CustomProperties().LoadFromString(texte(CustomPropertiesXMLData));
-            e->CustomIcons().LoadFromString(texte(CustomIconsIDs));
-            e->setScheduleID(entier(ScheduleID));
-            if (exception) {
-                e->MarkAsRecurrenceException();
-                e->setRExceptionStartTimeOrig(date(RExceptionStartTimeOrig));
-                e->setRExceptionEndTimeOrig(date(RExceptionEndTimeOrig));
-                e->setRExceptionDeleted(entier(ISRecurrenceExceptionDeleted) != 0);
-            } else {
-                e->CustomProperties().SetProperty(CustomProperties::RecurrenceStateEntry, entier(RecurrenceState));
-                e->CustomProperties().SetProperty(CustomProperties::RecurrencePatternIDEntry, entier(RecurrencePatternID));
-            }
-            try {
-                QDate j;
-                QTime h;
-                if (enTexte(CreationTime, j, h))
-                    e->setCreationTimeWallClock(j, h);
-                else
-                    e->setCreationTime(date(CreationTime));
-                if (enTexte(LastModificationTime, j, h))
-                    e->setLastModificationTimeWallClock(j, h);
-                else
-                    e->setLastModificationTime(date(LastModificationTime));
-            } catch (const FieldError &) {
-                // Times of a row written by another program: left unset.
-            }
-            return e;
-        } catch (const FieldError &) {
-            return {};
-        }
-    }
-
-private:
-    [[nodiscard]] QDateTime date(Colonne quoi)
-    {
-        QDate j;
-        QTime h;
-        if (enTexte(quoi, j, h)) {
-            const qint64 cle = j.toJulianDay() * 86400 + h.msecsSinceStartOfDay() / 1000;
-            auto it = m_dates.constFind(cle);
-            if (it == m_dates.cend())
-                it = m_dates.insert(cle, QDateTime(j, h));
-            return *it;
-        }
-        return dateZero(quoi) ? QDateTime() : dateGenerale(quoi);
-    }
-
-    const CalendarDataProvider *m_calendrier;
-    QHash<qint64, QDateTime> m_dates;
-};
-
-const char *const kNomsMotif[] = {
-    "RecurrencePatternID", "MasterEventID", "EventStartTime", "EventDuration", "PatternStartDate", "PatternEndMethod",
-    "PatternEndDate", "PatternEndAfterOccurrences", "OptionsData1", "OptionsData2", "OptionsData3", "OptionsData4",
-    "CustomPropertiesXMLData"};
-
-// Pattern rows mapped as SQLDataHelper::CreateRPatternFromRS maps them
-// (without the exceptions, which the caller attaches). Only the date or the
-// time of day of the date-time columns is kept, so they are taken from the
-// text as they stand, without placing them in the local zone.
-class LecteurMotifs final : public LigneSqlite<std::size(kNomsMotif)>
-{
-public:
-    enum Colonne {
-        RecurrencePatternID, MasterEventID, EventStartTime, EventDuration, PatternStartDate, PatternEndMethod,
-        PatternEndDate, PatternEndAfterOccurrences, OptionsData1, OptionsData2, OptionsData3, OptionsData4,
-        CustomPropertiesXMLData
-    };
-
-    LecteurMotifs(sqlite3_stmt *st, const CalendarDataProvider *calendrier)
-        : LigneSqlite(st, kNomsMotif)
-        , m_calendrier(calendrier)
-    {
-    }
-
-    [[nodiscard]] CalendarRecurrencePatternPtr lire() const
-    {
-        try {
-            const qint32 id = entier(RecurrencePatternID);
-            if (!m_calendrier)
-                return {};
-            CalendarRecurrencePatternPtr p = m_calendrier->CreateRPatternFromId(id);
-            if (!p)
-                return {};
-            p->setMasterEventID(entier(MasterEventID));
-            p->setStartTime(parties(EventStartTime).second);
-            p->setDurationMinutes(entier(EventDuration));
-            p->setStartDate(parties(PatternStartDate).first);
-            const int methode = entier(PatternEndMethod);
-            p->setEndMethod(methode);
-            if (methode == 0)
-                p->setEndDate(parties(PatternEndDate).first);
-            else if (methode == 1)
-                p->setEndAfterOccurrences(entier(PatternEndAfterOccurrences));
-            p->Options().setData(entier(OptionsData1), entier(OptionsData2), entier(OptionsData3), entier(OptionsData4));
-            p->CustomProperties().LoadFromString(texte(CustomPropertiesXMLData));
-            return p;
-        } catch (const FieldError &) {
-            return {};
-        }
-    }
-
-private:
-    // Date and time of day of a column; both invalid for the zero date.
-    [[nodiscard]] std::pair<QDate, QTime> parties(Colonne quoi) const
-    {
-        QDate j;
-        QTime h;
-        if (enTexte(quoi, j, h))
-            return {j, h};
-        if (dateZero(quoi))
-            return {};
-        const QDateTime d = dateGenerale(quoi);
-        return {d.date(), d.time()};
-    }
-
-    const CalendarDataProvider *m_calendrier;
 };
 
 } // namespace
@@ -582,7 +410,8 @@ void SqliteCalendarStore::readKeptEvents(sqlite3_stmt *&st, const QString &sql, 
         return;
     for (int i = 0; i < values.size(); ++i)
         sqlite3_bind_text(st, i + 1, values.at(i).constData(), int(values.at(i).size()), SQLITE_TRANSIENT);
-    LecteurEvenements lecteur(st, m_helper.calendar());
+    const LigneSqlite<kColonnesEvenement> ligne(st, kNomsEvenement);
+    LecteurEvenements lecteur(ligne, m_helper.calendar());
     int rc = SQLITE_ROW;
     while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
         if (CalendarEventPtr e = lecteur.lire())
@@ -688,11 +517,12 @@ QHash<int, CalendarRecurrencePatternPtr> SqliteCalendarStore::DoReadRPatterns(co
     // All the exceptions of these series in one read, kept by series.
     QHash<int, QList<CalendarEventPtr>> exceptions;
     sqlite3_bind_text(m_seriesExceptionsStmt, 1, liste.constData(), int(liste.size()), SQLITE_TRANSIENT);
-    LecteurEvenements lecteur(m_seriesExceptionsStmt, m_helper.calendar());
+    const LigneSqlite<kColonnesEvenement> ligne(m_seriesExceptionsStmt, kNomsEvenement);
+    LecteurEvenements lecteur(ligne, m_helper.calendar());
     int rc = SQLITE_ROW;
     while ((rc = sqlite3_step(m_seriesExceptionsStmt)) == SQLITE_ROW) {
         try {
-            const int serie = lecteur.entier(LecteurEvenements::RecurrencePatternID);
+            const int serie = ligne.entier(ColonneEvenement::RecurrencePatternID);
             if (CalendarEventPtr e = lecteur.lire(true))
                 exceptions[serie].append(e);
         } catch (const FieldError &) {
@@ -700,7 +530,8 @@ QHash<int, CalendarRecurrencePatternPtr> SqliteCalendarStore::DoReadRPatterns(co
     }
 
     sqlite3_bind_text(m_patternsStmt, 1, liste.constData(), int(liste.size()), SQLITE_TRANSIENT);
-    const LecteurMotifs motifs(m_patternsStmt, m_helper.calendar());
+    const LigneSqlite<kColonnesMotif> ligneMotif(m_patternsStmt, kNomsMotif);
+    const LecteurMotifs motifs(ligneMotif, m_helper.calendar());
     // A series read without its exceptions would show occurrences that were
     // moved or deleted: the failure of either read is the failure of the
     // whole read (LastReadFailed).
