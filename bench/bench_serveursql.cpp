@@ -101,20 +101,26 @@ struct Mesure
     qsizetype affiches = 0;
 };
 
-Mesure lire(CalendarDataProvider &p, const QList<QDate> &lundis, int tours)
+// The stores read each week in turn, so that they meet the same load of the
+// machine (the server runs beside the program).
+QList<Mesure> lire(const QList<CalendarDataProvider *> &stores, const QList<QDate> &lundis, int tours)
 {
-    Mesure m;
+    QList<Mesure> m(stores.size());
+    QList<qint64> total(stores.size(), 0);
     QElapsedTimer t;
-    qint64 total = 0;
     for (int tour = 0; tour < tours; ++tour) {
         for (const QDate &lundi : lundis) {
-            t.start();
-            m.affiches += p.RetrieveEvents(lundi, lundi.addDays(4)).size();
-            total += t.nsecsElapsed();
+            for (qsizetype i = 0; i < stores.size(); ++i) {
+                t.start();
+                m[i].affiches += stores.at(i)->RetrieveEvents(lundi, lundi.addDays(4)).size();
+                total[i] += t.nsecsElapsed();
+            }
         }
     }
-    m.parSemaine = ms(total) / double(tours * lundis.size());
-    m.affiches /= tours;
+    for (qsizetype i = 0; i < stores.size(); ++i) {
+        m[i].parSemaine = ms(total.at(i)) / double(tours * lundis.size());
+        m[i].affiches /= tours;
+    }
     return m;
 }
 
@@ -174,12 +180,12 @@ int main(int argc, char *argv[])
     QList<QDate> lundis;
     for (int i = 0; i < semaines; ++i)
         lundis << QDate(2020, 1, 6).addDays(7 * ((i * 37) % 515));
-    // One warming read each, then the measures side by side.
-    lire(*embarque, lundis, 1);
-    lire(*maria, lundis, 1);
-    const Mesure e = lire(*embarque, lundis, 3);
-    const Mesure m = lire(*maria, lundis, 3);
-    const Mesure k5 = lire(*mysql, lundis, 1);
+    // One warming read each, then the measures side by side, week by week.
+    lire({embarque.get(), maria.get()}, lundis, 1);
+    const QList<Mesure> cote = lire({embarque.get(), maria.get()}, lundis, 5);
+    const Mesure &e = cote.at(0);
+    const Mesure &m = cote.at(1);
+    const Mesure k5 = lire({mysql.get()}, lundis, 1).at(0);
     // The bare week statement of the MariaDB store, prepared once as the
     // store keeps it, every column fetched, nothing mapped: what the server
     // and the driver cost.
