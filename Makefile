@@ -7,8 +7,13 @@ GENERATOR := $(shell command -v ninja >/dev/null 2>&1 && echo Ninja || echo "Uni
 
 all: build
 
+# The system packages by parts (scripts/install-deps.sh): running needs only
+# its own part; the tests add theirs.
+DEPS_PARTS ?= run
+test: DEPS_PARTS = run test
+
 deps:
-	bash scripts/install-deps.sh
+	bash scripts/install-deps.sh $(DEPS_PARTS)
 
 configure: deps
 	@if [ ! -f $(BUILD)/CMakeCache.txt ]; then \
