@@ -7,6 +7,7 @@
 #include "shell/base/promptwidgets.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
@@ -33,6 +34,9 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Tavonel"));
     QApplication::setOrganizationName(QStringLiteral("Tavonel"));
+    // The menu entry and icon of an installed program (tavonel.desktop).
+    QGuiApplication::setDesktopFileName(QStringLiteral("tavonel"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("tavonel")));
 
     // Qt's own texts (context menus of the text fields, standard buttons)
     // in French, whatever the machine's language.
