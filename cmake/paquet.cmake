@@ -8,11 +8,14 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "agenda des rendez-vous d'un cabinet médical")
 set(CPACK_PACKAGE_DESCRIPTION
-  "Tavonel tient l'agenda d'un cabinet médical : semaine de travail colorée par les règles
-horaires du cabinet, fiches patients, salle d'attente, ticket de rendez-vous, rappels par SMS
-(modem GSM) et par courriel. Plusieurs postes partagent un agenda posé dans un dossier commun.")
+  "Tavonel tient l'agenda d'un cabinet médical : semaine de travail colorée
+par les règles horaires du cabinet, fiches patients, salle d'attente, ticket
+de rendez-vous, rappels par SMS (modem GSM) et par courriel. Plusieurs postes
+partagent un agenda posé dans un dossier commun.")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_MAINTAINER "Développeurs de Tavonel <tavonel@localhost>")
+# Whoever builds the package for a practice names himself here.
+set(TAVONEL_MAINTENEUR "Développeurs de Tavonel <tavonel@localhost>" CACHE STRING "Maintainer of the Debian package")
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${TAVONEL_MAINTENEUR}")
 set(CPACK_DEBIAN_PACKAGE_SECTION misc)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 # The libraries the programs link to are found by dpkg-shlibdeps; what Qt
@@ -28,10 +31,10 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 # Debian wants a compressed change log beside the copyright.
-file(WRITE ${CMAKE_BINARY_DIR}/changelog.Debian
+file(WRITE ${CMAKE_BINARY_DIR}/changelog
   "tavonel (${PROJECT_VERSION}) unstable; urgency=medium\n\n"
   "  * Paquet d'un poste du cabinet.\n\n"
   " -- ${CPACK_DEBIAN_PACKAGE_MAINTAINER}  Tue, 24 Nov 2026 00:00:00 +0000\n")
-execute_process(COMMAND gzip -9 -n -f ${CMAKE_BINARY_DIR}/changelog.Debian)
+execute_process(COMMAND gzip -9 -n -f ${CMAKE_BINARY_DIR}/changelog)
 
 include(CPack)
