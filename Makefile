@@ -3,12 +3,18 @@ BUILD ?= build
 JOBS ?= 2
 GENERATOR := $(shell command -v ninja >/dev/null 2>&1 && echo Ninja || echo "Unix Makefiles")
 
-.PHONY: all deps configure build run test demo clean
+.PHONY: all deps configure build run test demo package clean
 
 all: build
 
+# The system packages by parts (scripts/install-deps.sh): running needs only
+# its own part; the tests add theirs.
+DEPS_PARTS ?= run
+test: DEPS_PARTS = run test
+package: DEPS_PARTS = run package
+
 deps:
-	bash scripts/install-deps.sh
+	bash scripts/install-deps.sh $(DEPS_PARTS)
 
 configure: deps
 	@if [ ! -f $(BUILD)/CMakeCache.txt ]; then \
@@ -35,6 +41,10 @@ demo: build
 
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j$(JOBS)
+
+# The Debian package of a workstation: $(BUILD)/tavonel_<version>_<arch>.deb.
+package: build
+	cd $(BUILD) && cpack -G DEB
 
 clean:
 	rm -rf $(BUILD)

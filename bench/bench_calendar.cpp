@@ -12,6 +12,7 @@
 #include "shell/base/basesqlite.h"
 #include "shell/base/config.h"
 #include "shell/base/horloge.h"
+#include "shell/base/processus.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -169,6 +170,7 @@ int requeteNueQt(QSqlDatabase db, const QDate &premier, const QDate &dernier)
 
 int main(int argc, char *argv[])
 {
+    PreparerProcessus();
     QCoreApplication app(argc, argv);
     const int essais = argc > 1 ? std::max(1, atoi(argv[1])) : 20;
     Horloge::fixer(kMaintenant);

@@ -12,6 +12,7 @@
 #include "shell/appstate.h"
 #include "shell/base/config.h"
 #include "shell/base/horloge.h"
+#include "shell/base/processus.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -109,6 +110,7 @@ bool ecrireRendezVous(CalendarDataProvider &p)
 
 int main(int argc, char **argv)
 {
+    PreparerProcessus();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);

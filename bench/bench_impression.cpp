@@ -22,6 +22,7 @@
 #include "shell/base/modal.h"
 #include "shell/demarrage.h"
 #include "shell/window/impressionagenda.h"
+#include "shell/base/processus.h"
 
 #include <QApplication>
 #include <QBuffer>
@@ -113,6 +114,7 @@ int demo(const QString &dossier, const QString &prefixe, const QDate &jour)
 
 int main(int argc, char **argv)
 {
+    PreparerProcessus();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);

@@ -8,6 +8,7 @@
 #include "patients/schemapatients.h"
 #include "shell/appstate.h"
 #include "shell/base/basesqlite.h"
+#include "shell/base/processus.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -93,6 +94,7 @@ double mediane(std::vector<double> v)
 
 int main(int argc, char **argv)
 {
+    PreparerProcessus();
     QCoreApplication app(argc, argv);
     const int nombre = argc > 1 ? QString::fromLocal8Bit(argv[1]).toInt() : 50000;
     const QString debut = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QStringLiteral("du");

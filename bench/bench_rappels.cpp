@@ -9,6 +9,7 @@
 #include "shell/base/horloge.h"
 #include "shell/base/prompt.h"
 #include "shell/demarrage.h"
+#include "shell/base/processus.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -39,6 +40,7 @@ const QDateTime kMaintenant(QDate(2026, 11, 23), QTime(8, 0));
 
 int main(int argc, char *argv[])
 {
+    PreparerProcessus();
     QCoreApplication app(argc, argv);
     const int nombre = argc > 1 ? std::max(1, std::atoi(argv[1])) : 100;
     Horloge::fixer(kMaintenant);

@@ -5,6 +5,7 @@
 
 #include "calendar/calendarevent.h"
 #include "calendar/recurrenceexpander.h"
+#include "shell/base/processus.h"
 
 #include <QElapsedTimer>
 
@@ -13,6 +14,7 @@
 
 int main(int argc, char **argv)
 {
+    PreparerProcessus();
     const bool comptees = argc > 1 && std::strcmp(argv[1], "counted") == 0;
     const QList<QList<int>> sortes{{1, 1, 0},     {1, 1, 1},       {2, 1, 2 | 8 | 32}, {3, 1, 31},
                                    {4, 1, 5, 62}, {5, 2, 29},      {6, 2, 16, 5}};

@@ -1,5 +1,6 @@
 #include "messaging/mailreminder.h"
 #include "messaging/rtftohtml.h"
+#include "shell/base/processus.h"
 
 #include <QTest>
 
@@ -37,5 +38,11 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(BenchRtfToHtml)
+int main(int argc, char *argv[])
+{
+    PreparerProcessus();
+    QCoreApplication app(argc, argv);
+    BenchRtfToHtml bench;
+    return QTest::qExec(&bench, argc, argv);
+}
 #include "bench_rtftohtml.moc"

@@ -11,6 +11,7 @@
 #include "calendar/recurrenceexpander.h"
 #include "shell/base/horloge.h"
 #include "support/serveurmariadb.h"
+#include "shell/base/processus.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -128,6 +129,7 @@ QList<Mesure> lire(const QList<CalendarDataProvider *> &stores, const QList<QDat
 
 int main(int argc, char *argv[])
 {
+    PreparerProcessus();
     QCoreApplication app(argc, argv);
     const int semaines = argc > 1 ? std::max(1, atoi(argv[1])) : 20;
     Horloge::fixer(kMaintenant);

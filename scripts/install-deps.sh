@@ -1,21 +1,43 @@
 #!/usr/bin/env bash
-# Installs the system packages that the build and the tests need. Idempotent:
-# packages already present are not fetched again, and nothing is done at all
-# when everything is there.
+# Installs the system packages (Debian, through apt-get) that one use of the
+# source tree needs, by parts:
+#   run      build the programs and run them (what `make run` needs);
+#   test     what the tests add: a display, a modem on a pseudo-terminal, a
+#            MariaDB server with its ODBC driver, PDF reading, fixed fonts;
+#   package  what `make package` adds to build the Debian package.
+# Without argument: run and test. Idempotent: packages already present are not
+# fetched again, and nothing is done at all when everything is there.
 set -euo pipefail
 
-PACKAGES=(
+RUN=(
   build-essential cmake ninja-build pkg-config
-  qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libqt6sql6-odbc
-  qt6-serialport-dev libqt6serialport6
-  libical-dev libcurl4-openssl-dev libsqlite3-dev sqlite3
-  qt6-translations-l10n
-  xvfb xauth socat fonts-liberation poppler-utils python3
-  mariadb-server odbc-mariadb unixodbc unixodbc-dev libqt6sql6-mysql
+  qt6-base-dev qt6-base-dev-tools qt6-serialport-dev
+  libical-dev libcurl4-openssl-dev libsqlite3-dev
+  libqt6serialport6 qt6-qpa-plugins qt6-translations-l10n
+  libqt6sql6-sqlite libqt6sql6-odbc libqt6sql6-mysql unixodbc
+  xdg-utils
 )
+TEST=(
+  xvfb xauth socat fonts-liberation poppler-utils python3 sqlite3
+  mariadb-server odbc-mariadb
+)
+PACKAGE=(dpkg-dev file)
+
+parts=("$@")
+[ ${#parts[@]} -gt 0 ] || parts=(run test)
+
+wanted=()
+for part in "${parts[@]}"; do
+  case "$part" in
+    run) wanted+=("${RUN[@]}") ;;
+    test) wanted+=("${TEST[@]}") ;;
+    package) wanted+=("${PACKAGE[@]}") ;;
+    *) echo "usage: $0 [run] [test] [package]" >&2; exit 2 ;;
+  esac
+done
 
 missing=()
-for p in "${PACKAGES[@]}"; do
+for p in "${wanted[@]}"; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
     missing+=("$p")
   fi

@@ -1,5 +1,5 @@
 #include "app/commandesadmin.h"
-#include "shell/base/fichierspartages.h"
+#include "shell/base/processus.h"
 
 #include <QCoreApplication>
 
@@ -7,9 +7,7 @@
 
 int main(int argc, char *argv[])
 {
-    // Every file this program makes in the shared folder is for the
-    // practice's group only.
-    FixerMasqueCreation();
+    PreparerProcessus();
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Tavonel"));
     QCoreApplication::setOrganizationName(QStringLiteral("Tavonel"));

@@ -1,12 +1,13 @@
 #include "shell/appstate.h"
 #include "shell/demarrage.h"
 #include "shell/base/dossiers.h"
-#include "shell/base/fichierspartages.h"
+#include "shell/base/processus.h"
 #include "shell/window/frmmain.h"
 #include "shell/base/prompt.h"
 #include "shell/base/promptwidgets.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
@@ -29,19 +30,13 @@ int fin(const QString &texte)
 
 int main(int argc, char *argv[])
 {
-    // Every file this program makes in the shared folder is for the
-    // practice's group only.
-    FixerMasqueCreation();
-#ifdef Q_OS_LINUX
-    // Without TZ, glibc looks at the zone file again at every local-time
-    // conversion, which doubles the cost of reading a week of appointments.
-    // Naming the system zone once gives the same times without that cost.
-    if (qEnvironmentVariableIsEmpty("TZ"))
-        qputenv("TZ", ":/etc/localtime");
-#endif
+    PreparerProcessus();
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Tavonel"));
     QApplication::setOrganizationName(QStringLiteral("Tavonel"));
+    // The menu entry and icon of an installed program (tavonel.desktop).
+    QGuiApplication::setDesktopFileName(QStringLiteral("tavonel"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("tavonel")));
 
     // Qt's own texts (context menus of the text fields, standard buttons)
     // in French, whatever the machine's language.
