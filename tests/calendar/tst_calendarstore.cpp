@@ -132,7 +132,7 @@ private Q_SLOTS:
         QCOMPARE(lu->CreationTime(), Horloge::maintenant());
         // The transfer entries are taken over, never left in the bag.
         QVERIFY(!lu->CustomProperties().HasProperty(QStringLiteral("process_RecurrenceState")));
-        QCOMPARE(compter(d + QStringLiteral("/Events.mdb"), QStringLiteral("SELECT count(*) FROM CalendarEvents WHERE CustomPropertiesXMLData LIKE '*process_*'")), 0);
+        QCOMPARE(compter(d + QStringLiteral("/Events.mdb"), QStringLiteral("SELECT count(*) FROM CalendarEvents WHERE instr(CustomPropertiesXMLData, 'process_') > 0")), 0);
     }
 
     void joursTouches_data()
