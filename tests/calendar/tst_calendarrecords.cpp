@@ -303,41 +303,6 @@ private slots:
         QCOMPARE(event->EndDateTime(), QDateTime(QDate(2026, 4, 6), QTime(14, 20)));
     }
 
-    void cleDeLaSerieSelonLEtat_data()
-    {
-        QTest::addColumn<int>("etat");
-        QTest::addColumn<int>("cle");
-        QTest::newRow("not recurring") << 0 << 0;
-        QTest::newRow("master") << 1 << 21;
-        QTest::newRow("occurrence") << 2 << 0;
-        QTest::newRow("exception") << 3 << 21;
-    }
-
-    void cleDeLaSerieSelonLEtat()
-    {
-        QFETCH(int, etat);
-        QFETCH(int, cle);
-
-        auto master = CalendarEvent::create(5);
-        master->setStartDateTime(QDateTime(QDate(2026, 3, 2), QTime(9, 0)));
-        master->setEndDateTime(QDateTime(QDate(2026, 3, 2), QTime(9, 30)));
-        master->CreateRecurrence()->setRecurrencePatternID(21);
-
-        CalendarEventPtr event;
-        switch (etat) {
-        case 0: event = CalendarEvent::create(6); break;
-        case 1: event = master; break;
-        case 2: event = CalendarEvent::CreateOccurrence(master, master->StartDateTime(), master->EndDateTime()); break;
-        case 3:
-            event = CalendarEvent::create(6);
-            event->MarkAsRecurrenceException();
-            master->RecurrencePattern()->SetException(event);
-            break;
-        }
-        QCOMPARE(event->RecurrenceState(), etat);
-        QCOMPARE(event->RecurrencePatternIDForRow(), cle);
-    }
-
     void repriseDesEntreesDeTransfert()
     {
         auto event = CalendarEvent::create(9);
@@ -399,23 +364,6 @@ private slots:
         // A plain event's copy has no series either.
         auto simple = CalendarEvent::create(1);
         QVERIFY(!simple->CloneEvent()->RecurrencePattern());
-    }
-
-    void copieDUneOccurrence()
-    {
-        auto master = CalendarEvent::create(5);
-        master->setStartDateTime(QDateTime(QDate(2026, 3, 2), QTime(9, 0)));
-        master->setEndDateTime(QDateTime(QDate(2026, 3, 2), QTime(9, 30)));
-        const CalendarRecurrencePatternPtr pattern = master->CreateRecurrence();
-        const CalendarEventPtr occurrence = CalendarEvent::CreateOccurrence(
-            master, QDateTime(QDate(2026, 3, 4), QTime(9, 0)), QDateTime(QDate(2026, 3, 4), QTime(9, 30)));
-
-        const CalendarEventPtr copie = occurrence->CloneEvent();
-        QCOMPARE(copie->RecurrenceState(), int(CalendarEvent::Occurrence));
-        QCOMPARE(copie->RecurrencePattern(), pattern);
-        QCOMPARE(copie->RecurrencePattern()->MasterEvent(), master);
-        copie->setStartDateTime(QDateTime(QDate(2026, 3, 4), QTime(11, 0)));
-        QCOMPARE(occurrence->StartDateTime(), QDateTime(QDate(2026, 3, 4), QTime(9, 0)));
     }
 
     void exceptionsDeLaSerie()

@@ -252,10 +252,6 @@ private slots:
             QVERIFY(o->EndDateTime().isValid());
             QVERIFY(o->StartDateTime() < o->EndDateTime());
         }
-        const auto prochaine = NextOccurrenceStart(master->RecurrencePattern(),
-                                                   QDateTime(jour("2026-03-29"), QTime(0, 0)));
-        QVERIFY(prochaine && prochaine->isValid());
-        QCOMPARE(prochaine->time(), QTime(3, 30));
     }
 
     void occurrenceAPasMinuit()
@@ -390,56 +386,6 @@ private slots:
         QCOMPARE(exceptions, exceptionsMontrees);
     }
 
-    void prochaineOccurrence_data()
-    {
-        QTest::addColumn<QList<int>>("options");
-        QTest::addColumn<int>("methode");
-        QTest::addColumn<QString>("fin");
-        QTest::addColumn<QString>("depuis");
-        QTest::addColumn<QString>("attendu"); // empty: none
-
-        const int parDate = CalendarRecurrencePattern::EndByDate;
-        const int apresN = CalendarRecurrencePattern::EndAfterOccurrencesCount;
-        const int sansFin = CalendarRecurrencePattern::NoEnd;
-
-        // Series from Monday 2026-03-02 at 09:00.
-        QTest::newRow("before the series") << QList<int>{1, 1, 0} << sansFin << "" << "2026-02-01 12:00"
-                                           << "2026-03-02 09:00";
-        QTest::newRow("exactly at a start") << QList<int>{1, 1, 0} << sansFin << "" << "2026-03-05 09:00"
-                                            << "2026-03-05 09:00";
-        QTest::newRow("a minute after a start") << QList<int>{1, 1, 0} << sansFin << "" << "2026-03-05 09:01"
-                                                << "2026-03-06 09:00";
-        QTest::newRow("weekly Wednesday") << QList<int>{2, 1, 8} << sansFin << "" << "2026-03-05 08:00"
-                                          << "2026-03-11 09:00";
-        QTest::newRow("after the last counted") << QList<int>{1, 1, 0} << apresN << "3" << "2026-03-04 10:00"
-                                                << "";
-        QTest::newRow("last counted") << QList<int>{1, 1, 0} << apresN << "3" << "2026-03-04 08:00"
-                                      << "2026-03-04 09:00";
-        QTest::newRow("after the end date") << QList<int>{1, 1, 0} << parDate << "2026-03-10" << "2026-03-10 09:30"
-                                            << "";
-        QTest::newRow("years later, monthly 31st") << QList<int>{3, 1, 31} << sansFin << "" << "2031-02-01 00:00"
-                                                   << "2031-02-28 09:00";
-    }
-
-    void prochaineOccurrence()
-    {
-        QFETCH(QList<int>, options);
-        QFETCH(int, methode);
-        QFETCH(QString, fin);
-        QFETCH(QString, depuis);
-        QFETCH(QString, attendu);
-
-        const CalendarEventPtr master = serie(options, QStringLiteral("2026-03-02"), QTime(9, 0), 30, methode, fin);
-        const auto prochaine = NextOccurrenceStart(master->RecurrencePattern(),
-                                                   QDateTime::fromString(depuis, QStringLiteral("yyyy-MM-dd HH:mm")));
-        if (attendu.isEmpty()) {
-            QVERIFY2(!prochaine, qPrintable(prochaine ? prochaine->toString(Qt::ISODate) : QString()));
-        } else {
-            QVERIFY(prochaine.has_value());
-            QCOMPARE(prochaine->toString(QStringLiteral("yyyy-MM-dd HH:mm")), attendu);
-        }
-    }
-
     void etendueDeLaSerie_data()
     {
         QTest::addColumn<QList<int>>("options");
@@ -522,10 +468,8 @@ private slots:
             for (const CalendarEventPtr &master : {sansFin, compte}) {
                 SetOccurrenceCacheEnabled(false);
                 const QList<QDateTime> attendus = OccurrenceStarts(master->RecurrencePattern(), de, a);
-                const auto prochaineAttendue = NextOccurrenceStart(master->RecurrencePattern(), QDateTime(de, QTime(12, 0)));
                 SetOccurrenceCacheEnabled(true);
                 QCOMPARE(OccurrenceStarts(master->RecurrencePattern(), de, a), attendus);
-                QCOMPARE(NextOccurrenceStart(master->RecurrencePattern(), QDateTime(de, QTime(12, 0))), prochaineAttendue);
                 vus += int(attendus.size());
             }
         }
@@ -596,11 +540,9 @@ private slots:
                     const QDate de = jour("2026-03-23").addDays(decalage);
                     // Ten years at once, then short ranges here and there.
                     const QDate a = de.addDays(decalage == -60 ? 3700 : decalage % 2 ? 4 : 45);
-                    const QDateTime apres(de, QTime(12, 0));
                     SetOccurrenceCacheEnabled(false);
                     SetRuleArithmeticEnabled(semainesAPart);
                     const QList<QDateTime> attendus = OccurrenceStarts(p, de, a);
-                    const auto prochaineAttendue = NextOccurrenceStart(p, apres);
                     const SeriesSpan etendueAttendue = SeriesSpanOf(p);
                     SetRuleArithmeticEnabled(true);
                     if (semainesAPart) {
@@ -611,7 +553,6 @@ private slots:
                         }
                     }
                     QCOMPARE(joursSeuls(OccurrenceStarts(p, de, a)), joursSeuls(attendus));
-                    QCOMPARE(NextOccurrenceStart(p, apres), prochaineAttendue);
                     QCOMPARE(SeriesSpanOf(p).lastEnd, etendueAttendue.lastEnd);
                     QCOMPARE(SeriesSpanOf(p).firstStart, etendueAttendue.firstStart);
                     SetRuleArithmeticEnabled(true);

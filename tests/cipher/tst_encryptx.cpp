@@ -380,17 +380,6 @@ private Q_SLOTS:
             QCOMPARE(tableau, clair);
     }
 
-    void mauvaiseCle()
-    {
-        const QString texte = QStringLiteral("12;Cabinet Nord");
-        QString hexa = EnCryptX().EncryptString(texte, QStringLiteral("bonne"), true);
-        EnCryptX lecteur;
-        const QString resultat = lecteur.DecryptString(hexa, QStringLiteral("mauvaise"), true);
-        QVERIFY(resultat != texte);
-        // Refused as to length: the 32 deciphered bytes come back whole.
-        QCOMPARE(resultat.size(), qsizetype(32));
-    }
-
     // Every whole percent, rising, 100 exactly once and last.
     void progression_data()
     {
