@@ -932,8 +932,9 @@ void frmEditEvent::prochainCreneau()
         Prompt::informer(QStringLiteral("Prochain créneau libre"), r.message, Prompt::Icone::Exclamation);
         return;
     }
-    // The new slot is held before the old one is let go.
-    if (const auto tenue = ReserverPlage(r.debut)) {
+    // The new slot is held before the old one is let go (the slot this
+    // dialog holds already needs no second row).
+    if (const auto tenue = r.debut == m_debutReserve ? std::nullopt : ReserverPlage(r.debut)) {
         setStatus(QString());
         Prompt::informer(QStringLiteral("Plage horaire réservée"), TextePlageReservee(*tenue), Prompt::Icone::Exclamation);
         return;
