@@ -7,15 +7,19 @@
 #include "appointments/paquetrdv.h"
 #include "calendar/calendardataprovider.h"
 #include "calendar/controlestore.h"
+#include "calendar/reminderengine.h"
 #include "cipher/encryptx.h"
 #include "messaging/diagnosticmodem.h"
+#include "messaging/gsmmodem.h"
 #include "messaging/mailreminder.h"
+#include "messaging/rappelsautomatiques.h"
 #include "patients/gestiontype.h"
 #include "patients/liaisons.h"
 #include "patients/recherchepatients.h"
 #include "patients/schemapatients.h"
 #include "shell/appstate.h"
 #include "shell/base/basesqlite.h"
+#include "shell/base/config.h"
 #include "shell/base/dossiers.h"
 #include "shell/base/horloge.h"
 #include "shell/base/profilini.h"
@@ -23,7 +27,10 @@
 #include "shell/demarrage.h"
 
 #include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QThread>
 
 namespace {
@@ -48,6 +55,9 @@ void usage(QTextStream &err)
            "                         (essai d'un dossier partagé : à faire sur un dossier d'essai)\n"
            "  hold-lock FICHIER SECONDES\n"
            "                         tient la base FICHIER verrouillée, comme un poste en pleine écriture\n"
+           "  rappels DOSSIER [--agenda N]\n"
+           "                         envoie les rappels dus de l'agenda (SMS et mails), comme le bouton\n"
+           "                         d'envoi de la fenêtre des rappels, sans personne devant l'écran\n"
            "  demo DOSSIER [AAAA-MM-JJ]\n"
            "                         crée dans DOSSIER un agenda de démonstration rempli pour la semaine\n"
            "                         du jour donné (par défaut aujourd'hui)\n";
@@ -302,6 +312,89 @@ int reserverEssais(const QStringList &arguments, QTextStream &out, QTextStream &
     return perdus == 0 && attente == 0 ? 0 : 1;
 }
 
+// The folder and the agenda number of the commands that serve one agenda as
+// a station does: "DOSSIER [--agenda N]". The argument is the enciphered
+// launch argument of agenda N (empty for the default agenda).
+bool lireAgenda(const QStringList &arguments, QString *dossier, QString *argument)
+{
+    for (qsizetype i = 1; i < arguments.size(); ++i) {
+        const QString &a = arguments.at(i);
+        bool ok = false;
+        if (a == QLatin1String("--agenda") && arguments.value(i + 1).toInt(&ok) >= 0 && ok)
+            *argument = EncoderArgument(arguments.at(++i));
+        else if (dossier->isEmpty() && !a.startsWith(QLatin1String("--")))
+            *dossier = a;
+        else
+            return false;
+    }
+    if (dossier->isEmpty())
+        return false;
+    // The folder given is the program folder for everything this process
+    // reads (Agenda.ini, the working files of the mail), as for a station
+    // started from there.
+    qputenv("TAVONEL_PROGRAM_DIR", QFile::encodeName(QDir(*dossier).absolutePath()));
+    return true;
+}
+
+// The start of a station on the folder, without a window; the text of the
+// failure when the agenda cannot be served.
+std::optional<QString> demarrerAgenda(Demarrage &demarrage, const QString &argument)
+{
+    AppState &etat = appState();
+    ParametresFenetre parametres;
+    std::optional<QString> fatal = demarrage.initialiser(argument);
+    if (!fatal)
+        fatal = demarrage.charger(parametres);
+    if (!fatal && etat.MoteurRappels)
+        etat.MoteurRappels->setEnabled(false);
+    for (QDeadlineTimer limite(30000); !fatal && etat.Calendrier && !etat.Calendrier->IsOpen() && !limite.hasExpired();) {
+        QThread::msleep(200);
+        etat.Calendrier->Open();
+    }
+    if (!fatal && (!etat.Calendrier || !etat.Calendrier->IsOpen()))
+        fatal = QStringLiteral("Le calendrier %1Events.mdb ne peut pas être ouvert.").arg(etat.PathDB);
+    return fatal;
+}
+
+// The reminders of an agenda sent with nobody at the window (a timer of the
+// system runs it). One run at a time on a machine, for the modem's sake.
+int envoyerRappels(const QStringList &arguments, QTextStream &out, QTextStream &err)
+{
+    QString dossier;
+    QString argument;
+    if (!lireAgenda(arguments, &dossier, &argument)) {
+        err << "rappels : DOSSIER [--agenda N] attendu.\n";
+        return 2;
+    }
+    AppState &etat = appState();
+    Demarrage demarrage(etat, DossierProgramme());
+    if (const std::optional<QString> fatal = demarrerAgenda(demarrage, argument)) {
+        err << "rappels : " << *fatal << '\n';
+        return 2;
+    }
+    if (!etat.RappelsSMS && !etat.RappelsMails) {
+        err << "rappels : l'agenda " << etat.AgendaName
+            << " n'envoie ni SMS ni mails (SMS et MAILS ne sont pas à \"Oui\" dans Agenda.ini) : rien n'est envoyé.\n";
+        FermerConfig();
+        return 1;
+    }
+    QLockFile verrou(QDir::tempPath() + QStringLiteral("/tavonel-rappels-COM%1.lock").arg(PortModem()));
+    verrou.setStaleLockTime(0);
+    if (!verrou.tryLock(15 * 60 * 1000)) {
+        err << "rappels : un autre envoi de rappels occupe ce poste depuis plus d'un quart d'heure.\n";
+        FermerConfig();
+        return 1;
+    }
+    BrancherMiroir(*etat.Calendrier);
+    const BilanRappelsAuto bilan = EnvoyerRappelsAutomatiques(*etat.Calendrier, etat.AgendaName, etat.CheminLog);
+    out << bilan.statut << '\n' << "Rappels dus : " << bilan.dus << ", laissés à un autre poste : " << bilan.laissesAilleurs << '\n';
+    for (const QString &r : bilan.raisons)
+        err << r << '\n';
+    etat.Calendrier->Close();
+    FermerConfig();
+    return bilan.reussi() ? 0 : 1;
+}
+
 int tenirVerrou(const QStringList &arguments, QTextStream &out, QTextStream &err)
 {
     bool ok = false;
@@ -369,6 +462,8 @@ int ExecuterCommandeAdmin(const QStringList &arguments, QTextStream &out, QTextS
         return tenirVerrou(arguments, out, err);
     if (commande == QLatin1String("search-patients"))
         return rechercherPatients(arguments, out, err);
+    if (commande == QLatin1String("rappels"))
+        return envoyerRappels(arguments, out, err);
     if (commande == QLatin1String("demo"))
         return creerDemo(arguments, out, err);
     usage(err);
