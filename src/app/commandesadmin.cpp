@@ -25,12 +25,14 @@
 #include "shell/base/profilini.h"
 #include "shell/base/support.h"
 #include "shell/demarrage.h"
+#include "shell/sauvegarde.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
+#include <QRegularExpression>
 #include <QThread>
 
 namespace {
@@ -58,6 +60,13 @@ void usage(QTextStream &err)
            "  rappels DOSSIER [--agenda N]\n"
            "                         envoie les rappels dus de l'agenda (SMS et mails), comme le bouton\n"
            "                         d'envoi de la fenêtre des rappels, sans personne devant l'écran\n"
+           "  sauvegarde DOSSIER [--agenda N]\n"
+           "                         copie Events.mdb, Config.mdb et Patients.mdb de l'agenda dans un dossier\n"
+           "                         daté sous CheminSauve (section Sauvegarge d'Agenda.ini), garde les 30\n"
+           "                         dernières ; les postes peuvent rester ouverts\n"
+           "  restaurer DOSSIER SAUVEGARDE [--agenda N]\n"
+           "                         vérifie la sauvegarde puis la remet en place (les bases d'avant sont\n"
+           "                         d'abord sauvegardées)\n"
            "  demo DOSSIER [AAAA-MM-JJ]\n"
            "                         crée dans DOSSIER un agenda de démonstration rempli pour la semaine\n"
            "                         du jour donné (par défaut aujourd'hui)\n";
@@ -395,6 +404,66 @@ int envoyerRappels(const QStringList &arguments, QTextStream &out, QTextStream &
     return bilan.reussi() ? 0 : 1;
 }
 
+// The backups of an agenda go to a folder of their own under CheminSauve,
+// named after the agenda, so that several agendas may share CheminSauve.
+QString racineSauvegardes(const AppState &etat)
+{
+    const QString chemin = LireIni(QStringLiteral("Sauvegarge"), QStringLiteral("CheminSauve"), QString(), CheminAgendaIni());
+    if (chemin.trimmed().isEmpty())
+        return {};
+    QString nom = etat.AgendaName;
+    nom.replace(QRegularExpression(QStringLiteral("[^\\w .-]")), QStringLiteral("_"));
+    return AjouterSlash(chemin) + nom;
+}
+
+int sauvegarder(const QStringList &arguments, QTextStream &out, QTextStream &err)
+{
+    QString dossier;
+    QString argument;
+    QString sauvegarde;
+    const bool restaurer = arguments.value(0) == QLatin1String("restaurer");
+    QStringList reste = arguments;
+    if (restaurer && reste.size() > 2)
+        sauvegarde = reste.takeAt(2);
+    if (!lireAgenda(reste, &dossier, &argument) || (restaurer && sauvegarde.isEmpty())) {
+        err << (restaurer ? "restaurer : DOSSIER SAUVEGARDE [--agenda N] attendu.\n" : "sauvegarde : DOSSIER [--agenda N] attendu.\n");
+        return 2;
+    }
+    AppState &etat = appState();
+    Demarrage demarrage(etat, DossierProgramme());
+    if (const std::optional<QString> fatal = demarrage.initialiser(argument)) {
+        err << arguments.value(0) << " : " << *fatal << '\n';
+        return 2;
+    }
+    const QList<StoreAgenda> stores = StoresAgenda(etat.PathDB, etat.CheminBaseAgenda);
+    const QString racine = racineSauvegardes(etat);
+    if (!restaurer) {
+        const ResultatSauvegarde r = Sauvegarder(stores, racine, Horloge::maintenant());
+        if (r.erreur) {
+            err << "sauvegarde : " << *r.erreur << '\n';
+            return 1;
+        }
+        out << "Sauvegarde faite : " << r.dossier << '\n';
+        for (const QString &n : r.supprimees)
+            out << "Ancienne sauvegarde supprimée : " << n << '\n';
+        return 0;
+    }
+    const ResultatRestauration r = Restaurer(sauvegarde, stores, racine, Horloge::maintenant());
+    if (!r.problemes.isEmpty()) {
+        err << "restaurer : la sauvegarde " << sauvegarde << " est refusée, rien n'a été changé :\n";
+        for (const QString &p : r.problemes)
+            err << "Problème : " << p << '\n';
+        return 1;
+    }
+    if (r.erreur) {
+        err << "restaurer : " << *r.erreur << '\n';
+        return 1;
+    }
+    out << "Bases d'avant la restauration sauvegardées dans " << r.sauvegardeAvant << '\n'
+        << "Sauvegarde " << sauvegarde << " remise en place. Les postes ouverts la montrent à leur prochaine mise à jour.\n";
+    return 0;
+}
+
 int tenirVerrou(const QStringList &arguments, QTextStream &out, QTextStream &err)
 {
     bool ok = false;
@@ -464,6 +533,8 @@ int ExecuterCommandeAdmin(const QStringList &arguments, QTextStream &out, QTextS
         return rechercherPatients(arguments, out, err);
     if (commande == QLatin1String("rappels"))
         return envoyerRappels(arguments, out, err);
+    if (commande == QLatin1String("sauvegarde") || commande == QLatin1String("restaurer"))
+        return sauvegarder(arguments, out, err);
     if (commande == QLatin1String("demo"))
         return creerDemo(arguments, out, err);
     usage(err);
