@@ -1,6 +1,7 @@
 #include "app/commandesadmin.h"
 
 #include "appointments/controlemiroir.h"
+#include "appointments/agendaical.h"
 #include "appointments/demo.h"
 #include "appointments/editionrdv.h"
 #include "appointments/miroir.h"
@@ -21,6 +22,7 @@
 #include "shell/base/basesqlite.h"
 #include "shell/base/config.h"
 #include "shell/base/dossiers.h"
+#include "shell/base/fichierspartages.h"
 #include "shell/base/horloge.h"
 #include "shell/base/profilini.h"
 #include "shell/base/support.h"
@@ -33,6 +35,7 @@
 #include <QFileInfo>
 #include <QLockFile>
 #include <QRegularExpression>
+#include <QSaveFile>
 #include <QThread>
 
 namespace {
@@ -67,6 +70,10 @@ void usage(QTextStream &err)
            "  restaurer DOSSIER SAUVEGARDE [--agenda N]\n"
            "                         vérifie la sauvegarde puis la remet en place (les bases d'avant sont\n"
            "                         d'abord sauvegardées)\n"
+           "  ical DOSSIER --praticien N [--semaines K] [--depuis AAAA-MM-JJ] [--noms] [--sortie FICHIER]\n"
+           "                         [--agenda A]  écrit les rendez-vous du praticien N (1 ou 2) pour K semaines\n"
+           "                         (4 par défaut) en iCalendar, pour le téléphone ; patients réduits à leurs\n"
+           "                         initiales sauf avec --noms ; par défaut dans DOSSIER/PraticienN.ics\n"
            "  demo DOSSIER [AAAA-MM-JJ]\n"
            "                         crée dans DOSSIER un agenda de démonstration rempli pour la semaine\n"
            "                         du jour donné (par défaut aujourd'hui)\n";
@@ -365,6 +372,18 @@ std::optional<QString> demarrerAgenda(Demarrage &demarrage, const QString &argum
     return fatal;
 }
 
+// The end of a run of demarrerAgenda, on every path: the stores closed while
+// the application object still lives.
+void arreterAgenda()
+{
+    AppState &etat = appState();
+    if (etat.Calendrier)
+        etat.Calendrier->Close();
+    etat.MoteurRappels.reset();
+    etat.Calendrier.reset();
+    FermerConfig();
+}
+
 // The reminders of an agenda sent with nobody at the window (a timer of the
 // system runs it). One run at a time on a machine, for the modem's sake.
 int envoyerRappels(const QStringList &arguments, QTextStream &out, QTextStream &err)
@@ -379,19 +398,20 @@ int envoyerRappels(const QStringList &arguments, QTextStream &out, QTextStream &
     Demarrage demarrage(etat, DossierProgramme());
     if (const std::optional<QString> fatal = demarrerAgenda(demarrage, argument)) {
         err << "rappels : " << *fatal << '\n';
+        arreterAgenda();
         return 2;
     }
     if (!etat.RappelsSMS && !etat.RappelsMails) {
         err << "rappels : l'agenda " << etat.AgendaName
             << " n'envoie ni SMS ni mails (SMS et MAILS ne sont pas à \"Oui\" dans Agenda.ini) : rien n'est envoyé.\n";
-        FermerConfig();
+        arreterAgenda();
         return 1;
     }
     QLockFile verrou(QDir::tempPath() + QStringLiteral("/tavonel-rappels-COM%1.lock").arg(PortModem()));
     verrou.setStaleLockTime(0);
     if (!verrou.tryLock(15 * 60 * 1000)) {
         err << "rappels : un autre envoi de rappels occupe ce poste depuis plus d'un quart d'heure.\n";
-        FermerConfig();
+        arreterAgenda();
         return 1;
     }
     BrancherMiroir(*etat.Calendrier);
@@ -399,8 +419,7 @@ int envoyerRappels(const QStringList &arguments, QTextStream &out, QTextStream &
     out << bilan.statut << '\n' << "Rappels dus : " << bilan.dus << ", laissés à un autre poste : " << bilan.laissesAilleurs << '\n';
     for (const QString &r : bilan.raisons)
         err << r << '\n';
-    etat.Calendrier->Close();
-    FermerConfig();
+    arreterAgenda();
     return bilan.reussi() ? 0 : 1;
 }
 
@@ -461,6 +480,69 @@ int sauvegarder(const QStringList &arguments, QTextStream &out, QTextStream &err
     }
     out << "Bases d'avant la restauration sauvegardées dans " << r.sauvegardeAvant << '\n'
         << "Sauvegarde " << sauvegarde << " remise en place. Les postes ouverts la montrent à leur prochaine mise à jour.\n";
+    return 0;
+}
+
+int ecrireIcal(const QStringList &arguments, QTextStream &out, QTextStream &err)
+{
+    OptionsIcal options;
+    options.praticien = 0;
+    options.depuis = Horloge::aujourdhui();
+    QString sortie;
+    QStringList reste{arguments.value(0)};
+    bool compris = true;
+    for (qsizetype i = 1; i < arguments.size() && compris; ++i) {
+        const QString &a = arguments.at(i);
+        const QString valeur = arguments.value(i + 1);
+        bool ok = true;
+        if (a == QLatin1String("--praticien"))
+            options.praticien = valeur.toInt(&ok);
+        else if (a == QLatin1String("--semaines"))
+            options.semaines = valeur.toInt(&ok);
+        else if (a == QLatin1String("--depuis"))
+            ok = (options.depuis = QDate::fromString(valeur, Qt::ISODate)).isValid();
+        else if (a == QLatin1String("--sortie"))
+            ok = !(sortie = valeur).isEmpty();
+        else if (a == QLatin1String("--noms"))
+            options.noms = true;
+        else if (a == QLatin1String("--agenda"))
+            reste << a << valeur;
+        else
+            reste << a;
+        if (a.startsWith(QLatin1String("--")) && a != QLatin1String("--noms"))
+            ++i;
+        compris = ok;
+    }
+    QString dossier;
+    QString argument;
+    if (!compris || (options.praticien != 1 && options.praticien != 2) || options.semaines < 1 || options.semaines > 520
+        || !lireAgenda(reste, &dossier, &argument)) {
+        err << "ical : DOSSIER --praticien 1|2 [--semaines K] [--depuis AAAA-MM-JJ] [--noms] [--sortie FICHIER] "
+               "[--agenda N] attendu.\n";
+        return 2;
+    }
+    AppState &etat = appState();
+    Demarrage demarrage(etat, DossierProgramme());
+    if (const std::optional<QString> fatal = demarrerAgenda(demarrage, argument)) {
+        err << "ical : " << *fatal << '\n';
+        arreterAgenda();
+        return 2;
+    }
+    options.nomCalendrier = LireConfig(QStringLiteral("Praticien%1").arg(options.praticien), QStringLiteral("Nom"),
+                                       QStringLiteral("Praticien %1").arg(options.praticien));
+    options.horodatage = Horloge::maintenant();
+    int evenements = 0;
+    const QByteArray texte = AgendaIcal(*etat.Calendrier, options, &evenements);
+    arreterAgenda();
+    if (sortie.isEmpty())
+        sortie = DossierProgramme() + QStringLiteral("Praticien%1.ics").arg(options.praticien);
+    QSaveFile fichier(sortie);
+    if (!fichier.open(QIODevice::WriteOnly) || fichier.write(texte) != texte.size() || !fichier.commit()) {
+        err << "ical : " << sortie << " ne peut pas être écrit : " << fichier.errorString() << '\n';
+        return 1;
+    }
+    PartagerFichier(sortie);
+    out << sortie << " : " << evenements << " événements pour " << options.nomCalendrier << ".\n";
     return 0;
 }
 
@@ -535,6 +617,8 @@ int ExecuterCommandeAdmin(const QStringList &arguments, QTextStream &out, QTextS
         return envoyerRappels(arguments, out, err);
     if (commande == QLatin1String("sauvegarde") || commande == QLatin1String("restaurer"))
         return sauvegarder(arguments, out, err);
+    if (commande == QLatin1String("ical"))
+        return ecrireIcal(arguments, out, err);
     if (commande == QLatin1String("demo"))
         return creerDemo(arguments, out, err);
     usage(err);

@@ -231,31 +231,38 @@ private Q_SLOTS:
         QTest::addColumn<QString>("modem");
         QTest::addColumn<bool>("refus");
         QTest::addColumn<QString>("rdv");
+        QTest::addColumn<QString>("pris"); // claimed meanwhile by another sender
         QTest::addColumn<QString>("statut");
         QTest::addColumn<QStringList>("restants");
         QTest::addColumn<QStringList>("sms");
         QTest::addColumn<QStringList>("mails");
         QTest::addColumn<QStringList>("boites");
         const QString envoi = QStringLiteral("Êtes-vous sur de vouloir envoyer tous les rappels ? ");
-        QTest::newRow("un SMS refusé") << "ok" << false << "ABE" << "Envois Mails OK / Erreur SMS RdV :2;" << QStringList{"B"}
+        QTest::newRow("un SMS refusé") << "ok" << false << "ABE" << "" << "Envois Mails OK / Erreur SMS RdV :2;" << QStringList{"B"}
                                        << QStringList{"0612345678", "0600000002"} << QStringList{"a@example.org", "e@example.org"}
                                        << QStringList{envoi};
         // The old record's copy into the patient file tells that it cannot
         // follow the dismissal.
-        QTest::newRow("sans modem") << "absent" << false << "ADE" << "Envois Mails OK / Envois SMS OK" << QStringList{}
+        QTest::newRow("sans modem") << "absent" << false << "ADE" << "" << "Envois Mails OK / Envois SMS OK" << QStringList{}
                                     << QStringList{} << QStringList{"a@example.org", "e@example.org"}
                                     << QStringList{envoi, "Le rendez-vous est bien enregistré dans l'agenda, mais sa copie"};
-        QTest::newRow("modem muet") << "muet" << false << "AE" << "Envois Mails OK / Envois SMS OK" << QStringList{}
+        QTest::newRow("modem muet") << "muet" << false << "AE" << "" << "Envois Mails OK / Envois SMS OK" << QStringList{}
                                     << QStringList{} << QStringList{"a@example.org", "e@example.org"}
                                     << QStringList{envoi, "Pas de Mobile GSM trouvé"};
-        QTest::newRow("serveur qui refuse") << "absent" << true << "ACB" << "Erreur Mail RdV :1;2; / Envois SMS OK"
+        QTest::newRow("serveur qui refuse") << "absent" << true << "ACB" << "" << "Erreur Mail RdV :1;2; / Envois SMS OK"
                                             << QStringList{"A", "C"} << QStringList{} << QStringList{} << QStringList{envoi};
+        // Listed here, but sent by another station: neither sent nor
+        // dismissed here.
+        QTest::newRow("pris par un autre poste") << "ok" << false << "AB" << "B" << "Envois Mails OK / Envois SMS OK"
+                                                 << QStringList{"B"} << QStringList{"0612345678"}
+                                                 << QStringList{"a@example.org"} << QStringList{envoi};
     }
     void envoi()
     {
         QFETCH(QString, modem);
         QFETCH(bool, refus);
         QFETCH(QString, rdv);
+        QFETCH(QString, pris);
         QFETCH(QString, statut);
         QFETCH(QStringList, restants);
         QFETCH(QStringList, sms);
@@ -292,6 +299,14 @@ private Q_SLOTS:
         auto *w = p.ouvrir<frmReminderSMS>("frmReminderSMS");
         QVERIFY(w && w->isVisible());
         QCOMPARE(w->ctrlReminders->topLevelItemCount(), int(rdv.size()));
+        ReminderEngine autre(appState().Calendrier.get());
+        autre.setSender(QStringLiteral("autre poste"));
+        autre.setEnabled(true);
+        QVERIFY(autre.Poll());
+        for (Reminder r : autre.ActiveReminders()) {
+            if (pris.contains(r.Event->Subject()))
+                QVERIFY(autre.Claim(r));
+        }
         QElapsedTimer chrono;
         int battements = 0;
         QTimer pouls;
@@ -373,7 +388,7 @@ private Q_SLOTS:
                                        patient(QStringLiteral("0644444444"), QStringLiteral("d@example.org"))};
             for (qsizetype i = 0; i < patients.size(); ++i) {
                 const CalendarEventPtr e = p.CreateNewEvent(demain.addSecs(i * 900), demain.addSecs(i * 900 + 600));
-                e->setSubject(QString(QChar(u'A' + i)));
+                e->setSubject(QString(QChar(char16_t(u'A' + i))));
                 e->setBody(patients.at(i));
                 e->setIsReminder(true);
                 e->setReminderMinutesBeforeStart(2880);
