@@ -19,6 +19,7 @@ RUN=(
 )
 TEST=(
   xvfb xauth socat fonts-liberation poppler-utils python3 sqlite3
+  python3-recurring-ical-events
   mariadb-server odbc-mariadb
 )
 PACKAGE=(dpkg-dev file)

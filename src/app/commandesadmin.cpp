@@ -1,29 +1,41 @@
 #include "app/commandesadmin.h"
 
 #include "appointments/controlemiroir.h"
+#include "appointments/agendaical.h"
 #include "appointments/demo.h"
 #include "appointments/editionrdv.h"
 #include "appointments/miroir.h"
 #include "appointments/paquetrdv.h"
 #include "calendar/calendardataprovider.h"
 #include "calendar/controlestore.h"
+#include "calendar/reminderengine.h"
 #include "cipher/encryptx.h"
 #include "messaging/diagnosticmodem.h"
+#include "messaging/gsmmodem.h"
 #include "messaging/mailreminder.h"
+#include "messaging/rappelsautomatiques.h"
 #include "patients/gestiontype.h"
 #include "patients/liaisons.h"
 #include "patients/recherchepatients.h"
 #include "patients/schemapatients.h"
 #include "shell/appstate.h"
 #include "shell/base/basesqlite.h"
+#include "shell/base/config.h"
 #include "shell/base/dossiers.h"
+#include "shell/base/fichierspartages.h"
 #include "shell/base/horloge.h"
 #include "shell/base/profilini.h"
 #include "shell/base/support.h"
 #include "shell/demarrage.h"
+#include "shell/sauvegarde.h"
 
 #include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
+#include <QRegularExpression>
+#include <QSaveFile>
 #include <QThread>
 
 namespace {
@@ -48,6 +60,20 @@ void usage(QTextStream &err)
            "                         (essai d'un dossier partagé : à faire sur un dossier d'essai)\n"
            "  hold-lock FICHIER SECONDES\n"
            "                         tient la base FICHIER verrouillée, comme un poste en pleine écriture\n"
+           "  rappels DOSSIER [--agenda N]\n"
+           "                         envoie les rappels dus de l'agenda (SMS et mails), comme le bouton\n"
+           "                         d'envoi de la fenêtre des rappels, sans personne devant l'écran\n"
+           "  sauvegarde DOSSIER [--agenda N]\n"
+           "                         copie Events.mdb, Config.mdb et Patients.mdb de l'agenda dans un dossier\n"
+           "                         daté sous CheminSauve (section Sauvegarge d'Agenda.ini), garde les 30\n"
+           "                         dernières ; les postes peuvent rester ouverts\n"
+           "  restaurer DOSSIER SAUVEGARDE [--agenda N]\n"
+           "                         vérifie la sauvegarde puis la remet en place (les bases d'avant sont\n"
+           "                         d'abord sauvegardées)\n"
+           "  ical DOSSIER --praticien N [--semaines K] [--depuis AAAA-MM-JJ] [--noms] [--sortie FICHIER]\n"
+           "                         [--agenda A]  écrit les rendez-vous du praticien N (1 ou 2) pour K semaines\n"
+           "                         (4 par défaut) en iCalendar, pour le téléphone ; patients réduits à leurs\n"
+           "                         initiales sauf avec --noms ; par défaut dans DOSSIER/PraticienN.ics\n"
            "  demo DOSSIER [AAAA-MM-JJ]\n"
            "                         crée dans DOSSIER un agenda de démonstration rempli pour la semaine\n"
            "                         du jour donné (par défaut aujourd'hui)\n";
@@ -302,6 +328,224 @@ int reserverEssais(const QStringList &arguments, QTextStream &out, QTextStream &
     return perdus == 0 && attente == 0 ? 0 : 1;
 }
 
+// The folder and the agenda number of the commands that serve one agenda as
+// a station does: "DOSSIER [--agenda N]". The argument is the enciphered
+// launch argument of agenda N (empty for the default agenda).
+bool lireAgenda(const QStringList &arguments, QString *dossier, QString *argument)
+{
+    for (qsizetype i = 1; i < arguments.size(); ++i) {
+        const QString &a = arguments.at(i);
+        bool ok = false;
+        if (a == QLatin1String("--agenda") && arguments.value(i + 1).toInt(&ok) >= 0 && ok)
+            *argument = EncoderArgument(arguments.at(++i));
+        else if (dossier->isEmpty() && !a.startsWith(QLatin1String("--")))
+            *dossier = a;
+        else
+            return false;
+    }
+    if (dossier->isEmpty())
+        return false;
+    // The folder given is the program folder for everything this process
+    // reads (Agenda.ini, the working files of the mail), as for a station
+    // started from there.
+    qputenv("TAVONEL_PROGRAM_DIR", QFile::encodeName(QDir(*dossier).absolutePath()));
+    return true;
+}
+
+// The start of a station on the folder, without a window; the text of the
+// failure when the agenda cannot be served.
+std::optional<QString> demarrerAgenda(Demarrage &demarrage, const QString &argument)
+{
+    AppState &etat = appState();
+    ParametresFenetre parametres;
+    std::optional<QString> fatal = demarrage.initialiser(argument);
+    if (!fatal)
+        fatal = demarrage.charger(parametres);
+    if (!fatal && etat.MoteurRappels)
+        etat.MoteurRappels->setEnabled(false);
+    for (QDeadlineTimer limite(30000); !fatal && etat.Calendrier && !etat.Calendrier->IsOpen() && !limite.hasExpired();) {
+        QThread::msleep(200);
+        etat.Calendrier->Open();
+    }
+    if (!fatal && (!etat.Calendrier || !etat.Calendrier->IsOpen()))
+        fatal = QStringLiteral("Le calendrier %1Events.mdb ne peut pas être ouvert.").arg(etat.PathDB);
+    return fatal;
+}
+
+// The end of a run of demarrerAgenda, on every path: the stores closed while
+// the application object still lives.
+void arreterAgenda()
+{
+    AppState &etat = appState();
+    if (etat.Calendrier)
+        etat.Calendrier->Close();
+    etat.MoteurRappels.reset();
+    etat.Calendrier.reset();
+    FermerConfig();
+}
+
+// The reminders of an agenda sent with nobody at the window (a timer of the
+// system runs it). One run at a time on a machine, for the modem's sake.
+int envoyerRappels(const QStringList &arguments, QTextStream &out, QTextStream &err)
+{
+    QString dossier;
+    QString argument;
+    if (!lireAgenda(arguments, &dossier, &argument)) {
+        err << "rappels : DOSSIER [--agenda N] attendu.\n";
+        return 2;
+    }
+    AppState &etat = appState();
+    Demarrage demarrage(etat, DossierProgramme());
+    if (const std::optional<QString> fatal = demarrerAgenda(demarrage, argument)) {
+        err << "rappels : " << *fatal << '\n';
+        arreterAgenda();
+        return 2;
+    }
+    if (!etat.RappelsSMS && !etat.RappelsMails) {
+        err << "rappels : l'agenda " << etat.AgendaName
+            << " n'envoie ni SMS ni mails (SMS et MAILS ne sont pas à \"Oui\" dans Agenda.ini) : rien n'est envoyé.\n";
+        arreterAgenda();
+        return 1;
+    }
+    QLockFile verrou(QDir::tempPath() + QStringLiteral("/tavonel-rappels-COM%1.lock").arg(PortModem()));
+    verrou.setStaleLockTime(0);
+    if (!verrou.tryLock(15 * 60 * 1000)) {
+        err << "rappels : un autre envoi de rappels occupe ce poste depuis plus d'un quart d'heure.\n";
+        arreterAgenda();
+        return 1;
+    }
+    BrancherMiroir(*etat.Calendrier);
+    const BilanRappelsAuto bilan = EnvoyerRappelsAutomatiques(*etat.Calendrier, etat.AgendaName, etat.CheminLog);
+    out << bilan.statut << '\n' << "Rappels dus : " << bilan.dus << ", laissés à un autre poste : " << bilan.laissesAilleurs << '\n';
+    for (const QString &r : bilan.raisons)
+        err << r << '\n';
+    arreterAgenda();
+    return bilan.reussi() ? 0 : 1;
+}
+
+// The backups of an agenda go to a folder of their own under CheminSauve,
+// named after the agenda, so that several agendas may share CheminSauve.
+QString racineSauvegardes(const AppState &etat)
+{
+    const QString chemin = LireIni(QStringLiteral("Sauvegarge"), QStringLiteral("CheminSauve"), QString(), CheminAgendaIni());
+    if (chemin.trimmed().isEmpty())
+        return {};
+    QString nom = etat.AgendaName;
+    nom.replace(QRegularExpression(QStringLiteral("[^\\w .-]")), QStringLiteral("_"));
+    return AjouterSlash(chemin) + nom;
+}
+
+int sauvegarder(const QStringList &arguments, QTextStream &out, QTextStream &err)
+{
+    QString dossier;
+    QString argument;
+    QString sauvegarde;
+    const bool restaurer = arguments.value(0) == QLatin1String("restaurer");
+    QStringList reste = arguments;
+    if (restaurer && reste.size() > 2)
+        sauvegarde = reste.takeAt(2);
+    if (!lireAgenda(reste, &dossier, &argument) || (restaurer && sauvegarde.isEmpty())) {
+        err << (restaurer ? "restaurer : DOSSIER SAUVEGARDE [--agenda N] attendu.\n" : "sauvegarde : DOSSIER [--agenda N] attendu.\n");
+        return 2;
+    }
+    AppState &etat = appState();
+    Demarrage demarrage(etat, DossierProgramme());
+    if (const std::optional<QString> fatal = demarrage.initialiser(argument)) {
+        err << arguments.value(0) << " : " << *fatal << '\n';
+        return 2;
+    }
+    const QList<StoreAgenda> stores = StoresAgenda(etat.PathDB, etat.CheminBaseAgenda);
+    const QString racine = racineSauvegardes(etat);
+    if (!restaurer) {
+        const ResultatSauvegarde r = Sauvegarder(stores, racine, Horloge::maintenant());
+        if (r.erreur) {
+            err << "sauvegarde : " << *r.erreur << '\n';
+            return 1;
+        }
+        out << "Sauvegarde faite : " << r.dossier << '\n';
+        for (const QString &n : r.supprimees)
+            out << "Ancienne sauvegarde supprimée : " << n << '\n';
+        return 0;
+    }
+    const ResultatRestauration r = Restaurer(sauvegarde, stores, racine, Horloge::maintenant());
+    if (!r.problemes.isEmpty()) {
+        err << "restaurer : la sauvegarde " << sauvegarde << " est refusée, rien n'a été changé :\n";
+        for (const QString &p : r.problemes)
+            err << "Problème : " << p << '\n';
+        return 1;
+    }
+    if (r.erreur) {
+        err << "restaurer : " << *r.erreur << '\n';
+        return 1;
+    }
+    out << "Bases d'avant la restauration sauvegardées dans " << r.sauvegardeAvant << '\n'
+        << "Sauvegarde " << sauvegarde << " remise en place. Les postes ouverts la montrent à leur prochaine mise à jour.\n";
+    return 0;
+}
+
+int ecrireIcal(const QStringList &arguments, QTextStream &out, QTextStream &err)
+{
+    OptionsIcal options;
+    options.praticien = 0;
+    options.depuis = Horloge::aujourdhui();
+    QString sortie;
+    QStringList reste{arguments.value(0)};
+    bool compris = true;
+    for (qsizetype i = 1; i < arguments.size() && compris; ++i) {
+        const QString &a = arguments.at(i);
+        const QString valeur = arguments.value(i + 1);
+        bool ok = true;
+        if (a == QLatin1String("--praticien"))
+            options.praticien = valeur.toInt(&ok);
+        else if (a == QLatin1String("--semaines"))
+            options.semaines = valeur.toInt(&ok);
+        else if (a == QLatin1String("--depuis"))
+            ok = (options.depuis = QDate::fromString(valeur, Qt::ISODate)).isValid();
+        else if (a == QLatin1String("--sortie"))
+            ok = !(sortie = valeur).isEmpty();
+        else if (a == QLatin1String("--noms"))
+            options.noms = true;
+        else if (a == QLatin1String("--agenda"))
+            reste << a << valeur;
+        else
+            reste << a;
+        if (a.startsWith(QLatin1String("--")) && a != QLatin1String("--noms"))
+            ++i;
+        compris = ok;
+    }
+    QString dossier;
+    QString argument;
+    if (!compris || (options.praticien != 1 && options.praticien != 2) || options.semaines < 1 || options.semaines > 520
+        || !lireAgenda(reste, &dossier, &argument)) {
+        err << "ical : DOSSIER --praticien 1|2 [--semaines K] [--depuis AAAA-MM-JJ] [--noms] [--sortie FICHIER] "
+               "[--agenda N] attendu.\n";
+        return 2;
+    }
+    AppState &etat = appState();
+    Demarrage demarrage(etat, DossierProgramme());
+    if (const std::optional<QString> fatal = demarrerAgenda(demarrage, argument)) {
+        err << "ical : " << *fatal << '\n';
+        arreterAgenda();
+        return 2;
+    }
+    options.nomCalendrier = LireConfig(QStringLiteral("Praticien%1").arg(options.praticien), QStringLiteral("Nom"),
+                                       QStringLiteral("Praticien %1").arg(options.praticien));
+    options.horodatage = Horloge::maintenant();
+    int evenements = 0;
+    const QByteArray texte = AgendaIcal(*etat.Calendrier, options, &evenements);
+    arreterAgenda();
+    if (sortie.isEmpty())
+        sortie = DossierProgramme() + QStringLiteral("Praticien%1.ics").arg(options.praticien);
+    QSaveFile fichier(sortie);
+    if (!fichier.open(QIODevice::WriteOnly) || fichier.write(texte) != texte.size() || !fichier.commit()) {
+        err << "ical : " << sortie << " ne peut pas être écrit : " << fichier.errorString() << '\n';
+        return 1;
+    }
+    PartagerFichier(sortie);
+    out << sortie << " : " << evenements << " événements pour " << options.nomCalendrier << ".\n";
+    return 0;
+}
+
 int tenirVerrou(const QStringList &arguments, QTextStream &out, QTextStream &err)
 {
     bool ok = false;
@@ -369,6 +613,12 @@ int ExecuterCommandeAdmin(const QStringList &arguments, QTextStream &out, QTextS
         return tenirVerrou(arguments, out, err);
     if (commande == QLatin1String("search-patients"))
         return rechercherPatients(arguments, out, err);
+    if (commande == QLatin1String("rappels"))
+        return envoyerRappels(arguments, out, err);
+    if (commande == QLatin1String("sauvegarde") || commande == QLatin1String("restaurer"))
+        return sauvegarder(arguments, out, err);
+    if (commande == QLatin1String("ical"))
+        return ecrireIcal(arguments, out, err);
     if (commande == QLatin1String("demo"))
         return creerDemo(arguments, out, err);
     usage(err);

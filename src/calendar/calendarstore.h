@@ -92,6 +92,22 @@ public:
     virtual bool CommitChange() { return true; }
     virtual void RollbackChange() {}
 
+    // Claims of reminders being sent, so that two senders (a station's batch
+    // and the unattended run, or two stations) never send one twice. A claim
+    // is taken inside a change (BeginChange), after the appointment was read
+    // again there. DoClaimReminder answers false when another sender holds a
+    // claim on the key taken after staleBefore; older claims are abandoned
+    // ones (a sender that stopped midway) and are dropped. A store that
+    // cannot keep claims grants every one.
+    virtual bool DoClaimReminder(const QString & /*key*/, const QString & /*sender*/, const QDateTime & /*now*/,
+                                 const QDateTime & /*staleBefore*/)
+    {
+        return true;
+    }
+    virtual void DoReleaseReminder(const QString & /*key*/) {}
+    // The claims taken after staleBefore: key and sender.
+    [[nodiscard]] virtual QHash<QString, QString> DoReadReminderClaims(const QDateTime & /*staleBefore*/) { return {}; }
+
     // Whether the last read could not be run at all (a file held too long by
     // another workstation): an empty answer then means "unknown", not "none".
     [[nodiscard]] virtual bool LastReadFailed() const { return false; }

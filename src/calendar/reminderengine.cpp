@@ -4,6 +4,9 @@
 #include "calendar/recurrenceexpander.h"
 #include "shell/base/horloge.h"
 
+#include <QCoreApplication>
+#include <QSysInfo>
+
 #include <algorithm>
 
 namespace {
@@ -46,6 +49,7 @@ bool avant(const Reminder &a, const Reminder &b)
 ReminderEngine::ReminderEngine(CalendarDataProvider *provider, QObject *parent)
     : QObject(parent)
     , m_provider(provider)
+    , m_sender(QSysInfo::machineHostName() + u':' + QString::number(QCoreApplication::applicationPid()))
 {
     m_timer.setInterval(30000);
     connect(&m_timer, &QTimer::timeout, this, &ReminderEngine::Poll);
@@ -90,9 +94,20 @@ std::optional<QList<Reminder>> ReminderEngine::dueReminders(const QDateTime &now
     m_provider->setReadWait(-1);
     if (!lu)
         return std::nullopt;
+    // What another sender is sending is not due here.
+    const QHash<QString, QString> claims =
+        m_provider->store()->DoReadReminderClaims(now.addSecs(-qint64(ClaimLifetimeMinutes) * 60));
+    auto retenirLibre = [&](const std::optional<Reminder> &r) {
+        if (r) {
+            const auto c = claims.constFind(r->key());
+            if (c != claims.cend() && *c != m_sender)
+                return;
+        }
+        retenir(r);
+    };
     for (const CalendarEventPtr &e : lignes) {
         if (e->RecurrenceState() == CalendarEvent::NotRecurring) {
-            retenir(rappelDe(e, e->EventID(), {}));
+            retenirLibre(rappelDe(e, e->EventID(), {}));
             continue;
         }
         const CalendarRecurrencePatternPtr pattern = e->RecurrencePattern();
@@ -108,23 +123,23 @@ std::optional<QList<Reminder>> ReminderEngine::dueReminders(const QDateTime &now
             if (pattern->FindException(debut))
                 continue;
             const QDateTime fin = debut.addSecs(qint64(pattern->DurationMinutes()) * 60);
-            retenir(rappelDe(CalendarEvent::CreateOccurrence(e, debut, fin), e->EventID(), debut));
+            retenirLibre(rappelDe(CalendarEvent::CreateOccurrence(e, debut, fin), e->EventID(), debut));
         }
         for (const CalendarEventPtr &x : pattern->Exceptions())
-            retenir(rappelDe(x, e->EventID(), x->RExceptionStartTimeOrig()));
+            retenirLibre(rappelDe(x, e->EventID(), x->RExceptionStartTimeOrig()));
     }
     return dus;
 }
 
-void ReminderEngine::Poll()
+bool ReminderEngine::Poll()
 {
     if (!m_enabled)
-        return;
+        return false;
     // A store that could not be asked (held too long by another
     // workstation) leaves the list as it is until the next poll.
     const std::optional<QList<Reminder>> lus = dueReminders(Horloge::maintenant());
     if (!lus)
-        return;
+        return false;
     const QList<Reminder> &dus = *lus;
 
     QList<Reminder> partis;
@@ -151,6 +166,56 @@ void ReminderEngine::Poll()
         if (std::any_of(m_active.begin(), m_active.end(), [&](const Reminder &a) { return a.sameAs(r); }))
             emit reminderAction(Fire, r);
     }
+    return true;
+}
+
+std::optional<Reminder> ReminderEngine::reread(const Reminder &r)
+{
+    const CalendarEventPtr e = m_provider->GetEvent(r.KeyEventID);
+    if (!e)
+        return std::nullopt;
+    if (!r.KeyOccurrence.isValid())
+        return e->RecurrenceState() == CalendarEvent::NotRecurring ? rappelDe(e, e->EventID(), {}) : std::nullopt;
+    const CalendarRecurrencePatternPtr pattern = e->RecurrencePattern();
+    if (e->RecurrenceState() != CalendarEvent::Master || !pattern)
+        return std::nullopt;
+    if (const CalendarEventPtr x = pattern->FindException(r.KeyOccurrence))
+        return rappelDe(x, e->EventID(), r.KeyOccurrence);
+    // The series may have been changed meanwhile: the occurrence must still
+    // be one of it.
+    const QDate jour = r.KeyOccurrence.date();
+    if (!OccurrenceStarts(pattern, jour, jour).contains(r.KeyOccurrence))
+        return std::nullopt;
+    const QDateTime fin = r.KeyOccurrence.addSecs(qint64(pattern->DurationMinutes()) * 60);
+    return rappelDe(CalendarEvent::CreateOccurrence(e, r.KeyOccurrence, fin), e->EventID(), r.KeyOccurrence);
+}
+
+bool ReminderEngine::Claim(Reminder &r)
+{
+    CalendarStore *store = m_provider ? m_provider->store() : nullptr;
+    if (!store || !m_provider->IsOpen() || !store->BeginChange())
+        return false;
+    const QDateTime now = Horloge::maintenant();
+    const std::optional<Reminder> frais = reread(r);
+    if (!frais || frais->NextReminderTime > now
+        || !store->DoClaimReminder(r.key(), m_sender, now, now.addSecs(-qint64(ClaimLifetimeMinutes) * 60))) {
+        store->RollbackChange();
+        return false;
+    }
+    if (!store->CommitChange())
+        return false;
+    r.Event = frais->Event;
+    for (Reminder &a : m_active) {
+        if (a.sameAs(r))
+            a.Event = r.Event;
+    }
+    return true;
+}
+
+void ReminderEngine::Release(const Reminder &r)
+{
+    if (m_provider && m_provider->IsOpen() && m_provider->store())
+        m_provider->store()->DoReleaseReminder(r.key());
 }
 
 bool ReminderEngine::Snooze(int position, int minutes)

@@ -28,6 +28,15 @@ struct Reminder
     QDateTime KeyOccurrence;
 
     [[nodiscard]] bool isNull() const { return !Event; }
+    // The same as text, for claims and lists of what was done: the row's
+    // key, and for an occurrence of a series the series' key with the
+    // occurrence's start, so that one occurrence never stands for another.
+    [[nodiscard]] QString key() const
+    {
+        if (KeyOccurrence.isValid())
+            return QString::number(KeyEventID) + u'@' + KeyOccurrence.toString(Qt::ISODate);
+        return QString::number(KeyEventID);
+    }
     [[nodiscard]] bool sameAs(const Reminder &other) const
     {
         return KeyEventID == other.KeyEventID && KeyOccurrence == other.KeyOccurrence;
@@ -47,6 +56,11 @@ Q_DECLARE_METATYPE(Reminder)
 // which the data provider keeps as an exception of its own. A reminder that
 // fell due while the program was closed fires at the next start, unless it
 // fell due more than lookBackDays ago.
+//
+// A sender claims a reminder in the store before it sends it (Claim), and
+// gives the claim up once the reminder is dismissed or has failed (Release).
+// While another sender holds the claim, the reminder is not due here: no
+// list shows it and no batch sends it a second time.
 class ReminderEngine final : public QObject
 {
     Q_OBJECT
@@ -68,8 +82,9 @@ public:
     void setLookBackDays(int days) { m_lookBackDays = days; }
     [[nodiscard]] int lookBackDays() const { return m_lookBackDays; }
 
-    // Asks the store now (the timer calls it).
-    void Poll();
+    // Asks the store now (the timer calls it). False when the store could not
+    // be read; the list is then left as it was.
+    bool Poll();
 
     [[nodiscard]] const QList<Reminder> &ActiveReminders() const { return m_active; }
     [[nodiscard]] int Count() const { return int(m_active.size()); }
@@ -79,6 +94,19 @@ public:
     bool Dismiss(int position);
     void DismissAll();
 
+    // Who sends, in the claims: the machine and the process, unless set.
+    [[nodiscard]] const QString &Sender() const { return m_sender; }
+    void setSender(const QString &sender) { m_sender = sender; }
+    // Claims a reminder for this sender, in one write transaction: the
+    // appointment is read again there, and the claim is taken only when it
+    // is still under reminder, still due, and not claimed by another sender.
+    // On success r (and its entry in the active list) holds the record as
+    // read now.
+    bool Claim(Reminder &r);
+    void Release(const Reminder &r);
+    // A claim older than this was left by a sender that stopped midway.
+    static constexpr int ClaimLifetimeMinutes = 30;
+
 signals:
     void reminderAction(int action, const Reminder &reminder);
 
@@ -86,10 +114,13 @@ private:
     // Nothing when the store could not be asked.
     [[nodiscard]] std::optional<QList<Reminder>> dueReminders(const QDateTime &now);
     bool writeDismissal(const Reminder &r);
+    // The reminder as the store holds it now, if it is still under reminder.
+    [[nodiscard]] std::optional<Reminder> reread(const Reminder &r);
 
     CalendarDataProvider *m_provider;
     QTimer m_timer;
     bool m_enabled = false;
     int m_lookBackDays = 7;
     QList<Reminder> m_active;
+    QString m_sender;
 };

@@ -98,6 +98,12 @@ const char *const kSchema[] = {
     "CREATE TABLE IF NOT EXISTS CalendarSchedules ("
     " ScheduleID INTEGER PRIMARY KEY AUTOINCREMENT,"
     " Name TEXT NOT NULL DEFAULT '')",
+    // Reminders being sent: the key of the reminder (the row, and the
+    // occurrence's start for a series), who sends it and since when.
+    "CREATE TABLE IF NOT EXISTS RappelsEnCours ("
+    " Cle TEXT PRIMARY KEY,"
+    " Expediteur TEXT NOT NULL,"
+    " Depuis TEXT NOT NULL)",
     // Short rows (a day or less) touching a range start at most a day before
     // it: found by their start.
     "CREATE INDEX IF NOT EXISTS idx_events_debut ON CalendarEvents(RecurrenceState, StartDateTime)",
@@ -703,6 +709,56 @@ void SqliteCalendarStore::RollbackChange()
         return;
     m_changeDepth = 0;
     m_base->executer(QStringLiteral("ROLLBACK"), &m_lastError);
+}
+
+bool SqliteCalendarStore::DoClaimReminder(const QString &key, const QString &sender, const QDateTime &now,
+                                          const QDateTime &staleBefore)
+{
+    if (!m_base)
+        return false;
+    const QString format = QStringLiteral("yyyy-MM-dd HH:mm:ss");
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("DELETE FROM RappelsEnCours WHERE Depuis < ?"));
+    q.addBindValue(staleBefore.toString(format));
+    if (!execBound(q))
+        return false;
+    q.prepare(QStringLiteral("SELECT Expediteur FROM RappelsEnCours WHERE Cle = ?"));
+    q.addBindValue(key);
+    if (!execBound(q))
+        return false;
+    if (q.next() && q.value(0).toString() != sender)
+        return false;
+    q.prepare(QStringLiteral("INSERT OR REPLACE INTO RappelsEnCours (Cle, Expediteur, Depuis) VALUES (?, ?, ?)"));
+    q.addBindValue(key);
+    q.addBindValue(sender);
+    q.addBindValue(now.toString(format));
+    return execBound(q);
+}
+
+void SqliteCalendarStore::DoReleaseReminder(const QString &key)
+{
+    if (!m_base)
+        return;
+    QSqlQuery q(m_base->db());
+    q.prepare(QStringLiteral("DELETE FROM RappelsEnCours WHERE Cle = ?"));
+    q.addBindValue(key);
+    execBound(q);
+}
+
+QHash<QString, QString> SqliteCalendarStore::DoReadReminderClaims(const QDateTime &staleBefore)
+{
+    QHash<QString, QString> claims;
+    if (!m_base)
+        return claims;
+    QSqlQuery q(m_base->db());
+    q.setForwardOnly(true);
+    q.prepare(QStringLiteral("SELECT Cle, Expediteur FROM RappelsEnCours WHERE Depuis >= ?"));
+    q.addBindValue(staleBefore.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
+    if (execBound(q)) {
+        while (q.next())
+            claims.insert(q.value(0).toString(), q.value(1).toString());
+    }
+    return claims;
 }
 
 bool SqliteCalendarStore::DoReadSchedules(QList<CalendarSchedule> &schedules)

@@ -60,6 +60,11 @@ public:
     bool DoDeleteSchedule(int scheduleId) override;
     [[nodiscard]] int DoCountScheduleEvents(int scheduleId) override;
 
+    bool DoClaimReminder(const QString &key, const QString &sender, const QDateTime &now,
+                         const QDateTime &staleBefore) override;
+    void DoReleaseReminder(const QString &key) override;
+    [[nodiscard]] QHash<QString, QString> DoReadReminderClaims(const QDateTime &staleBefore) override;
+
     bool BeginChange() override;
     bool CommitChange() override;
     void RollbackChange() override;

@@ -58,9 +58,7 @@ QString StatutEnvoi(const QString &mailErrors, const QString &smsErrors)
 
 QString CleRappel(const Reminder &rappel)
 {
-    if (rappel.KeyOccurrence.isValid())
-        return QString::number(rappel.KeyEventID) + u'@' + rappel.KeyOccurrence.toString(Qt::ISODate);
-    return QString::number(rappel.Event ? rappel.Event->EventID() : rappel.KeyEventID);
+    return rappel.key();
 }
 
 EnvoiRappels::EnvoiRappels(ReminderEngine &moteur, QObject *parent)
@@ -91,7 +89,13 @@ void EnvoiRappels::demarrer(int lignes)
     if (!Prompt::confirmer(QStringLiteral("Envoi..."), QStringLiteral("Êtes-vous sur de vouloir envoyer tous les rappels ? "),
                            Prompt::Reponse::Oui))
         return;
+    lancer();
+}
 
+void EnvoiRappels::lancer()
+{
+    if (BatchRunning())
+        return;
     m_etape = Etape::InitModem;
     m_smsReady = false;
     m_mailErrors.clear();
@@ -148,6 +152,8 @@ void EnvoiRappels::lireEtPreparer()
     // The engine's list as it stands now is the batch; reminders that fall
     // due meanwhile wait for the next one.
     m_lot = m_moteur.ActiveReminders();
+    m_pris.clear();
+    m_ailleurs.clear();
     m_index = 0;
     m_doneIds = QStringLiteral(";");
     emit progression(0, int(m_lot.size()));
@@ -183,9 +189,17 @@ void EnvoiRappels::envoyerElement()
         planifier(Etape::Fin);
         return;
     }
-    const Reminder &rappel = m_lot.at(m_index);
+    Reminder &rappel = m_lot[m_index];
     m_itemFailed = false;
     emit progression(int(m_index + 1), int(m_lot.size()));
+    if (!m_moteur.Claim(rappel)) {
+        // Another sender has it, or it was dismissed meanwhile.
+        m_ailleurs.append(rappel);
+        ++m_index;
+        planifier(Etape::Element);
+        return;
+    }
+    m_pris.append(rappel);
 
     const QString body = rappel.Event ? rappel.Event->Body() : QString();
     if (!body.contains(SeparateurRdv)) {
@@ -245,7 +259,8 @@ void EnvoiRappels::rejeter()
 {
     const QList<Reminder> actifs = m_moteur.ActiveReminders();
     const auto dansLot = [this](const Reminder &r) {
-        return std::any_of(m_lot.begin(), m_lot.end(), [&r](const Reminder &l) { return l.sameAs(r); });
+        const auto meme = [&r](const Reminder &l) { return l.sameAs(r); };
+        return std::any_of(m_lot.begin(), m_lot.end(), meme) && std::none_of(m_ailleurs.begin(), m_ailleurs.end(), meme);
     };
     const bool sansErreur = m_mailErrors.isEmpty() && m_smsErrors.isEmpty();
     if (sansErreur && std::all_of(actifs.begin(), actifs.end(), dansLot)) {
@@ -266,6 +281,10 @@ void EnvoiRappels::terminer()
 {
     m_etape = Etape::Inactif;
     rejeter();
+    // What went out is dismissed by now, and what failed is for the next
+    // batch: the claims have done their work.
+    for (const Reminder &r : std::as_const(m_pris))
+        m_moteur.Release(r);
     m_modem->msComDisconnect();
     m_modem.reset();
     GsmModem::restaurerPointeur();

@@ -39,10 +39,7 @@ struct ParametresEnvoi
 // and the failed positions (each position followed by ";").
 [[nodiscard]] QString StatutEnvoi(const QString &mailErrors, const QString &smsErrors);
 
-// What tells a reminder apart in DoneIds: the appointment's id, and for an
-// occurrence of a series (which has no row of its own) the series' id with
-// the occurrence's start, so that one occurrence sent never stands for
-// another.
+// What tells a reminder apart in DoneIds (Reminder::key).
 [[nodiscard]] QString CleRappel(const Reminder &rappel);
 
 // The batch behind the send button of the SMS reminder window: to every due
@@ -56,6 +53,10 @@ struct ParametresEnvoi
 // modem's dialogue and the mail transfer keep the loop running while they
 // wait. While the batch runs, BatchRunning() is set and the reminder window
 // leaves its list alone.
+//
+// Each reminder is claimed in the store before anything goes out: one that
+// another sender (a station, the unattended run) is sending or has just
+// dismissed is left to it, neither sent nor dismissed here.
 class EnvoiRappels final : public QObject
 {
     Q_OBJECT
@@ -68,6 +69,8 @@ public:
     // only the status "Pas de rappel à effectuer ! "; otherwise the question,
     // and on yes the batch starts.
     void demarrer(int lignes);
+    // The batch without the question, for the unattended run.
+    void lancer();
     [[nodiscard]] bool BatchRunning() const { return m_etape != Etape::Inactif; }
 
     // Time the last batch spent in its pauses and in sending mails
@@ -76,6 +79,8 @@ public:
     [[nodiscard]] qint64 mailsMs() const { return m_mailsMs; }
     // Why each failed message failed: "RdV 2 : SMS refusé par le modem".
     [[nodiscard]] const QStringList &raisons() const { return m_raisons; }
+    // Reminders of the last batch left to another sender.
+    [[nodiscard]] int laissesAilleurs() const { return int(m_ailleurs.size()); }
 
     // The pause between two reminders (one second in the program).
     static constexpr int PauseMs = 1000;
@@ -106,6 +111,8 @@ private:
     std::unique_ptr<GsmModem> m_modem;
     ParametresEnvoi m_parametres;
     QList<Reminder> m_lot;
+    QList<Reminder> m_pris;
+    QList<Reminder> m_ailleurs;
     qsizetype m_index = 0;
     bool m_smsReady = false;
     bool m_itemFailed = false;

@@ -76,7 +76,20 @@ QString NomFichierJournal(const QDate &jour, int n)
     return jour.toString(QStringLiteral("yyyyMMdd")) + u'_' + QString::number(n) + QStringLiteral(".txt");
 }
 
+QString LigneStatutRappels(const QString &agendaName, const QDateTime &moment, const QString &statut)
+{
+    const QString separateur = QStringLiteral(" | ");
+    return agendaName.leftJustified(LargeurAgenda, u' ', true) + separateur
+           + moment.toString(QStringLiteral("dd/MM/yyyy HH:mm:ss")) + separateur
+           + QStringLiteral("Rappels").leftJustified(12) + separateur + statut + separateur;
+}
+
 QString EcrireJournal(const QString &cheminLog, const QString &agendaName, const CalendarEvent &event, qint16 action)
+{
+    return EcrireLigneJournal(cheminLog, LigneJournal(agendaName, event, action));
+}
+
+QString EcrireLigneJournal(const QString &cheminLog, const QString &ligne)
 {
     if (cheminLog.isEmpty())
         return {};
@@ -84,8 +97,8 @@ QString EcrireJournal(const QString &cheminLog, const QString &agendaName, const
     const QString dossier = AjouterSlash(AjouterSlash(cheminLog) + aujourdhui.toString(QStringLiteral("yyyy")));
     CreerDossiers(dossier);
 
-    // The line is built once: the event does not change between two tries.
-    const QByteArray octets = VersCp1252(LigneJournal(agendaName, event, action) + QStringLiteral("\r\n"));
+    // The line is built once, whatever the number of tries.
+    const QByteArray octets = VersCp1252(ligne + QStringLiteral("\r\n"));
     for (int n = 0; n <= DernierEssai; ++n) {
         QFile fichier(dossier + NomFichierJournal(aujourdhui, n));
         if (!fichier.open(QIODevice::WriteOnly | QIODevice::Append))

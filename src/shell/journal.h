@@ -3,6 +3,7 @@
 #include "calendar/calendarevent.h"
 
 #include <QDate>
+#include <QDateTime>
 #include <QString>
 
 // The activity journal: one line for every appointment created, changed or
@@ -32,6 +33,13 @@ enum ActionJournal : qint16 { JournalNouveau = 0, JournalModification = 1, Journ
 // the path written to, or an empty text when cheminLog is empty or every one
 // of the 201 names failed. Never throws, never shows anything.
 QString EcrireJournal(const QString &cheminLog, const QString &agendaName, const CalendarEvent &event, qint16 action);
+
+// The line of an unattended reminder run, in the same daily file: agenda name
+// on 30 characters, the moment of the run, "Rappels" on 12 characters, then
+// the status of the batch.
+[[nodiscard]] QString LigneStatutRappels(const QString &agendaName, const QDateTime &moment, const QString &statut);
+// Appends a line built elsewhere, as EcrireJournal does.
+QString EcrireLigneJournal(const QString &cheminLog, const QString &ligne);
 
 // The same for the running agenda (CheminLog and AgendaName of AppState). An
 // empty event reference writes nothing. No failure reaches the caller: the

@@ -280,6 +280,41 @@ private Q_SLOTS:
         QCOMPARE(a.moteur.Count(), 0);
     }
 
+    // Two senders on one store: a claim goes to one of them, the other
+    // neither gets it nor lists it until it is given up or lapses; a
+    // dismissed reminder cannot be claimed.
+    void reclamations()
+    {
+        const QString d = dossier();
+        Horloge::fixer(le(9, 10, 0));
+        Poste a(d);
+        Poste b(d);
+        b.moteur.setSender(QStringLiteral("poste b"));
+        ajouter(a.fournisseur, le(9, 10, 15), 30, QStringLiteral("A"));
+        ajouter(a.fournisseur, le(9, 10, 20), 30, QStringLiteral("B"));
+        a.demarrer();
+        b.demarrer();
+        Reminder ra = a.moteur.ActiveReminders().at(0);
+        Reminder rb = b.moteur.ActiveReminders().at(0);
+        QVERIFY(a.moteur.Claim(ra));
+        QVERIFY(!b.moteur.Claim(rb));
+        b.moteur.Poll();
+        a.moteur.Poll();
+        QCOMPARE(b.sujetsActifs(), QStringList{QStringLiteral("B 09 10:20")});
+        QCOMPARE(a.moteur.Count(), 2);
+        a.moteur.Release(ra);
+        b.moteur.Poll();
+        QCOMPARE(b.moteur.Count(), 2);
+        QVERIFY(a.moteur.Claim(ra));
+        Horloge::fixer(le(9, 10, 0).addSecs(ReminderEngine::ClaimLifetimeMinutes * 60 + 60));
+        b.moteur.Poll();
+        rb = b.moteur.ActiveReminders().at(0);
+        QVERIFY(b.moteur.Claim(rb));
+        QVERIFY(b.moteur.Dismiss(0));
+        b.moteur.Release(rb);
+        QVERIFY(!a.moteur.Claim(ra));
+    }
+
     void arretDeLaVeille()
     {
         const QString d = dossier();

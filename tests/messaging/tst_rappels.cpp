@@ -1,19 +1,24 @@
 #include "appointments/frmeditevent.h"
 #include "appointments/paquetrdv.h"
 #include "calendar/calendardataprovider.h"
+#include "cipher/encryptx.h"
 #include "messaging/envoirappels.h"
 #include "messaging/frmreminders.h"
 #include "messaging/rappels.h"
 #include "modemsimulator.h"
 #include "shell/appstate.h"
+#include "shell/base/basesqlite.h"
 #include "shell/base/config.h"
 #include "shell/base/horloge.h"
 #include "shell/base/modal.h"
 #include "shell/demarrage.h"
 #include "shell/window/frmmain.h"
 #include "smtpsink.h"
+#include "support/admintest.h"
 
 #include <QComboBox>
+#include <QDirIterator>
+#include <QSqlQuery>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -226,31 +231,38 @@ private Q_SLOTS:
         QTest::addColumn<QString>("modem");
         QTest::addColumn<bool>("refus");
         QTest::addColumn<QString>("rdv");
+        QTest::addColumn<QString>("pris"); // claimed meanwhile by another sender
         QTest::addColumn<QString>("statut");
         QTest::addColumn<QStringList>("restants");
         QTest::addColumn<QStringList>("sms");
         QTest::addColumn<QStringList>("mails");
         QTest::addColumn<QStringList>("boites");
         const QString envoi = QStringLiteral("Êtes-vous sur de vouloir envoyer tous les rappels ? ");
-        QTest::newRow("un SMS refusé") << "ok" << false << "ABE" << "Envois Mails OK / Erreur SMS RdV :2;" << QStringList{"B"}
+        QTest::newRow("un SMS refusé") << "ok" << false << "ABE" << "" << "Envois Mails OK / Erreur SMS RdV :2;" << QStringList{"B"}
                                        << QStringList{"0612345678", "0600000002"} << QStringList{"a@example.org", "e@example.org"}
                                        << QStringList{envoi};
         // The old record's copy into the patient file tells that it cannot
         // follow the dismissal.
-        QTest::newRow("sans modem") << "absent" << false << "ADE" << "Envois Mails OK / Envois SMS OK" << QStringList{}
+        QTest::newRow("sans modem") << "absent" << false << "ADE" << "" << "Envois Mails OK / Envois SMS OK" << QStringList{}
                                     << QStringList{} << QStringList{"a@example.org", "e@example.org"}
                                     << QStringList{envoi, "Le rendez-vous est bien enregistré dans l'agenda, mais sa copie"};
-        QTest::newRow("modem muet") << "muet" << false << "AE" << "Envois Mails OK / Envois SMS OK" << QStringList{}
+        QTest::newRow("modem muet") << "muet" << false << "AE" << "" << "Envois Mails OK / Envois SMS OK" << QStringList{}
                                     << QStringList{} << QStringList{"a@example.org", "e@example.org"}
                                     << QStringList{envoi, "Pas de Mobile GSM trouvé"};
-        QTest::newRow("serveur qui refuse") << "absent" << true << "ACB" << "Erreur Mail RdV :1;2; / Envois SMS OK"
+        QTest::newRow("serveur qui refuse") << "absent" << true << "ACB" << "" << "Erreur Mail RdV :1;2; / Envois SMS OK"
                                             << QStringList{"A", "C"} << QStringList{} << QStringList{} << QStringList{envoi};
+        // Listed here, but sent by another station: neither sent nor
+        // dismissed here.
+        QTest::newRow("pris par un autre poste") << "ok" << false << "AB" << "B" << "Envois Mails OK / Envois SMS OK"
+                                                 << QStringList{"B"} << QStringList{"0612345678"}
+                                                 << QStringList{"a@example.org"} << QStringList{envoi};
     }
     void envoi()
     {
         QFETCH(QString, modem);
         QFETCH(bool, refus);
         QFETCH(QString, rdv);
+        QFETCH(QString, pris);
         QFETCH(QString, statut);
         QFETCH(QStringList, restants);
         QFETCH(QStringList, sms);
@@ -287,6 +299,14 @@ private Q_SLOTS:
         auto *w = p.ouvrir<frmReminderSMS>("frmReminderSMS");
         QVERIFY(w && w->isVisible());
         QCOMPARE(w->ctrlReminders->topLevelItemCount(), int(rdv.size()));
+        ReminderEngine autre(appState().Calendrier.get());
+        autre.setSender(QStringLiteral("autre poste"));
+        autre.setEnabled(true);
+        QVERIFY(autre.Poll());
+        for (Reminder r : autre.ActiveReminders()) {
+            if (pris.contains(r.Event->Subject()))
+                QVERIFY(autre.Claim(r));
+        }
         QElapsedTimer chrono;
         int battements = 0;
         QTimer pouls;
@@ -338,6 +358,91 @@ private Q_SLOTS:
         QCOMPARE(p.banc.repondeur.textes().last(), QStringLiteral("Êtes-vous sur de vouloir repousser tous les rappels de 1 heure? "));
         QVERIFY(Poste::actifs().isEmpty());
         QVERIFY(!w->isVisible());
+    }
+
+    // The unattended run of tavonel-admin, two started together and then a
+    // third: each reminder goes out once, the one another station holds is
+    // left alone, and the journal keeps each run's status line.
+    void sansFenetre()
+    {
+        SmtpSink sink;
+        DEMARRER_SINK(sink);
+        BancModem banc{3, 300ms};
+        DEMARRER_MODEM(banc);
+        const QString d = banc.dossier.chemin();
+        banc.dossier.ecrire(QStringLiteral("Agenda.ini"), QStringLiteral("[Agenda1]\nPathDB1=%1\nAgendaName1=Cabinet\n[Cabinet]\n"
+                                                                        "SMS=Oui\nCOM=3\n[Sauvegarge]\nCheminLog=%1journal\n").arg(d));
+        {
+            Demarrage demarrage(appState(), d);
+            ParametresFenetre parametres;
+            QVERIFY(!demarrage.initialiser(EncoderArgument(QStringLiteral("1"))));
+            QVERIFY(!demarrage.charger(parametres));
+            EcrireConfig(QStringLiteral("Mails"), QStringLiteral("SMTP"), sink.adresse());
+            EcrireConfig(QStringLiteral("Mails"), QStringLiteral("From"), QStringLiteral("cabinet@example.org"));
+            CalendarDataProvider &p = *appState().Calendrier;
+            // The run keeps the real clock: tomorrow with two days' notice is
+            // due whatever the day.
+            const QDateTime demain = QDateTime::currentDateTime().addDays(1);
+            const QStringList patients{patient(QStringLiteral("0611111111"), QStringLiteral("a@example.org")),
+                                       patient(QStringLiteral("0622222222"), {}), patient({}, QStringLiteral("c@example.org")),
+                                       patient(QStringLiteral("0644444444"), QStringLiteral("d@example.org"))};
+            for (qsizetype i = 0; i < patients.size(); ++i) {
+                const CalendarEventPtr e = p.CreateNewEvent(demain.addSecs(i * 900), demain.addSecs(i * 900 + 600));
+                e->setSubject(QString(QChar(char16_t(u'A' + i))));
+                e->setBody(patients.at(i));
+                e->setIsReminder(true);
+                e->setReminderMinutesBeforeStart(2880);
+                QVERIFY(p.AddEvent(e));
+            }
+            ReminderEngine autre(&p);
+            autre.setSender(QStringLiteral("autre-poste:1"));
+            autre.setEnabled(true);
+            QVERIFY(autre.Poll() && autre.Count() == 4);
+            Reminder r = autre.ActiveReminders().at(3);
+            QVERIFY(autre.Claim(r));
+            p.Close();
+            FermerConfig();
+        }
+        const QStringList arguments{QStringLiteral("rappels"), d, QStringLiteral("--agenda"), QStringLiteral("1")};
+        QProcess p1;
+        QProcess p2;
+        for (QProcess *p : {&p1, &p2})
+            p->start(qEnvironmentVariable("TAVONEL_ADMIN_EXE"), arguments);
+        QTRY_VERIFY_WITH_TIMEOUT(p1.state() == QProcess::NotRunning && p2.state() == QProcess::NotRunning, 120000);
+        const SortieAdmin troisieme = lancerAdmin(arguments);
+        QStringList sorties{QString::fromUtf8(p1.readAllStandardOutput() + p1.readAllStandardError()),
+                            QString::fromUtf8(p2.readAllStandardOutput() + p2.readAllStandardError()), troisieme.texte + troisieme.erreurs};
+        std::sort(sorties.begin(), sorties.end());
+        const QString rien = QStringLiteral("Pas de rappel à effectuer ! \nRappels dus : 0, laissés à un autre poste : 0\n");
+        QCOMPARE(sorties, (QStringList{QStringLiteral("Envois Mails OK / Envois SMS OK\nRappels dus : 3, laissés à un autre poste : 0\n"),
+                                       rien, rien}));
+        QCOMPARE(p1.exitCode() + p2.exitCode() + troisieme.code, 0);
+
+        QStringList numeros;
+        for (const QString &c : banc.modem.commandes()) {
+            if (c.startsWith(QLatin1String("AT+CMGS=")))
+                numeros << c.mid(9).chopped(1);
+        }
+        QCOMPARE(numeros, (QStringList{"0611111111", "0622222222"}));
+        QStringList destinataires;
+        for (const SmtpSink::Message &m : sink.messages())
+            destinataires << m.rcptTo;
+        QCOMPARE(destinataires, (QStringList{"a@example.org", "c@example.org"}));
+        const auto base = BaseSqlite::ouvrir(d + QStringLiteral("Events.mdb"), BaseSqlite::Mode::Lecture);
+        QSqlQuery q(base->db());
+        QVERIFY(q.exec(QStringLiteral("SELECT group_concat(Subject) FROM CalendarEvents WHERE IsReminder <> 0")) && q.next());
+        QCOMPARE(q.value(0).toString(), QStringLiteral("D"));
+        QStringList statuts;
+        for (QDirIterator it(d + QStringLiteral("journal"), QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
+            QFile f(it.next());
+            QVERIFY(f.open(QIODevice::ReadOnly));
+            for (const QString &ligne : QString::fromLatin1(f.readAll()).split(QStringLiteral("\r\n"))) {
+                if (ligne.contains(QLatin1String(" | Rappels      | ")))
+                    statuts << ligne.section(QStringLiteral(" | "), 3, 3);
+            }
+        }
+        statuts.sort();
+        QCOMPARE(statuts, (QStringList{"Envois Mails OK / Envois SMS OK", "Pas de rappel à effectuer ! ", "Pas de rappel à effectuer ! "}));
     }
 };
 
