@@ -1,6 +1,7 @@
 #include "appointments/frmcustomeventproperties.h"
 
 #include "calendar/calendarevent.h"
+#include "patients/dialoguesouverts.h"
 #include "shell/base/modal.h"
 
 #include <QGridLayout>
@@ -16,6 +17,7 @@ frmCustomEventProperties::frmCustomEventProperties(QWidget *parent)
     setObjectName(QStringLiteral("frmCustomEventProperties"));
     setWindowTitle(QStringLiteral("Custom Event Properties"));
     setModal(true);
+    CompterDialogueOuvert(this);
 
     auto *grille = new QGridLayout;
     lblPropName = new QLabel(QStringLiteral("Property name"), this);

@@ -1,21 +1,11 @@
 #include "patients/dialoguesouverts.h"
 
-#include "shell/window/frmmain.h"
-
-#include <QApplication>
 #include <QDialog>
 #include <QEvent>
 
 namespace {
 
-frmMain *fenetrePrincipale()
-{
-    for (QWidget *w : QApplication::topLevelWidgets()) {
-        if (auto *f = qobject_cast<frmMain *>(w))
-            return f;
-    }
-    return nullptr;
-}
+int *g_compteur = nullptr;
 
 class Compteur final : public QObject
 {
@@ -29,28 +19,28 @@ public:
     bool eventFilter(QObject *objet, QEvent *evenement) override
     {
         if (evenement->type() == QEvent::Show && !m_compte) {
-            if (frmMain *f = fenetrePrincipale()) {
-                ++f->DialoguesOuverts;
-                m_compte = true;
-            }
-        } else if (evenement->type() == QEvent::Hide && m_compte) {
-            if (frmMain *f = fenetrePrincipale())
-                --f->DialoguesOuverts;
-            m_compte = false;
+            m_compte = g_compteur;
+            if (m_compte)
+                ++*m_compte;
+        } else if (evenement->type() == QEvent::Hide) {
+            rendre();
         }
         return QObject::eventFilter(objet, evenement);
     }
 
-    ~Compteur() override
-    {
-        if (m_compte) {
-            if (frmMain *f = fenetrePrincipale())
-                --f->DialoguesOuverts;
-        }
-    }
+    ~Compteur() override { rendre(); }
 
 private:
-    bool m_compte = false;
+    // Given back only to the counter it was taken from, if that one is still
+    // the main window's.
+    void rendre()
+    {
+        if (m_compte && m_compte == g_compteur)
+            --*m_compte;
+        m_compte = nullptr;
+    }
+
+    int *m_compte = nullptr;
 };
 
 } // namespace
@@ -58,4 +48,15 @@ private:
 void CompterDialogueOuvert(QDialog *dialogue)
 {
     new Compteur(dialogue);
+}
+
+void FixerCompteurDialogues(int *compteur)
+{
+    g_compteur = compteur;
+}
+
+void RetirerCompteurDialogues(const int *compteur)
+{
+    if (g_compteur == compteur)
+        g_compteur = nullptr;
 }

@@ -1,6 +1,5 @@
 #include "rules/frmpraticiens.h"
 
-#include "patients/dialoguesouverts.h"
 #include "rules/praticiens.h"
 #include "shell/base/modal.h"
 
@@ -30,7 +29,6 @@ frmPraticiens::frmPraticiens(QWidget *parent)
         ligne->addWidget(btn_Prat[i]);
     }
     colonne->addLayout(ligne);
-    CompterDialogueOuvert(this);
 }
 
 void frmPraticiens::choisir(int index)

@@ -1,5 +1,6 @@
 #include "appointments/frmcustomeventproperties.h"
 #include "calendar/calendarevent.h"
+#include "patients/dialoguesouverts.h"
 #include "shell/base/modal.h"
 
 #include <QLineEdit>
@@ -43,7 +44,11 @@ class tst_customproperties : public QObject
 private Q_SLOTS:
     void chargement()
     {
+        static int ouverts = 0;
+        FixerCompteurDialogues(&ouverts);
         frmCustomEventProperties d;
+        d.show();
+        QCOMPARE(ouverts, 1);
         QCOMPARE(d.windowTitle(), QStringLiteral("Custom Event Properties"));
 
         // Six entries: the rows show the first five, in the bag's order.
@@ -61,6 +66,7 @@ private Q_SLOTS:
         QTest::mouseClick(d.findChild<QPushButton *>(QStringLiteral("cmdCancel")), Qt::LeftButton);
         QCOMPARE(d.result(), int(QDialog::Rejected));
         QCOMPARE(rdv->CustomProperties().Count(), 6);
+        QCOMPARE(ouverts, 0);
     }
 
     // OK replaces the whole bag by the named rows, as typed.

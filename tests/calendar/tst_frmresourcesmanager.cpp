@@ -126,7 +126,7 @@ private slots:
             clic(d, "btnOK");
         };
         f.mnuResourcesManager->trigger();
-        QCOMPARE(ouverts, 1);
+        QCOMPARE(ouverts, 0);
         QCOMPARE(f.DialoguesOuverts, 0);
         CalendarDataProvider relu;
         QVERIFY(relu.SetDataProvider(connexion) && relu.Open());

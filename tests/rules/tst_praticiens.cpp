@@ -1,3 +1,4 @@
+#include "patients/dialoguesouverts.h"
 #include "rules/frmpraticiens.h"
 #include "rules/praticiens.h"
 #include "rules/regles.h"
@@ -73,11 +74,14 @@ private slots:
             EcrireConfig(QStringLiteral("Praticien2"), QStringLiteral("Nom"), QStringLiteral("Dr Bernard"));
             EcrireConfig(QStringLiteral("RDVType1"), QStringLiteral("Couleur2"), QStringLiteral("&HC0FFC0"));
         }
+        static int ouverts = 0;
+        FixerCompteurDialogues(&ouverts);
         frmPraticiens d;
         QCOMPARE(d.windowTitle(), QStringLiteral("Choisir un Praticien"));
         QCOMPARE(d.findChild<QPushButton *>(QStringLiteral("btn_Prat(%1)").arg(bouton)), d.btn_Prat[bouton]);
         QCOMPARE(d.btn_Prat[0]->text(), reglages ? QStringLiteral("Dr Aubert") : QStringLiteral("Praticien 1"));
         d.show();
+        QCOMPARE(ouverts, 0); // the chooser is not an editing dialog
         QTest::mouseClick(d.btn_Prat[bouton], Qt::LeftButton);
         QCOMPARE(d.result(), int(QDialog::Accepted));
         QCOMPARE(ChosenPraticien, nom);

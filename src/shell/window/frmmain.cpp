@@ -94,6 +94,7 @@ frmMain::frmMain(Demarrage &demarrage, const ParametresFenetre &parametres, QWid
     , m_parametres(parametres)
 {
     setObjectName(QStringLiteral("frmMain"));
+    FixerCompteurDialogues(&DialoguesOuverts);
     const AppState &etat = appState();
     setWindowTitle(QStringLiteral("Tavonel : ") + etat.AgendaName);
     // No toolbar menu on a right click: the bar without the patient search
@@ -132,7 +133,10 @@ frmMain::frmMain(Demarrage &demarrage, const ParametresFenetre &parametres, QWid
     placerFenetre();
 }
 
-frmMain::~frmMain() = default;
+frmMain::~frmMain()
+{
+    RetirerCompteurDialogues(&DialoguesOuverts);
+}
 
 // --- Layout ------------------------------------------------------------
 
@@ -744,7 +748,6 @@ void frmMain::gestionnaireRessources()
 {
     m_ressources.suivre(appState().Calendrier.get());
     frmResourcesManager dialogue(m_ressources, this);
-    CompterDialogueOuvert(&dialogue);
     ExecuterDialogue(dialogue);
     // The schedules may have changed, whichever way the dialog was left.
     actualiser();
