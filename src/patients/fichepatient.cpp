@@ -126,6 +126,30 @@ QList<QPair<QString, QVariant>> colonnesEcrites(const ValeursFiche &valeurs, QSt
     return sortie;
 }
 
+// A patient's identity (Nom, Prenom, birth date) is one row of a base, the
+// names compared as the search compares them: no regard to case or accents,
+// accented capitals included. The unique index of the base folds only the
+// ASCII letters, and the bases made before carry that index as it is, so
+// the rule is checked here, inside the write transaction, once the row is
+// written: a double rolls the whole save back.
+bool identiteUnique(const QSqlDatabase &db, const QString &colonneLigne, const QVariant &cle, QString *erreur)
+{
+    QSqlQuery q(db);
+    q.setForwardOnly(true);
+    q.prepare(QStringLiteral("SELECT COUNT(*) FROM Signaletiques n JOIN Signaletiques s "
+                             "ON substr(s.\"Date de Naissance\", 1, 10) = substr(n.\"Date de Naissance\", 1, 10) "
+                             "AND s.rowid <> n.rowid AND plier(s.Nom) = plier(n.Nom) AND plier(s.Prenom) = plier(n.Prenom) "
+                             "WHERE n.%1 = ?")
+                  .arg(colonneLigne));
+    q.addBindValue(cle);
+    if (!executer(q, erreur))
+        return false;
+    if (q.next() && q.value(0).toInt() == 0)
+        return true;
+    fixer(erreur, QStringLiteral("un patient de même nom, prénom et date de naissance existe déjà dans la base."));
+    return false;
+}
+
 bool mettreAJour(const QSqlDatabase &db, const ValeursFiche &valeurs, qint32 numero, QString *erreur)
 {
     bool ok = false;
@@ -148,7 +172,7 @@ bool mettreAJour(const QSqlDatabase &db, const ValeursFiche &valeurs, qint32 num
         fixer(erreur, QStringLiteral("la fiche n° %1 n'existe plus dans la base.").arg(numero));
         return false;
     }
-    return true;
+    return identiteUnique(db, QStringLiteral("Numero"), numero, erreur);
 }
 
 bool inserer(const QSqlDatabase &db, const ValeursFiche &valeurs, QString *erreur)
@@ -168,7 +192,7 @@ bool inserer(const QSqlDatabase &db, const ValeursFiche &valeurs, QString *erreu
                   .arg(noms.join(QStringLiteral(", ")), marques.join(QStringLiteral(", "))));
     for (const auto &c : colonnes)
         q.addBindValue(c.second);
-    return executer(q, erreur);
+    return executer(q, erreur) && identiteUnique(db, QStringLiteral("rowid"), q.lastInsertId(), erreur);
 }
 
 bool ecrireNote(const QSqlDatabase &db, qint32 numero, const NoteSaisie &note, QString *erreur)

@@ -138,7 +138,7 @@ private slots:
             QVERIFY(f.Option4->isChecked());
             QCOMPARE(f.numero(), 4); // highest Numero 3 + 1, above the next counter 2
             saisir(f.txtFields[0], QStringLiteral("dupont"));
-            saisir(f.txtFields[1], QStringLiteral("jean-pierre marie"));
+            saisir(f.txtFields[1], QStringLiteral("jean-clément"));
             saisir(f.DN, QStringLiteral("01012030"));
             QCOMPARE(repondeur.textes(), QStringList{QStringLiteral("Date de naissance dans le futur !!")});
             saisir(f.DN, QStringLiteral("150385"));
@@ -163,16 +163,17 @@ private slots:
         QCOMPARE(agenda(QStringLiteral("SELECT Nom || '|' || Prenom || '|' || \"Date de Naissance\" || '|' || Sexe || '|' || "
                                        "Base || '|' || Sesam_Divers || '|' || Contrat || '|' || Date_Contrat "
                                        "FROM Signaletiques WHERE Numero = 4")).toString(),
-                 QStringLiteral("DUPONT|Jean-Pierre Marie|1985-03-15|0|Agenda|MOI-MEME@|-1|2026-03-10"));
+                 QStringLiteral("DUPONT|Jean-Clément|1985-03-15|0|Agenda|MOI-MEME@|-1|2026-03-10"));
         QCOMPARE(agenda(QStringLiteral("SELECT Txt FROM Notes WHERE Numero = 4")).toString(), QStringLiteral("Allergie pénicilline"));
 
-        // The same identity, case aside, is refused; the card keeps its input.
+        // The same identity, case aside (accented letters too), is refused;
+        // the card keeps its input.
         repondeur.effacer();
         {
             frmSignaletiques_AG f;
             ouvrir(f);
             saisir(f.txtFields[0], QStringLiteral("Dupont"));
-            saisir(f.txtFields[1], QStringLiteral("jean-pierre marie"));
+            saisir(f.txtFields[1], QStringLiteral("JEAN-CLÉMENT"));
             saisir(f.DN, QStringLiteral("15031985"));
             QTest::mouseClick(f.btn_enregistrer, Qt::LeftButton);
             QVERIFY(f.isVisible());
