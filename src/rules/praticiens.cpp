@@ -3,6 +3,7 @@
 #include "shell/appstate.h"
 #include "shell/base/config.h"
 #include "shell/base/nombres.h"
+#include "shell/base/prompt.h"
 
 QString ChosenPraticien;
 QString ChosenColor;
@@ -29,7 +30,16 @@ void ChoisirPraticien(int index, const QString &legende, const QString &couleur)
 const RegleMatch &ProposerPraticien(const QDateTime &debut, const ChoixPraticien &choisir)
 {
     RegleMatch &regle = appState().RegleCourante;
-    regle = GetRegleForDate(debut.addSecs(1));
+    QString erreur;
+    regle = GetRegleForDate(debut.addSecs(1), &erreur);
+    if (!erreur.isEmpty()) {
+        Prompt::informer(QStringLiteral("Erreur..."),
+                         QStringLiteral("Les règles de l'agenda (Config.mdb) ne peuvent être lues :\n%1\n\n"
+                                        "Le praticien de ce rendez-vous reste à préciser.")
+                             .arg(erreur),
+                         Prompt::Icone::Critique);
+        return regle;
+    }
     if (regle.Praticien.isEmpty() && choisir && choisir()) {
         regle.Praticien = ChosenPraticien;
         regle.PraticienNumero = ChosenNumero;

@@ -35,7 +35,9 @@ using ChoixPraticien = std::function<bool()>;
 // and another begins falls under the second) goes into RegleCourante; a
 // moment without a rule naming a practitioner asks the chooser, and the
 // choice becomes RegleCourante's practitioner, number and colour (TypeRV
-// stays 0). Without a choice the practitioner stays empty.
+// stays 0). Without a choice the practitioner stays empty. A Config.mdb that
+// cannot be read is told in one box and asks no chooser: the practitioner
+// stays empty rather than be picked against a rule nobody could read.
 const RegleMatch &ProposerPraticien(const QDateTime &debut, const ChoixPraticien &choisir);
 
 // The index of the editor's label list for a rule: TypeRV, plus 8 for the

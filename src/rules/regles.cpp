@@ -237,12 +237,14 @@ RegleMatch GetRegleForDate(ConfigIni &config, const QDateTime &when, QString *er
     return r;
 }
 
-RegleMatch GetRegleForDate(const QDateTime &when)
+RegleMatch GetRegleForDate(const QDateTime &when, QString *erreur)
 {
+    if (erreur)
+        erreur->clear();
     const auto &config = ConfigOuverte();
     if (!config)
         return champsDuMoment(when);
-    return GetRegleForDate(*config, when);
+    return GetRegleForDate(*config, when, erreur);
 }
 
 RegleMatch GetRegleAffichee(const QDateTime &when)

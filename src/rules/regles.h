@@ -77,7 +77,7 @@ bool CreerBaseConfig(const QString &dossier, QString *erreur = nullptr);
 // sets it to the database's text (empty on success).
 [[nodiscard]] RegleMatch GetRegleForDate(ConfigIni &config, const QDateTime &when, QString *erreur = nullptr);
 // The same on the configuration opened at start-up (ConfigOuverte).
-[[nodiscard]] RegleMatch GetRegleForDate(const QDateTime &when);
+[[nodiscard]] RegleMatch GetRegleForDate(const QDateTime &when, QString *erreur = nullptr);
 // The rule of a cell being drawn. While another station holds Config.mdb
 // the lookup waits a fifth of a second, not the full busy time, and answers
 // the rule last read for that moment; after such a refusal the next two

@@ -6,6 +6,7 @@
 #include "shell/base/basesqlite.h"
 #include "shell/base/config.h"
 #include "shell/base/modal.h"
+#include "support/repondeurscripte.h"
 
 #include <QPushButton>
 #include <QSqlQuery>
@@ -94,7 +95,7 @@ private slots:
     void proposition_data()
     {
         QTest::addColumn<QTime>("heure");
-        QTest::addColumn<QString>("choix"); // "" no chooser expected, "0"/"1" a button, "x" closed
+        QTest::addColumn<QString>("choix"); // "" no chooser expected, "0"/"1" a button, "x" closed, "!" no Regles
         QTest::addColumn<QString>("praticien");
         QTest::addColumn<int>("numero");
         QTest::addColumn<int>("index");
@@ -105,6 +106,7 @@ private slots:
         QTest::newRow("midi pile") << QTime(12, 0) << "" << "Dr Soir" << 2 << 10 << 0;
         QTest::newRow("sans règle, second choisi") << QTime(19, 0) << "1" << "Dr Bernard" << 2 << 8 << 0xC0FFC0;
         QTest::newRow("sans règle, choix fermé") << QTime(19, 0) << "x" << "" << 0 << 0 << 0;
+        QTest::newRow("règles illisibles") << QTime(9, 0) << "!" << "" << 0 << 0 << 0;
     }
     void proposition()
     {
@@ -129,10 +131,16 @@ private slots:
             d->btn_Prat[choix.toInt()]->click();
             return d->result();
         });
+        RepondeurScripte repondeur;
+        QSqlQuery cacher(ConfigOuverte()->base().db());
+        const bool illisible = choix == QLatin1String("!");
+        QVERIFY(!illisible || cacher.exec(QStringLiteral("ALTER TABLE Regles RENAME TO Cachee")));
         const RegleMatch &r =
             ProposerPraticien(QDateTime(QDate(2026, 3, 2), heure), [] { return frmPraticiens::Choisir(); });
+        QVERIFY(!illisible || cacher.exec(QStringLiteral("ALTER TABLE Cachee RENAME TO Regles")));
         QCOMPARE(&r, &appState().RegleCourante);
-        QCOMPARE(ouvertures, choix.isEmpty() ? 0 : 1);
+        QCOMPARE(ouvertures, choix.isEmpty() || illisible ? 0 : 1);
+        QCOMPARE(repondeur.textes().size(), illisible ? 1 : 0);
         QCOMPARE(r.Praticien, praticien);
         QCOMPARE(int(r.PraticienNumero), numero);
         QCOMPARE(IndexLibelle(r), index);
