@@ -870,9 +870,7 @@ void frmEditEvent::recurrence()
         return;
     const int etatAvant = m_pEditedEvent->RecurrenceState();
     CalendarEventPtr copie = m_pEditedEvent->CloneEvent();
-    const int resultat = frmEditRecurrence::Editer(this, copie, cmbStartDate->isVisible()
-                                                                   ? LireDateTexte(cmbStartDate->currentText())
-                                                                   : QDate());
+    const int resultat = frmEditRecurrence::Editer(this, copie, m_debutSelection);
     if (copie)
         m_pEditedEvent = copie;
     if (resultat != frmEditRecurrence::Annule || m_pEditedEvent->RecurrenceState() != etatAvant) {

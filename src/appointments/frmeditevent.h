@@ -44,6 +44,10 @@ public:
     void NewEvent(const QDateTime &start, const QDateTime &end, bool allDay, int scheduleIndex = -1);
     // An existing record; the dialog works on a copy until OK.
     void ModifyEvent(const CalendarEventPtr &event);
+    // The start of the calendar's selection when the editor was opened: the
+    // recurrence dialog's day lists preselect its day (the record's day when
+    // there is none).
+    void setDebutSelection(const QDate &jour) { m_debutSelection = jour; }
 
     // The reservation check, then the four date controls.
     void SetStartEnd(const QDateTime &start, const QDateTime &end, bool allDay);
@@ -152,6 +156,7 @@ private:
     CalendarDataProvider *m_provider = nullptr;
     CalendarEventPtr m_pEditedEvent;
     bool m_bAddEvent = false;
+    QDate m_debutSelection;
     bool m_bSlotReserved = false;
     // The phone or mail field that is taking the focus back, -1 when none.
     int m_champRetour = -1;

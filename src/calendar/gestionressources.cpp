@@ -74,6 +74,25 @@ void GestionRessources::retirerRessource(int index)
         m_ressources.removeAt(index);
 }
 
+int GestionRessources::planningDeLaSelection() const
+{
+    for (const RessourceCalendrier &r : m_ressources) {
+        if (r.Enabled)
+            return !r.ShowAll && r.Schedules.size() == 1 ? *r.Schedules.cbegin() : 0;
+    }
+    return 0;
+}
+
+int GestionRessources::indexPlanningDeLaSelection(const QList<CalendarSchedule> &plannings) const
+{
+    const int planning = planningDeLaSelection();
+    for (qsizetype i = 0; planning != 0 && i < plannings.size(); ++i) {
+        if (plannings.at(i).ScheduleID == planning)
+            return int(i);
+    }
+    return -1;
+}
+
 void GestionRessources::oublierPlanning(int scheduleId)
 {
     for (RessourceCalendrier &r : m_ressources)

@@ -49,6 +49,15 @@ public:
     // A schedule that is gone is shown by no resource any more.
     void oublierPlanning(int scheduleId);
 
+    // The schedule of a selection in the calendar: our calendar draws one
+    // column, that of the first enabled resource, so a selection falls in
+    // the schedule that resource shows when it shows just one; 0 (none)
+    // when it shows all of them or several.
+    [[nodiscard]] int planningDeLaSelection() const;
+    // The same as a place in the store's list of schedules (the order in
+    // which the editor lists them); -1 for none.
+    [[nodiscard]] int indexPlanningDeLaSelection(const QList<CalendarSchedule> &plannings) const;
+
 private:
     QList<FournisseurRessources> m_fournisseurs;
     QList<RessourceCalendrier> m_ressources;

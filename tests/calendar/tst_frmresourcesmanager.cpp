@@ -12,6 +12,7 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -141,6 +142,24 @@ private slots:
         };
         f.mnuResourcesManager->trigger();
         QCOMPARE(repondeur.appels().size(), 2);
+
+        // The calendar showing one schedule: a new appointment falls in it.
+        scenario = [&](QDialog &d) {
+            ecrire(d, QStringLiteral("Salle 4"));
+            clic(d, "btnScheduleAdd");
+            liste(d, "lstResources")->item(0)->setCheckState(Qt::Checked);
+            liste(d, "lstSchedules")->findItems(QStringLiteral("Salle 4"), Qt::MatchExactly).first()->setCheckState(Qt::Checked);
+            clic(d, "btnOK");
+        };
+        f.mnuResourcesManager->trigger();
+        int planning = 0;
+        scenario = [&](QDialog &d) {
+            if (auto *liste = d.findChild<QComboBox *>(QStringLiteral("cmbSchedule")))
+                planning = liste->currentData().toInt();
+            d.reject();
+        };
+        f.mnuNewEvent->trigger();
+        QCOMPARE(planning, store.Schedules().last().ScheduleID);
     }
 };
 

@@ -715,7 +715,13 @@ private Q_SLOTS:
         Poste p;
         p.ajouter(QStringLiteral("A"), Maintenant);
         p.f->clicDroit(surRendezVous(p.premierDuJour(Maintenant.date())));
-        ExecuteurInstalle executeur([confirme](QDialog &d) {
+        // The day lists follow the calendar's selection, not the appointment.
+        const QDateTime jeudi(QDate(2026, 11, 26), QTime(14, 0));
+        p.f->CalendarControl->setSelection({jeudi, jeudi.addSecs(1800), false});
+        QString jourDuMois;
+        ExecuteurInstalle executeur([confirme, &jourDuMois](QDialog &d) {
+            if (auto *liste = d.findChild<QComboBox *>(QStringLiteral("cmbMonthlyDayOfMonth")))
+                jourDuMois = liste->currentText();
             auto bouton = [&d](const char *nom) {
                 auto *b = d.findChild<QAbstractButton *>(QString::fromLatin1(nom));
                 if (b)
@@ -731,6 +737,7 @@ private Q_SLOTS:
             return d.result();
         });
         p.action(QStringLiteral("mnuRecurrenceEvent"))->trigger();
+        QCOMPARE(jourDuMois, QStringLiteral("26"));
         const QStringList attendu = confirme ? QStringList{QStringLiteral("10:00 A")} : QStringList{};
         QCOMPARE(p.jour(QDate(2026, 11, 30)), attendu);
         QCOMPARE(p.jour(QDate(2026, 12, 7)), attendu);

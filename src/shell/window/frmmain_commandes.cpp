@@ -100,7 +100,12 @@ void frmMain::ouvrirEditeurNouveau()
         selection.allDay = false;
     }
     frmEditEvent editeur(appState().Calendrier.get(), this);
-    editeur.NewEvent(selection.begin, selection.end, selection.allDay);
+    editeur.setDebutSelection(selection.begin.date());
+    m_ressources.suivre(appState().Calendrier.get());
+    const int planning = appState().Calendrier
+                             ? m_ressources.indexPlanningDeLaSelection(appState().Calendrier->Schedules())
+                             : -1;
+    editeur.NewEvent(selection.begin, selection.end, selection.allDay, planning);
     connect(&editeur, &frmEditEvent::Populate, CalendarControl, &CalendarView::Populate);
     ExecuterDialogue(editeur);
 }
@@ -109,6 +114,7 @@ void frmMain::ouvrirEditeur(const CalendarEventPtr &evenement, QWidget *propriet
 {
     m_dernierOuvert = evenement;
     frmEditEvent editeur(appState().Calendrier.get(), proprietaire ? proprietaire : this);
+    editeur.setDebutSelection(CalendarControl->selection().begin.date());
     editeur.ModifyEvent(evenement);
     connect(&editeur, &frmEditEvent::Populate, CalendarControl, &CalendarView::Populate);
     ExecuterDialogue(editeur);
@@ -124,7 +130,7 @@ void frmMain::periodiciteEvenementCible()
     // The dialog works on a copy (for an occurrence, a copy of its master);
     // the store changes only when it is confirmed.
     CalendarEventPtr copie = cible->CloneEvent();
-    const int reponse = frmEditRecurrence::Editer(this, copie, cible->StartDateTime().date());
+    const int reponse = frmEditRecurrence::Editer(this, copie, CalendarControl->selection().begin.date());
     if (reponse == frmEditRecurrence::Annule || !copie)
         return;
     ecrire(appState().Calendrier->ChangeEvent(copie));
