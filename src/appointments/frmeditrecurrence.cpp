@@ -439,6 +439,9 @@ void frmEditRecurrence::valider()
     if (!m_chargement.pattern)
         return;
     if (!ValeursVersPattern(valeurs(), *m_chargement.pattern)) {
+        // A start typed without ":" cannot be split into hours and minutes;
+        // by our choice it is told and the dialog stays open, instead of
+        // failing in silence.
         Prompt::informer(QStringLiteral("Erreur"),
                          QStringLiteral("L'heure de début doit être saisie sous la forme hh:mm."),
                          Prompt::Icone::Exclamation);

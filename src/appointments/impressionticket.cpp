@@ -354,6 +354,8 @@ bool ImprimerTicket(const DonneesTicket &donnees, QString *erreur)
     const QString nom = ImprimanteTicket(reglages.imprimante, QPrinterInfo::defaultPrinterName(),
                                          QPrinterInfo::availablePrinterNames());
     const QPrinterInfo info = QPrinterInfo::printerInfo(nom);
+    // No printer at all is told (our choice), so that the secretary does not
+    // wait for a ticket that will never come.
     if (nom.isEmpty() || info.isNull()) {
         Signaler(erreur, QStringLiteral("Aucune imprimante n'est disponible sur ce poste : le ticket n'a pas été "
                                         "imprimé. Le rendez-vous est enregistré."));

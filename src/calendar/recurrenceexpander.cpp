@@ -564,8 +564,9 @@ QDateTime naif(const QDateTime &t)
 }
 
 // The local time of a day and hour. An hour that the clocks skip when summer
-// time begins (02:30 on the last Sunday of March in Paris) does not exist; the
-// appointment is where the clock then stands, one gap later (03:30).
+// time begins (02:30 on the last Sunday of March in Paris) does not exist; by
+// our choice the occurrence still shows, where the clock then stands, one gap
+// later (03:30), rather than vanish from the book.
 QDateTime heureLocale(QDate jour, QTime heure)
 {
     QDateTime t(jour, heure);

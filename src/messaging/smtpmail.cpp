@@ -104,6 +104,9 @@ QString texteErreur(CURLcode code, long reponse, const ServeurSmtp &serveur, con
         phrase = QStringLiteral("Le serveur SMTP %1 demande une authentification.").arg(nomServeur(serveur));
         break;
     default:
+        // A refusal by the server is a failure of the sending, with its
+        // code, by our choice: a mail the server did not take is never
+        // counted as sent.
         if (reponse >= 400)
             phrase = QStringLiteral("Le serveur SMTP %1 a refusé le message (code %2).")
                          .arg(nomServeur(serveur))

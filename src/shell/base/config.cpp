@@ -194,6 +194,10 @@ void FermerConfig()
     configCourante().reset();
 }
 
+// A table that cannot be read or written is our decision, not a fatal
+// error: the user is told in French and the program goes on (a read answers
+// the default), so that one locked or damaged Config.mdb never ends the
+// session and loses what is on screen.
 QString LireConfig(const QString &section, const QString &item, const QString &defaut)
 {
     auto &config = configCourante();

@@ -322,9 +322,9 @@ void frmMain::construireMenus()
     mnuDeleteEvent = action(mnuContexEditEvent, "mnuDeleteEvent", QStringLiteral("&Supprimer"));
     mnuPatientEnSalle = action(mnuContexEditEvent, "mnuPatientEnSalle", QStringLiteral("&Patient en salle d'attente"));
     mnuPatientSorti = action(mnuContexEditEvent, "mnuPatientSorti", QStringLiteral("Patient s&orti de salle d'attente"));
-    // The recurrence dialog straight from the calendar: the editor cannot
-    // keep a series it has just made (its own reservation of the slot closes
-    // it), so a series is made or changed here.
+    // Our own addition to the menu: the recurrence dialog straight from the
+    // calendar. The editor cannot keep a series it has just made (its own
+    // reservation of the slot closes it), so a series is made or changed here.
     mnuContexEditEvent->addSeparator();
     mnuRecurrenceEvent = action(mnuContexEditEvent, "mnuRecurrenceEvent", QStringLiteral("Pé&riodicité..."));
     mnuContextNewEvent = sousMenu(mnuContextMenu, "mnuContextNewEvent", QStringLiteral("NewEvent"));
