@@ -32,7 +32,11 @@ void saisir(QLineEdit *champ, const QString &texte)
 {
     champ->setFocus();
     champ->selectAll();
-    QTest::keyClicks(champ, texte);
+    // Accented letters as a French keyboard sends them: a key of no code
+    // with its text.
+    for (const QChar c : texte)
+        QTest::sendKeyEvent(QTest::Click, champ, c.unicode() < 128 ? QTest::asciiToKey(c.toLatin1()) : Qt::Key_unknown,
+                            QString(c), Qt::NoModifier);
     QTest::keyClick(champ, Qt::Key_Tab);
 }
 
