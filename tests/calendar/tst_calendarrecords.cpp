@@ -303,21 +303,6 @@ private slots:
         QCOMPARE(event->EndDateTime(), QDateTime(QDate(2026, 4, 6), QTime(14, 20)));
     }
 
-    void repriseDesEntreesDeTransfert()
-    {
-        auto event = CalendarEvent::create(9);
-        event->CustomProperties().SetProperty(QStringLiteral("xtpMarkupText"), QStringLiteral("m"));
-        event->CustomProperties().SetProperty(CustomProperties::RecurrenceStateEntry, 1);
-        event->CustomProperties().SetProperty(CustomProperties::RecurrencePatternIDEntry, 33);
-        QCOMPARE(event->TakeOverTransferEntries(), 33);
-        QCOMPARE(event->RecurrenceState(), 1);
-        QCOMPARE(event->CustomProperties().Names(), QStringList{"xtpMarkupText"});
-
-        auto simple = CalendarEvent::create(10);
-        QCOMPARE(simple->TakeOverTransferEntries(), 0);
-        QCOMPARE(simple->RecurrenceState(), 0);
-    }
-
     void copieIndependante()
     {
         auto master = CalendarEvent::create(5);
