@@ -1,6 +1,7 @@
 #include "shell/demarrage.h"
 
 #include "calendar/calendardataprovider.h"
+#include "calendar/choixstore.h"
 #include "calendar/openprovider.h"
 #include "calendar/reminderengine.h"
 #include "cipher/encryptx.h"
@@ -128,7 +129,16 @@ std::optional<QString> Demarrage::charger(ParametresFenetre &p)
 
     // The calendar store: Events.mdb in PathDB, opened or created.
     // A store that can be neither opened nor created leaves an empty book.
-    OpenProvider(m_etat.Calendrier, m_etat.TypeFournisseur, CalendarDataProvider::Access, connexionEvenements());
+    // A station that chose the MariaDB store comes back to it: its book is
+    // on the server, and booking into Events.mdb after a restart would split
+    // it in two. The other kinds of the chooser are not reopened.
+    const QString section = QStringLiteral("Provider");
+    if (LireParametreUtilisateur(section, QStringLiteral("Active"), {}).toInt() == CalendarDataProvider::MariaDB)
+        OpenProvider(m_etat.Calendrier, m_etat.TypeFournisseur, CalendarDataProvider::MariaDB,
+                     ChaineDeConnexion(CalendarDataProvider::MariaDB,
+                                       LireParametreUtilisateur(section, QStringLiteral("ActivePath"), {}), m_dossierProgramme));
+    else
+        OpenProvider(m_etat.Calendrier, m_etat.TypeFournisseur, CalendarDataProvider::Access, connexionEvenements());
 
     p.libelles = ConstruireLibelles(m_etat);
     m_etat.Calendrier->setLabelList(p.libelles);

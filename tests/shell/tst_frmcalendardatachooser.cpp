@@ -59,10 +59,13 @@ private Q_SLOTS:
         appState() = AppState{};
     }
 
-    void choisirUneAutreBase()
+    void init()
     {
         // The strings of an earlier run are not this run's defaults.
         QSettings(QStringLiteral("Tavonel"), QStringLiteral("Tavonel")).remove(QStringLiteral("Provider"));
+    }
+    void choisirUneAutreBase()
+    {
         Poste p;
         QCOMPARE(appState().TypeFournisseur, 2);
         QStringList vus;
@@ -138,6 +141,13 @@ private Q_SLOTS:
         QCOMPARE(p.f->CalendarControl->shownEvents().size(), 1);
         QCOMPARE(p.f->CalendarControl->shownEvents().first()->Subject(), QStringLiteral("Poste 2"));
         QCOMPARE(p.repondeur.textes(), QStringList());
+        // Started again, the station is back on the server, not on Events.mdb.
+        p.f.reset();
+        cleanup();
+        Poste redemarre;
+        QCOMPARE(appState().TypeFournisseur, 6);
+        QVERIFY(QMetaObject::invokeMethod(redemarre.f->Timer1, "timeout"));
+        QCOMPARE(redemarre.f->CalendarControl->shownEvents().size(), 1);
     }
 };
 
