@@ -90,6 +90,12 @@ public:
             m_store->SetReadWait(milliseconds);
     }
 
+    // The store's mark of what it holds now, for readers that skip a read
+    // when nothing changed (see StoreMark); a mark that tells nothing when
+    // no store is open.
+    [[nodiscard]] StoreMark DataMark() const { return m_store && m_store->IsOpen() ? m_store->DataMark() : StoreMark{}; }
+    [[nodiscard]] bool ChangedSince(const StoreMark &mark) const { return !mark.sameAs(DataMark()); }
+
     // Labels (colour and appointment type) of the book.
     [[nodiscard]] const CalendarLabelList &LabelList() const { return m_labels; }
     void setLabelList(const CalendarLabelList &labels) { m_labels = labels; }

@@ -22,6 +22,22 @@ struct CalendarSchedule
     friend bool operator==(const CalendarSchedule &, const CalendarSchedule &) = default;
 };
 
+// What a store holds at one moment, as far as the store can tell: two marks
+// are the same only when nothing was written in between, by this program or
+// by another workstation. A store that cannot tell gives marks that are
+// never the same, so that whoever keeps one reads again every time.
+struct StoreMark
+{
+    quint64 instance = 0; // the opened store; 0: cannot tell
+    quint64 version = 0;  // other connections' commits
+    quint64 changes = 0;  // this connection's writes
+
+    [[nodiscard]] bool sameAs(const StoreMark &other) const
+    {
+        return instance != 0 && instance == other.instance && version == other.version && changes == other.changes;
+    }
+};
+
 // The store side of the calendar: the ten requests that the data provider
 // sends to whatever holds the rows. Records come back as fresh objects made
 // through the provider; a row read as an ordinary event carries its state and
@@ -113,6 +129,14 @@ public:
     [[nodiscard]] virtual bool LastReadFailed() const { return false; }
     // What the last failed request said (empty when the store cannot tell).
     [[nodiscard]] virtual QString LastErrorText() const { return {}; }
+    // The mark of what the store holds now (see StoreMark); the default
+    // cannot tell. Taken before a read, it tells the next time whether the
+    // read would bring anything new.
+    [[nodiscard]] virtual StoreMark DataMark() { return {}; }
+    // Whether the data may have changed since the mark was taken: always
+    // for a store that cannot tell.
+    [[nodiscard]] bool ChangedSince(const StoreMark &mark) { return !mark.sameAs(DataMark()); }
+
     // How long the next requests wait for a file held by another
     // workstation; -1 puts back the usual wait. A store that never waits
     // ignores it.

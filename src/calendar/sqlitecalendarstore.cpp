@@ -14,6 +14,7 @@
 #include <QSqlRecord>
 
 #include <array>
+#include <atomic>
 #include <cstring>
 #include <limits>
 #include <utility>
@@ -262,7 +263,8 @@ void SqliteCalendarStore::Close()
     if (m_base && m_changeDepth > 0)
         m_base->executer(QStringLiteral("ROLLBACK"));
     m_changeDepth = 0;
-    for (sqlite3_stmt **st : {&m_rangeStmt, &m_patternsStmt, &m_seriesExceptionsStmt, &m_upcomingStmt, &m_upcomingSinceStmt}) {
+    for (sqlite3_stmt **st :
+         {&m_rangeStmt, &m_patternsStmt, &m_seriesExceptionsStmt, &m_upcomingStmt, &m_upcomingSinceStmt, &m_versionStmt}) {
         sqlite3_finalize(*st);
         *st = nullptr;
     }
@@ -303,6 +305,9 @@ bool SqliteCalendarStore::ensureSchema()
             return false;
         }
     }
+    static std::atomic<quint64> ouvertures{0};
+    m_instance = ++ouvertures;
+    m_readWait = -1;
     return true;
 }
 
@@ -674,8 +679,26 @@ void SqliteCalendarStore::DoGetUpcomingEvents(const QDateTime &start, int minute
                    borne ? QList<QByteArray>{t, depuis, t, t, depuis} : QList<QByteArray>{t, t, t}, events);
 }
 
+StoreMark SqliteCalendarStore::DataMark()
+{
+    if (!m_base || !prepareKept(m_versionStmt, QStringLiteral("PRAGMA data_version")))
+        return {};
+    // A file held by another workstation is not waited for here: the mark
+    // then tells nothing, and the read that follows waits as reads do.
+    sqlite3 *poignee = m_base->poignee();
+    sqlite3_busy_timeout(poignee, 0);
+    StoreMark marque;
+    if (sqlite3_step(m_versionStmt) == SQLITE_ROW)
+        marque = {m_instance, quint64(sqlite3_column_int64(m_versionStmt, 0)),
+                  quint64(sqlite3_total_changes64(poignee)) + m_rollbacks};
+    sqlite3_reset(m_versionStmt);
+    sqlite3_busy_timeout(poignee, m_readWait >= 0 ? m_readWait : BaseSqlite::delaiOccupe());
+    return marque;
+}
+
 void SqliteCalendarStore::SetReadWait(int milliseconds)
 {
+    m_readWait = milliseconds;
     if (m_base)
         sqlite3_busy_timeout(m_base->poignee(), milliseconds >= 0 ? milliseconds : BaseSqlite::delaiOccupe());
 }
@@ -708,6 +731,7 @@ void SqliteCalendarStore::RollbackChange()
     if (!m_base || m_changeDepth == 0)
         return;
     m_changeDepth = 0;
+    ++m_rollbacks;
     m_base->executer(QStringLiteral("ROLLBACK"), &m_lastError);
 }
 

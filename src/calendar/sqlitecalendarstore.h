@@ -53,6 +53,9 @@ public:
     [[nodiscard]] bool LastReadFailed() const override { return m_readFailed; }
     [[nodiscard]] QString LastErrorText() const override { return m_lastError; }
     void SetReadWait(int milliseconds) override;
+    // SQLite's data version of the connection (other connections' commits)
+    // and the rows this connection has written.
+    [[nodiscard]] StoreMark DataMark() override;
 
     bool DoReadSchedules(QList<CalendarSchedule> &schedules) override;
     bool DoCreateSchedule(const QString &name, int &newScheduleId) override;
@@ -101,12 +104,18 @@ private:
     std::unique_ptr<BaseSqlite> m_base;
     int m_changeDepth = 0;
     bool m_readFailed = false;
+    // Given anew at each opening, so that no two openings share a mark.
+    quint64 m_instance = 0;
+    // Changes undone: what was read meanwhile from this connection saw them.
+    quint64 m_rollbacks = 0;
+    int m_readWait = -1;
     // Statements asked again and again by the day reads, kept prepared.
     sqlite3_stmt *m_rangeStmt = nullptr;
     sqlite3_stmt *m_patternsStmt = nullptr;
     sqlite3_stmt *m_seriesExceptionsStmt = nullptr;
     sqlite3_stmt *m_upcomingStmt = nullptr;
     sqlite3_stmt *m_upcomingSinceStmt = nullptr;
+    sqlite3_stmt *m_versionStmt = nullptr;
     std::unique_ptr<QSqlQuery> m_pattern;
     std::unique_ptr<QSqlQuery> m_exceptions;
 };

@@ -8,10 +8,15 @@
 
 #include <QFileInfo>
 #include <QHash>
+#include <QStringDecoder>
 
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <array>
+#include <tuple>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 QString EchapperApostrophes(const QString &texte)
@@ -306,6 +311,199 @@ struct Instruction
 // Rows are read in pages of this many when the grid asks for them.
 constexpr qsizetype taillePage = 64;
 
+// UTF-16 texts one after another in one block, which grows without
+// clearing what is about to be written: taille units are used.
+struct Bloc
+{
+    size_t taille = 0;
+
+    char16_t *place(size_t n)
+    {
+        if (taille + n > m_capacite)
+            reserver(std::max(2 * m_capacite, taille + n + 4096));
+        return m_d.get() + taille;
+    }
+    void reserver(size_t capacite)
+    {
+        if (capacite <= m_capacite)
+            return;
+        std::unique_ptr<char16_t[]> d(new char16_t[capacite]);
+        std::copy(m_d.get(), m_d.get() + taille, d.get());
+        m_d = std::move(d);
+        m_capacite = capacite;
+    }
+    void ajouter(QStringView t)
+    {
+        std::copy(t.utf16(), t.utf16() + t.size(), place(static_cast<size_t>(t.size())));
+        taille += static_cast<size_t>(t.size());
+    }
+    [[nodiscard]] const char16_t *data() const { return m_d.get(); }
+    [[nodiscard]] QStringView vue(size_t debut, size_t longueur) const
+    {
+        return QStringView(m_d.get() + debut, static_cast<qsizetype>(longueur));
+    }
+
+private:
+    std::unique_ptr<char16_t[]> m_d;
+    size_t m_capacite = 0;
+};
+
+// PlierTexte character by character, for the characters below U+0300: each
+// one folds on its own there (no combining mark among them, and the marks
+// that their decompositions give are all dropped), so a name made only of
+// them folds as the folded characters one after the other.
+constexpr char16_t finPliageRapide = 0x300;
+// In the table of single units: this character does not fold to one unit.
+constexpr char16_t pasUnSeul = 0xFFFF;
+
+struct TablePliage
+{
+    std::array<char16_t, finPliageRapide> seul;
+    std::array<QString, finPliageRapide> texte;
+};
+
+const TablePliage &tablePliage()
+{
+    static const TablePliage table = [] {
+        TablePliage t;
+        for (char16_t u = 0; u < finPliageRapide; ++u) {
+            t.texte[u] = PlierTexte(QString(QChar(u)));
+            t.seul[u] = t.texte[u].size() == 1 ? t.texte[u].front().unicode() : pasUnSeul;
+        }
+        return t;
+    }();
+    return table;
+}
+
+// Appends the folded form of the text (see PlierTexte) to plis.
+void plier(QStringView texte, Bloc &plis)
+{
+    const TablePliage &table = tablePliage();
+    const size_t debut = plis.taille;
+    char16_t *sortie = plis.place(static_cast<size_t>(texte.size()));
+    for (const QChar c : texte) {
+        const char16_t u = c.unicode();
+        if (u < finPliageRapide && table.seul[u] != pasUnSeul) {
+            *sortie++ = table.seul[u];
+            continue;
+        }
+        plis.taille = static_cast<size_t>(sortie - plis.data());
+        if (u >= finPliageRapide) {
+            plis.taille = debut;
+            plis.ajouter(PlierTexte(texte.toString()));
+            return;
+        }
+        plis.ajouter(table.texte[u]);
+        // Room for the rest, which may be one unit each.
+        sortie = plis.place(static_cast<size_t>(texte.size()));
+    }
+    plis.taille = static_cast<size_t>(sortie - plis.data());
+}
+
+// Appends a text of the base (UTF-8, read as QString::fromUtf8 reads it)
+// to noms and its folded form to plis; the lengths of both.
+std::pair<quint32, quint32> ajouterNom(const unsigned char *u, size_t octets, QStringDecoder &utf8, Bloc &noms,
+                                       Bloc &plis)
+{
+    // Nearly every name, in one pass: characters of one or two bytes that
+    // fold to one unit each.
+    const TablePliage &table = tablePliage();
+    char16_t *n = noms.place(octets);
+    char16_t *p = plis.place(octets);
+    size_t i = 0;
+    size_t k = 0;
+    for (; i < octets; ++i, ++k) {
+        char16_t c = u[i];
+        if (c >= 0x80) {
+            if (c < 0xC2 || c > 0xDF || i + 1 == octets || (u[i + 1] & 0xC0) != 0x80)
+                break;
+            c = static_cast<char16_t>(((c & 0x1F) << 6) | (u[i + 1] & 0x3F));
+            if (c >= finPliageRapide || table.seul[c] == pasUnSeul)
+                break;
+            ++i;
+        }
+        n[k] = c;
+        p[k] = table.seul[c];
+    }
+    if (i == octets) {
+        noms.taille += k;
+        plis.taille += k;
+        return {static_cast<quint32>(k), static_cast<quint32>(k)};
+    }
+    // Any other text, in full.
+    const size_t debut = noms.taille;
+    auto *q = reinterpret_cast<QChar *>(noms.place(static_cast<size_t>(utf8.requiredSpace(static_cast<qsizetype>(octets)))));
+    const QChar *fin = utf8.appendToBuffer(q, QByteArrayView(u, static_cast<qsizetype>(octets)));
+    const auto longueur = static_cast<size_t>(fin - q);
+    noms.taille += longueur;
+    const size_t pli = plis.taille;
+    plier(noms.vue(debut, longueur), plis);
+    return {static_cast<quint32>(longueur), static_cast<quint32>(plis.taille - pli)};
+}
+
+// The four texts that order a row (folded family name, folded given name,
+// family name, given name) as one run of bytes whose order is the order of
+// the rows wherever two runs differ: each UTF-16 unit as the unit plus one,
+// and a 0 after each text; a unit from 0xFE up counts as 0xFF and ends the
+// run. The first 32 bytes are kept, as four numbers; when the whole run fits
+// in them, two equal keys mean four equal texts.
+struct CleTri
+{
+    std::array<quint64, 4> mots{};
+    bool entiere = false;
+};
+
+CleTri cleTri(const std::array<std::u16string_view, 4> &textes)
+{
+    CleTri c;
+    unsigned place = 0;
+    auto poser = [&](quint64 octet) {
+        c.mots[place / 8] |= octet << (56 - 8 * (place % 8));
+        ++place;
+    };
+    for (const std::u16string_view t : textes) {
+        for (const char16_t u : t) {
+            if (place == 32)
+                return c;
+            if (u >= 0xFE) {
+                poser(0xFF);
+                return c;
+            }
+            poser(u + 1u);
+        }
+        if (place == 32)
+            return c;
+        ++place;
+    }
+    c.entiere = true;
+    return c;
+}
+
+// A row that the patterns accept: its row number, where its names are in
+// the result's block, where their folded forms are in the working block.
+struct Trouvee
+{
+    qint64 rowid;
+    quint32 nom;
+    quint32 longueurNom;
+    quint32 longueurPrenom;
+    quint32 pli;
+    quint32 longueurPliNom;
+    quint32 longueurPliPrenom;
+};
+
+// The first number of a row's key, and the row.
+using Rang = std::pair<quint64, quint32>;
+
+// The other numbers of a row's key, for the rows whose first numbers are
+// equal.
+struct Suite
+{
+    quint64 mot1, mot2, mot3;
+    quint32 trouvee;
+    bool entiere;
+};
+
 } // namespace
 
 struct ResultatRecherche::Donnees
@@ -315,41 +513,85 @@ struct ResultatRecherche::Donnees
         std::unique_ptr<BaseSqlite> base;
         std::unique_ptr<Instruction> details;
     };
+    // A row as found: its base, its row number, and where its names are in
+    // noms (the given name follows the family name).
     struct Entree
     {
-        int source = 0;
         qint64 rowid = 0;
-        bool complete = false;
-        LigneRecherche ligne;
+        quint32 debut = 0;
+        quint32 longueurNom = 0;
+        quint32 longueurPrenom = 0;
+        quint32 source = 0;
+    };
+    // The rows as the grid reads them, made when a row of the page is first
+    // asked for.
+    struct Page
+    {
+        std::array<LigneRecherche, taillePage> lignes;
+        std::array<bool, taillePage> complete{};
+        qsizetype nommees = 0;
     };
     std::vector<Source> sources;
     std::vector<Entree> entrees;
+    // The names of every row, one after another: a long list costs no
+    // allocation a row.
+    Bloc noms;
+    std::vector<std::unique_ptr<Page>> pages;
+
+    QString texte(quint32 debut, quint32 longueur) const
+    {
+        return QString(reinterpret_cast<const QChar *>(noms.data() + debut), longueur);
+    }
+
+    Page &page(qsizetype i)
+    {
+        const size_t n = static_cast<size_t>(i / taillePage);
+        if (pages.size() <= n)
+            pages.resize(n + 1);
+        if (!pages[n])
+            pages[n] = std::make_unique<Page>();
+        Page &p = *pages[n];
+        // The rows of the page that exist now; a base added later may
+        // fill the rest of it.
+        const qsizetype premier = i - i % taillePage;
+        const qsizetype nombre = std::min<qsizetype>(taillePage, static_cast<qsizetype>(entrees.size()) - premier);
+        for (; p.nommees < nombre; ++p.nommees) {
+            const Entree &e = entrees[static_cast<size_t>(premier + p.nommees)];
+            LigneRecherche &l = p.lignes[static_cast<size_t>(p.nommees)];
+            l.Nom = texte(e.debut, e.longueurNom);
+            l.Prenom = texte(e.debut + e.longueurNom, e.longueurPrenom);
+        }
+        return p;
+    }
 
     bool completer(qsizetype i, ErreurRecherche *erreur = nullptr)
     {
-        Entree &e = entrees[static_cast<size_t>(i)];
-        if (e.complete)
+        Page &p = page(i);
+        const size_t k = static_cast<size_t>(i % taillePage);
+        if (p.complete[k])
             return true;
-        sqlite3_stmt *s = sources[static_cast<size_t>(e.source)].details->s;
+        const Entree &e = entrees[static_cast<size_t>(i)];
+        LigneRecherche &l = p.lignes[k];
+        sqlite3_stmt *s = sources[e.source].details->s;
         sqlite3_bind_int64(s, 1, e.rowid);
         const int rc = sqlite3_step(s);
         if (rc == SQLITE_ROW) {
-            e.ligne.Base = colonneTexte(s, 0);
-            e.ligne.DerniereVisite = colonneValeur(s, 1);
-            e.ligne.Numero = colonneValeur(s, 2);
-            e.ligne.Agenda = colonneValeur(s, 3);
-            e.ligne.DateNaissance = colonneValeur(s, 4);
-            e.complete = true;
+            l.Base = colonneTexte(s, 0);
+            l.DerniereVisite = colonneValeur(s, 1);
+            l.Numero = colonneValeur(s, 2);
+            l.Agenda = colonneValeur(s, 3);
+            l.DateNaissance = colonneValeur(s, 4);
+            p.complete[k] = true;
         }
         // A row that has gone since the search keeps empty columns; a base
         // that is busy for a moment is asked again next time.
         else if (rc == SQLITE_DONE) {
-            e.complete = true;
+            p.complete[k] = true;
         } else if (erreur) {
             *erreur = erreurSqlite(sqlite3_db_handle(s));
         }
         sqlite3_reset(s);
-        return e.complete;
+        return p.complete[k];
     }
 };
 
@@ -369,13 +611,14 @@ qsizetype ResultatRecherche::size() const
 
 const LigneRecherche &ResultatRecherche::ligne(qsizetype i)
 {
-    if (!d->entrees[static_cast<size_t>(i)].complete) {
+    Donnees::Page &p = d->page(i);
+    if (!p.complete[static_cast<size_t>(i % taillePage)]) {
         const qsizetype debut = i - i % taillePage;
         const qsizetype fin = std::min(size(), debut + taillePage);
         for (qsizetype j = debut; j < fin; ++j)
             d->completer(j);
     }
-    return d->entrees[static_cast<size_t>(i)].ligne;
+    return p.lignes[static_cast<size_t>(i % taillePage)];
 }
 
 bool ResultatRecherche::lire(qsizetype i, ErreurRecherche *erreur)
@@ -395,6 +638,8 @@ QList<LigneRecherche> ResultatRecherche::toutes()
 void ResultatRecherche::vider()
 {
     d->entrees.clear();
+    d->noms = Bloc();
+    d->pages.clear();
     d->sources.clear();
 }
 
@@ -402,7 +647,10 @@ bool ResultatRecherche::ajouterBase(const QString &chemin, const QString &motifN
                                     ErreurRecherche *erreur)
 {
     ErreurRecherche e;
+    Bloc &noms = d->noms;
+    const size_t nomsAvant = noms.taille;
     auto echec = [&]() {
+        noms.taille = nomsAvant;
         if (erreur)
             *erreur = e;
         return false;
@@ -423,48 +671,64 @@ bool ResultatRecherche::ajouterBase(const QString &chemin, const QString &motifN
     // the base a call to the comparison function for each row.
     const std::optional<QList<PlageNoms>> plages = PlagesDuMotif(motifNom);
     const QString colonnes = QStringLiteral("SELECT Nom, Prenom, rowid FROM Signaletiques");
-    Instruction fermee, ouverte, tout;
-    auto details = std::make_unique<Instruction>();
     auto preparer = [&](Instruction &ins, const QString &sql) {
         return sqlite3_prepare16_v2(poignee, sql.utf16(), -1, &ins.s, nullptr) == SQLITE_OK;
     };
-    if (!preparer(fermee, colonnes + QStringLiteral(" WHERE Nom COLLATE NOCASE >= ?1 AND Nom COLLATE NOCASE < ?2"))
-        || !preparer(ouverte, colonnes + QStringLiteral(" WHERE Nom COLLATE NOCASE >= ?1"))
-        || !preparer(tout, colonnes)
-        || !preparer(*details, QStringLiteral("SELECT Base, \"Derniere Visite\", Numero, Agenda, "
-                                              "\"Date de Naissance\" FROM Signaletiques WHERE rowid = ?1"))) {
+    Instruction fermee, ouverte, tout;
+    auto details = std::make_unique<Instruction>();
+    const bool prete =
+        (plages ? preparer(fermee, colonnes + QStringLiteral(" WHERE Nom COLLATE NOCASE >= ?1 AND Nom COLLATE NOCASE < ?2"))
+                      && preparer(ouverte, colonnes + QStringLiteral(" WHERE Nom COLLATE NOCASE >= ?1"))
+                : preparer(tout, colonnes))
+        && preparer(*details, QStringLiteral("SELECT Base, \"Derniere Visite\", Numero, Agenda, "
+                                             "\"Date de Naissance\" FROM Signaletiques WHERE rowid = ?1"));
+    if (!prete) {
         e = erreurSqlite(poignee);
         return echec();
     }
 
-    struct Trouvee
-    {
-        QString cleNom;
-        QString clePrenom;
-        QString nom;
-        QString prenom;
-        qint64 rowid;
-    };
+    // The names go straight to noms, and their folded forms to plis; a row
+    // that the patterns refuse is taken back out of both.
     const MotifJet filtreNom(motifNom);
     const MotifJet filtrePrenom(motifPrenom);
     std::vector<Trouvee> trouvees;
     trouvees.reserve(1024);
+    Bloc plis;
+    QStringDecoder utf8(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
+    auto vue = [](const Bloc &v, quint32 debut, quint32 longueur) {
+        return std::u16string_view(v.data() + debut, longueur);
+    };
+    auto textes = [&](const Trouvee &t) {
+        return std::array<std::u16string_view, 4>{vue(plis, t.pli, t.longueurPliNom),
+                                                  vue(plis, t.pli + t.longueurPliNom, t.longueurPliPrenom),
+                                                  vue(noms, t.nom, t.longueurNom),
+                                                  vue(noms, t.nom + t.longueurNom, t.longueurPrenom)};
+    };
+    std::vector<CleTri> cles;
+    cles.reserve(1024);
     auto lire = [&](sqlite3_stmt *s) {
         int rc;
         while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
             // A null name matches no pattern.
-            if (sqlite3_column_type(s, 0) == SQLITE_NULL || sqlite3_column_type(s, 1) == SQLITE_NULL)
+            const auto *nom = sqlite3_column_text(s, 0);
+            const auto *prenom = sqlite3_column_text(s, 1);
+            if (!nom || !prenom)
                 continue;
-            QString nom = colonneTexte(s, 0);
-            QString cleNom = PlierTexte(nom);
-            if (!filtreNom.correspondPlie(cleNom))
-                continue;
-            QString prenom = colonneTexte(s, 1);
-            QString clePrenom = PlierTexte(prenom);
-            if (!filtrePrenom.correspondPlie(clePrenom))
-                continue;
-            trouvees.push_back({std::move(cleNom), std::move(clePrenom), std::move(nom), std::move(prenom),
-                                sqlite3_column_int64(s, 2)});
+            Trouvee t{sqlite3_column_int64(s, 2), static_cast<quint32>(noms.taille), 0, 0,
+                      static_cast<quint32>(plis.taille), 0, 0};
+            std::tie(t.longueurNom, t.longueurPliNom) =
+                ajouterNom(nom, static_cast<size_t>(sqlite3_column_bytes(s, 0)), utf8, noms, plis);
+            if (filtreNom.correspondPlie(plis.vue(t.pli, t.longueurPliNom))) {
+                std::tie(t.longueurPrenom, t.longueurPliPrenom) =
+                    ajouterNom(prenom, static_cast<size_t>(sqlite3_column_bytes(s, 1)), utf8, noms, plis);
+                if (filtrePrenom.correspondPlie(plis.vue(t.pli + t.longueurPliNom, t.longueurPliPrenom))) {
+                    trouvees.push_back(t);
+                    cles.push_back(cleTri(textes(t)));
+                    continue;
+                }
+            }
+            noms.taille = t.nom;
+            plis.taille = t.pli;
         }
         const bool ok = rc == SQLITE_DONE;
         if (!ok)
@@ -473,6 +737,18 @@ bool ResultatRecherche::ajouterBase(const QString &chemin, const QString &motifN
         return ok;
     };
     if (!plages) {
+        // Every row is a candidate: room for them all at once, from the
+        // highest row number (a cheap count from above), spares the copies
+        // of growing.
+        Instruction plusHaut;
+        if (preparer(plusHaut, QStringLiteral("SELECT max(rowid) FROM Signaletiques"))
+            && sqlite3_step(plusHaut.s) == SQLITE_ROW) {
+            const auto n = static_cast<size_t>(std::clamp<qint64>(sqlite3_column_int64(plusHaut.s, 0), 0, 1 << 20));
+            trouvees.reserve(n);
+            cles.reserve(n);
+            noms.reserver(noms.taille + 16 * n);
+            plis.reserver(16 * n);
+        }
         if (!lire(tout.s))
             return echec();
     } else {
@@ -486,31 +762,72 @@ bool ResultatRecherche::ajouterBase(const QString &chemin, const QString &motifN
         }
     }
     // Sorted as the practice's bases sort names: no regard to case or
-    // accents, the exact spelling only between equal names. An order of
-    // indexes is sorted, which moves no text.
-    std::vector<quint32> ordre(trouvees.size());
+    // accents, the exact spelling only between equal names, the order found
+    // between rows of the same spelling. The keys settle nearly every
+    // comparison without reading the texts: first by the first number alone,
+    // a byte at a time from the last (each pass keeps the order of the one
+    // before), then each run of rows with the same first number by the rest.
+    std::vector<Rang> ordre(trouvees.size());
     for (quint32 i = 0; i < ordre.size(); ++i)
-        ordre[i] = i;
-    std::stable_sort(ordre.begin(), ordre.end(), [&trouvees](quint32 ia, quint32 ib) {
-        const Trouvee &a = trouvees[ia];
-        const Trouvee &b = trouvees[ib];
-        if (const int c = a.cleNom.compare(b.cleNom))
-            return c < 0;
-        if (const int c = a.clePrenom.compare(b.clePrenom))
-            return c < 0;
-        if (const int c = a.nom.compare(b.nom))
-            return c < 0;
-        return a.prenom.compare(b.prenom) < 0;
-    });
-    const int source = static_cast<int>(d->sources.size());
+        ordre[i] = {cles[i].mots[0], i};
+    {
+        std::vector<Rang> tampon(ordre.size());
+        std::array<size_t, 257> compte;
+        for (int octet = 0; octet < 8; ++octet) {
+            const int decalage = 8 * octet;
+            compte.fill(0);
+            for (const Rang &r : ordre)
+                ++compte[((r.first >> decalage) & 0xFF) + 1];
+            // A byte that every row shares changes nothing.
+            if (std::find(compte.begin(), compte.end(), ordre.size()) != compte.end())
+                continue;
+            for (size_t i = 1; i < compte.size(); ++i)
+                compte[i] += compte[i - 1];
+            for (const Rang &r : ordre)
+                tampon[compte[(r.first >> decalage) & 0xFF]++] = r;
+            ordre.swap(tampon);
+        }
+    }
+    // The texts compare by their UTF-16 code units, as QString does.
+    auto avant = [&](const Suite &a, const Suite &b) {
+        if (a.mot1 != b.mot1)
+            return a.mot1 < b.mot1;
+        if (a.mot2 != b.mot2)
+            return a.mot2 < b.mot2;
+        if (a.mot3 != b.mot3)
+            return a.mot3 < b.mot3;
+        if (!a.entiere) {
+            if (const auto ta = textes(trouvees[a.trouvee]), tb = textes(trouvees[b.trouvee]); ta != tb)
+                return ta < tb;
+        }
+        return a.trouvee < b.trouvee;
+    };
+    std::vector<Suite> suite;
+    for (auto debut = ordre.begin(); debut != ordre.end();) {
+        auto fin = debut + 1;
+        while (fin != ordre.end() && fin->first == debut->first)
+            ++fin;
+        if (fin - debut > 1) {
+            // The rest of the keys side by side, so that comparing reads no
+            // further.
+            suite.clear();
+            for (auto r = debut; r != fin; ++r) {
+                const CleTri &c = cles[r->second];
+                suite.push_back({c.mots[1], c.mots[2], c.mots[3], r->second, c.entiere});
+            }
+            std::sort(suite.begin(), suite.end(), avant);
+            for (const Suite &x : suite)
+                (debut++)->second = x.trouvee;
+        }
+        debut = fin;
+    }
+    const auto source = static_cast<quint32>(d->sources.size());
     d->sources.push_back({std::move(base), std::move(details)});
-    d->entrees.reserve(d->entrees.size() + trouvees.size());
-    for (const quint32 i : ordre) {
-        Donnees::Entree &e = d->entrees.emplace_back();
-        e.source = source;
-        e.rowid = trouvees[i].rowid;
-        e.ligne.Nom = std::move(trouvees[i].nom);
-        e.ligne.Prenom = std::move(trouvees[i].prenom);
+    if (d->entrees.capacity() < d->entrees.size() + trouvees.size())
+        d->entrees.reserve(std::max(2 * d->entrees.capacity(), d->entrees.size() + trouvees.size()));
+    for (const Rang &r : ordre) {
+        const Trouvee &t = trouvees[r.second];
+        d->entrees.push_back({t.rowid, t.nom, t.longueurNom, t.longueurPrenom, source});
     }
     return true;
 }

@@ -72,6 +72,18 @@ private slots:
                                 {QStringLiteral("Abel"), QStringLiteral("Noé"), QStringLiteral("1999-09-09"), 6, QStringLiteral("CAB2")},
                             });
         QVERIFY2(err.isEmpty(), qPrintable(err));
+        // Names equal but for case and accents, long common starts, letters
+        // that do not decompose; Base tells the rows apart.
+        QList<PatientTest> ordre;
+        for (const auto &[n, p, naissance, base] : std::initializer_list<std::array<const char *, 4>>{
+                 {"Dupont", "Zoé", "1970", "a"}, {"DUPONT", "anne", "1960", "b"}, {"Dupont", "Anne", "1980", "c"},
+                 {"Dupont", "Anne", "1970", "d"}, {"Élodie", "Marie", "1970", "e"}, {"Elodie", "Marie", "1971", "f"},
+                 {"Dupont-Martinez", "Al", "1970", "g"}, {"Dupont-Martin", "Zed", "1970", "h"}, {"ELODIE", "marie", "1972", "l"},
+                 {"DUPONT-MARTINEZ", "al", "1971", "i"}, {"Đorđe", "A", "1970", "j"}, {"Zz", "A", "1970", "k"},
+                 {"de la Tour", "A", "1970", "m"}, {"Delatour", "A", "1970", "n"}, {"Œuvray", "A", "1970", "o"}})
+            ordre.append({QString::fromUtf8(n), QString::fromUtf8(p), naissance + QStringLiteral("-01-01"), 1 + int(ordre.size()), base});
+        err = CreerBaseTest(dossier(QStringLiteral("ordre")), ordre);
+        QVERIFY2(err.isEmpty(), qPrintable(err));
         BaseSqlite::fixerDelaiOccupe(300);
     }
 
@@ -241,6 +253,10 @@ private slots:
                                              << QStringList{"CAB1:DUPONT Jean", "CAB1:DUPONT Jean"};
         QTest::newRow("path2 vide: seul path1") << QStringList{c1, "", c2, ""} << "d" << QStringList{"CAB1:DUPONT Jean", "CAB1:Durand Paul"};
         QTest::newRow("path1 vide: rien") << QStringList{"", c1, c2, ""} << "d" << QStringList{};
+        QTest::newRow("ordre") << QStringList{dossier(QStringLiteral("ordre")) + "Patients.mdb", "", "", ""} << ""
+                               << QStringList{"m:de la Tour A", "n:Delatour A", "b:DUPONT anne", "d:Dupont Anne", "c:Dupont Anne",
+                                              "a:Dupont Zoé", "h:Dupont-Martin Zed", "i:DUPONT-MARTINEZ al", "g:Dupont-Martinez Al",
+                                              "l:ELODIE marie", "f:Elodie Marie", "e:Élodie Marie", "o:Œuvray A", "k:Zz A", "j:Đorđe A"};
         QTest::newRow("base propre jamais") << QStringList{c1, "", "", ""} << "Élo" << QStringList{};
     }
     void rechercheLiee()

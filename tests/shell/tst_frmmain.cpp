@@ -3,6 +3,7 @@
 #include "calendar/calendardataprovider.h"
 #include "calendar/reminderengine.h"
 #include "calendar/view/calendarview.h"
+#include "calendar/view/datepicker.h"
 #include "patients/bouclesrecherche.h"
 #include "patients/gestiontype.h"
 #include "patients/schemapatients.h"
@@ -849,6 +850,7 @@ private Q_SLOTS:
         const int defilement = vue->scrollPosition();
         QVERIFY(QMetaObject::invokeMethod(p.f->Timer1, "timeout"));
         QCOMPARE(sujets(), QStringList{QStringLiteral("Poste 2")});
+        QVERIFY(p.f->wndDatePicker->busyDays().contains(Maintenant.date().addDays(1)));
         // The reading leaves the user where they were.
         QCOMPARE(vue->selection(), choisie);
         QCOMPARE(vue->scrollPosition(), defilement);

@@ -93,10 +93,14 @@ void CalendarView::Populate()
 {
     QList<CalendarEventPtr> events;
     bool busy = false;
+    StoreMark mark;
     if (m_provider && m_provider->IsOpen() && !m_days.isEmpty()) {
+        mark = m_provider->DataMark();
         events = m_provider->RetrieveEvents(m_days.first(), m_days.last());
         busy = m_provider->LastReadFailed();
     }
+    m_markRead = busy ? StoreMark{} : mark;
+    m_todayRead = Horloge::aujourdhui();
     emit storeBusy(busy);
     // An empty answer of a busy store is no empty book: the picture of the
     // same days stays as it was.
@@ -111,6 +115,15 @@ void CalendarView::Populate()
     m_events = events;
     reselectEvents();
     panesChanged();
+}
+
+bool CalendarView::Refresh()
+{
+    if (m_provider && m_provider->IsOpen() && !m_days.isEmpty() && m_daysRead == m_days
+        && m_todayRead == Horloge::aujourdhui() && !m_provider->ChangedSince(m_markRead))
+        return false;
+    Populate();
+    return true;
 }
 
 void CalendarView::reportWrite(bool ok)

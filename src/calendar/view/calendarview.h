@@ -2,6 +2,7 @@
 
 #include "calendar/calendarevent.h"
 #include "calendar/calendarlabel.h"
+#include "calendar/calendarstore.h"
 #include "calendar/view/viewtypes.h"
 
 #include <QColor>
@@ -42,6 +43,10 @@ public:
     // Reloads the appointments of the shown days from the store and redraws,
     // keeping scroll position and selection.
     void Populate();
+    // The periodic refresh: Populate when the store may have changed since
+    // the shown days were read (or they were not read whole, or the day has
+    // turned since), nothing at all otherwise. True when it read.
+    bool Refresh();
     // Repaints without reading the store.
     void RedrawControl();
     // The appointments last read, ordered by start.
@@ -181,8 +186,12 @@ private:
     QList<CalendarEventPtr> m_events;
     // Tells writeRefused when a write through the view failed.
     void reportWrite(bool ok);
-    // The days of the last reading that succeeded (see storeBusy).
+    // The days of the last reading that succeeded (see storeBusy), the
+    // store's mark taken just before it, and the day it was (what is
+    // "today" on the panes).
     QList<QDate> m_daysRead;
+    StoreMark m_markRead;
+    QDate m_todayRead;
     QList<CalendarEventPtr> m_clipboard;
     CellPainter m_cellPainter;
     OperationGuard m_guard;

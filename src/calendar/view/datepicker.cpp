@@ -129,19 +129,30 @@ void DatePicker::watchProvider()
 void DatePicker::RedrawControl()
 {
     watchProvider();
-    m_busy.clear();
     const QDate first(yearShown(), monthShown(), 1);
     const QDate last = first.addMonths(1).addDays(-1);
-    if (m_provider && m_provider->IsOpen()) {
-        for (const CalendarEventPtr &e : m_provider->RetrieveEvents(first, last)) {
-            if (!e)
-                continue;
-            // Every day the appointment covers, as the month view counts them.
-            const MonthLayoutItem span{0, e->StartDateTime(), e->EndDateTime(), e->IsAllDayEvent()};
-            const QDate from = MonthLayoutFirstDay(span);
-            const QDate to = MonthLayoutLastDay(span);
-            for (QDate d = std::max(from, first); d <= std::min(to, last); d = d.addDays(1))
-                m_busy.insert(d);
+    const bool open = m_provider && m_provider->IsOpen();
+    const StoreMark mark = open ? m_provider->DataMark() : StoreMark{};
+    // The same month of the same data is not read again.
+    if (!open || first != m_monthRead || !mark.sameAs(m_markRead)) {
+        m_busy.clear();
+        m_monthRead = QDate();
+        m_markRead = {};
+        if (open) {
+            for (const CalendarEventPtr &e : m_provider->RetrieveEvents(first, last)) {
+                if (!e)
+                    continue;
+                // Every day the appointment covers, as the month view counts them.
+                const MonthLayoutItem span{0, e->StartDateTime(), e->EndDateTime(), e->IsAllDayEvent()};
+                const QDate from = MonthLayoutFirstDay(span);
+                const QDate to = MonthLayoutLastDay(span);
+                for (QDate d = std::max(from, first); d <= std::min(to, last); d = d.addDays(1))
+                    m_busy.insert(d);
+            }
+            if (!m_provider->LastReadFailed()) {
+                m_monthRead = first;
+                m_markRead = mark;
+            }
         }
     }
     applyFormats();
@@ -174,13 +185,18 @@ void DatePickerColumn::resizeEvent(QResizeEvent *event)
 
 void DatePicker::applyFormats()
 {
-    // Clears every format set before, then marks the shown range and the
-    // days with appointments.
-    setDateTextFormat(QDate(), QTextCharFormat());
     // Followers have no highlight colour of their own (see setFollowerCount).
     const QPalette &couleurs = m_leader ? m_leader->palette() : palette();
     const QColor base = couleurs.color(QPalette::Base);
     const QColor mark = couleurs.color(QPalette::Highlight);
+    // Drawn again only when something they show has changed.
+    Marques marques{m_shown, m_busy, base.rgba(), mark.rgba()};
+    if (m_drawn == marques)
+        return;
+    m_drawn = std::move(marques);
+    // Clears every format set before, then marks the shown range and the
+    // days with appointments.
+    setDateTextFormat(QDate(), QTextCharFormat());
     const QColor range = QColor::fromRgbF(base.redF() * 0.8 + mark.redF() * 0.2, base.greenF() * 0.8 + mark.greenF() * 0.2,
                                           base.blueF() * 0.8 + mark.blueF() * 0.2);
     for (const QDate &d : std::as_const(m_shown)) {

@@ -1,11 +1,16 @@
 #pragma once
 
+#include "calendar/calendarstore.h"
+
 #include <QCalendarWidget>
+#include <QColor>
 #include <QWidget>
 #include <QDate>
 #include <QList>
 #include <QPointer>
 #include <QSet>
+
+#include <optional>
 
 class CalendarDataProvider;
 class CalendarView;
@@ -23,7 +28,9 @@ public:
 
     // Follows and drives this view from now on (nullptr detaches).
     void AttachToCalendar(CalendarView *view);
-    // Reads again which days of the shown month hold appointments.
+    // Reads again which days of the shown month hold appointments, when it
+    // is another month or the store may have changed since the last read;
+    // redraws the marks that changed.
     void RedrawControl();
 
     // Days of the shown month found holding an appointment at the last read.
@@ -46,6 +53,20 @@ private:
     QList<QMetaObject::Connection> m_providerLinks;
     QList<QDate> m_shown;   // the days the view shows
     QSet<QDate> m_busy;
+    // The month of the last read that succeeded and the store's mark taken
+    // just before it.
+    QDate m_monthRead;
+    StoreMark m_markRead;
+    // What the formats were last drawn from.
+    struct Marques
+    {
+        QList<QDate> shown;
+        QSet<QDate> busy;
+        QRgb base = 0;
+        QRgb mark = 0;
+        bool operator==(const Marques &) const = default;
+    };
+    std::optional<Marques> m_drawn;
     // Set while the picker moves itself to follow the view, so that its own
     // selection signals are not sent back to the view.
     bool m_following = false;

@@ -115,6 +115,8 @@ bool accepte(const Element &e, QChar c)
 struct MotifJet::Elements
 {
     QList<Element> liste;
+    // "*" alone: every text matches, without reading it.
+    bool tout = liste.size() == 1 && liste.front().type == Element::Etoile;
 };
 
 MotifJet::MotifJet(const QString &motif)
@@ -137,8 +139,10 @@ bool MotifJet::correspond(const QString &texte) const
     return correspondPlie(PlierTexte(texte));
 }
 
-bool MotifJet::correspondPlie(const QString &t) const
+bool MotifJet::correspondPlie(QStringView t) const
 {
+    if (m_elements->tout)
+        return true;
     const QList<Element> &elements = m_elements->liste;
     // Greedy matching with backtracking on the last star.
     qsizetype ti = 0, ei = 0, etoile = -1, reprise = 0;

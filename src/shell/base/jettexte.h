@@ -24,7 +24,7 @@ public:
     [[nodiscard]] bool correspond(const QString &texte) const;
     // The same for a text already given through PlierTexte (saves folding
     // it twice when the caller keeps the folded form).
-    [[nodiscard]] bool correspondPlie(const QString &textePlie) const;
+    [[nodiscard]] bool correspondPlie(QStringView textePlie) const;
 
 private:
     struct Elements;

@@ -555,7 +555,8 @@ void frmMain::actualiser()
     }
     if (calendrier)
         calendrier->setReadWait(DelaiLecturePeriodique);
-    CalendarControl->Populate();
+    // Nothing is read, nor drawn, when the store holds what was read last.
+    CalendarControl->Refresh();
     wndDatePicker->RedrawControl();
     if (calendrier)
         calendrier->setReadWait(-1);
