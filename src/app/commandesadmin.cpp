@@ -384,6 +384,33 @@ void arreterAgenda()
     FermerConfig();
 }
 
+// An agenda served by a command for the length of a scope: started as a
+// station starts, its stores closed on every way out of the scope.
+class AgendaServi
+{
+public:
+    AgendaServi()
+        : m_demarrage(appState(), DossierProgramme())
+    {
+    }
+    ~AgendaServi() { arreterAgenda(); }
+    AgendaServi(const AgendaServi &) = delete;
+    AgendaServi &operator=(const AgendaServi &) = delete;
+
+    // False, with the reason written after the command's name, when the
+    // agenda cannot be served.
+    bool demarrer(const char *commande, const QString &argument, QTextStream &err)
+    {
+        const std::optional<QString> fatal = demarrerAgenda(m_demarrage, argument);
+        if (fatal)
+            err << commande << " : " << *fatal << '\n';
+        return !fatal;
+    }
+
+private:
+    Demarrage m_demarrage;
+};
+
 // The reminders of an agenda sent with nobody at the window (a timer of the
 // system runs it). One run at a time on a machine, for the modem's sake.
 int envoyerRappels(const QStringList &arguments, QTextStream &out, QTextStream &err)
@@ -394,24 +421,19 @@ int envoyerRappels(const QStringList &arguments, QTextStream &out, QTextStream &
         err << "rappels : DOSSIER [--agenda N] attendu.\n";
         return 2;
     }
-    AppState &etat = appState();
-    Demarrage demarrage(etat, DossierProgramme());
-    if (const std::optional<QString> fatal = demarrerAgenda(demarrage, argument)) {
-        err << "rappels : " << *fatal << '\n';
-        arreterAgenda();
+    AgendaServi agenda;
+    if (!agenda.demarrer("rappels", argument, err))
         return 2;
-    }
+    AppState &etat = appState();
     if (!etat.RappelsSMS && !etat.RappelsMails) {
         err << "rappels : l'agenda " << etat.AgendaName
             << " n'envoie ni SMS ni mails (SMS et MAILS ne sont pas à \"Oui\" dans Agenda.ini) : rien n'est envoyé.\n";
-        arreterAgenda();
         return 1;
     }
     QLockFile verrou(QDir::tempPath() + QStringLiteral("/tavonel-rappels-COM%1.lock").arg(PortModem()));
     verrou.setStaleLockTime(0);
     if (!verrou.tryLock(15 * 60 * 1000)) {
         err << "rappels : un autre envoi de rappels occupe ce poste depuis plus d'un quart d'heure.\n";
-        arreterAgenda();
         return 1;
     }
     BrancherMiroir(*etat.Calendrier);
@@ -419,7 +441,6 @@ int envoyerRappels(const QStringList &arguments, QTextStream &out, QTextStream &
     out << bilan.statut << '\n' << "Rappels dus : " << bilan.dus << ", laissés à un autre poste : " << bilan.laissesAilleurs << '\n';
     for (const QString &r : bilan.raisons)
         err << r << '\n';
-    arreterAgenda();
     return bilan.reussi() ? 0 : 1;
 }
 
@@ -521,19 +542,17 @@ int ecrireIcal(const QStringList &arguments, QTextStream &out, QTextStream &err)
                "[--agenda N] attendu.\n";
         return 2;
     }
-    AppState &etat = appState();
-    Demarrage demarrage(etat, DossierProgramme());
-    if (const std::optional<QString> fatal = demarrerAgenda(demarrage, argument)) {
-        err << "ical : " << *fatal << '\n';
-        arreterAgenda();
-        return 2;
-    }
-    options.nomCalendrier = LireConfig(QStringLiteral("Praticien%1").arg(options.praticien), QStringLiteral("Nom"),
-                                       QStringLiteral("Praticien %1").arg(options.praticien));
-    options.horodatage = Horloge::maintenant();
     int evenements = 0;
-    const QByteArray texte = AgendaIcal(*etat.Calendrier, options, &evenements);
-    arreterAgenda();
+    QByteArray texte;
+    {
+        AgendaServi agenda;
+        if (!agenda.demarrer("ical", argument, err))
+            return 2;
+        options.nomCalendrier = LireConfig(QStringLiteral("Praticien%1").arg(options.praticien), QStringLiteral("Nom"),
+                                           QStringLiteral("Praticien %1").arg(options.praticien));
+        options.horodatage = Horloge::maintenant();
+        texte = AgendaIcal(*appState().Calendrier, options, &evenements);
+    }
     if (sortie.isEmpty())
         sortie = DossierProgramme() + QStringLiteral("Praticien%1.ics").arg(options.praticien);
     QSaveFile fichier(sortie);
