@@ -1,14 +1,7 @@
-#include "calendar/calendardataprovider.h"
 #include "calendar/frmresourcesmanager.h"
-#include "shell/appstate.h"
 #include "shell/base/basesqlite.h"
-#include "shell/base/config.h"
-#include "shell/base/horloge.h"
 #include "shell/base/modal.h"
-#include "shell/demarrage.h"
-#include "shell/window/frmmain.h"
-#include "support/dossiertest.h"
-#include "support/repondeurscripte.h"
+#include "support/postetest.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -29,22 +22,13 @@ class tst_frmresourcesmanager : public QObject
 private slots:
     void planningsDeLaBase()
     {
-        Horloge::Fixee horloge(QDateTime(QDate(2026, 3, 1), QTime(10, 0)));
-        DossierProgrammeTest prog;
         // A store held by another workstation is given up quickly.
         const int delai = BaseSqlite::delaiOccupe();
         BaseSqlite::fixerDelaiOccupe(300);
-        auto remettre = qScopeGuard([delai] {
-            BaseSqlite::fixerDelaiOccupe(delai);
-            FermerConfig();
-            appState() = AppState{};
-        });
-        Demarrage demarrage(appState(), prog.chemin());
-        ParametresFenetre parametres;
-        QVERIFY(!demarrage.initialiser(QString()));
-        QVERIFY(!demarrage.charger(parametres));
-        frmMain f(demarrage, parametres);
-        RepondeurScripte repondeur;
+        auto remettre = qScopeGuard([delai] { BaseSqlite::fixerDelaiOccupe(delai); });
+        PosteTest p(QDateTime(QDate(2026, 3, 1), QTime(10, 0)));
+        frmMain &f = *p.f;
+        RepondeurScripte &repondeur = p.repondeur;
         CalendarDataProvider &store = *appState().Calendrier;
         const QString connexion = store.ConnectionString();
 
@@ -82,7 +66,7 @@ private slots:
             QCOMPARE(repondeur.textes(), QStringList{QStringLiteral("Un planning s'appelle déjà « dr martin ». Choisissez un autre nom.")});
             {
                 // Another workstation writing: the add is refused, the name stays.
-                auto autre = BaseSqlite::ouvrir(prog.chemin() + QStringLiteral("Events.mdb"), BaseSqlite::Mode::Existante);
+                auto autre = BaseSqlite::ouvrir(p.prog.chemin() + QStringLiteral("Events.mdb"), BaseSqlite::Mode::Existante);
                 QVERIFY(autre && autre->executer(QStringLiteral("BEGIN IMMEDIATE")));
                 ecrire(d, QStringLiteral("Accueil"));
                 clic(d, "btnScheduleAdd");

@@ -1,16 +1,10 @@
 #include "calendar/calendardataprovider.h"
 #include "calendar/openprovider.h"
 #include "calendar/view/calendarview.h"
-#include "shell/appstate.h"
-#include "shell/base/config.h"
-#include "shell/base/horloge.h"
 #include "shell/base/modal.h"
 #include "shell/base/registre.h"
-#include "shell/demarrage.h"
 #include "shell/window/frmcalendardatachooser.h"
-#include "shell/window/frmmain.h"
-#include "support/dossiertest.h"
-#include "support/repondeurscripte.h"
+#include "support/postetest.h"
 #include "support/serveurmariadb.h"
 
 #include <QAction>
@@ -29,20 +23,9 @@ class tst_frmcalendardatachooser : public QObject
 {
     Q_OBJECT
 
-    struct Poste
+    struct Poste : PosteTest
     {
-        Horloge::Fixee horloge{QDateTime(QDate(2026, 11, 23), QTime(10, 0))};
-        DossierProgrammeTest prog;
-        RepondeurScripte repondeur;
-        Demarrage demarrage{appState(), prog.chemin()};
-        ParametresFenetre parametres;
-        std::unique_ptr<frmMain> f;
-        Poste()
-        {
-            QVERIFY(!demarrage.initialiser(QString()));
-            QVERIFY(!demarrage.charger(parametres));
-            f = std::make_unique<frmMain>(demarrage, parametres);
-        }
+        Poste() : PosteTest(QDateTime(QDate(2026, 11, 23), QTime(10, 0))) {}
     };
 
     static void cliquer(QDialog &d, const char *nom)
@@ -53,12 +36,6 @@ class tst_frmcalendardatachooser : public QObject
     }
 
 private Q_SLOTS:
-    void cleanup()
-    {
-        FermerConfig();
-        appState() = AppState{};
-    }
-
     void init()
     {
         // The strings of an earlier run are not this run's defaults.
@@ -143,7 +120,8 @@ private Q_SLOTS:
         QCOMPARE(p.repondeur.textes(), QStringList());
         // Started again, the station is back on the server, not on Events.mdb.
         p.f.reset();
-        cleanup();
+        FermerConfig();
+        appState() = AppState{};
         Poste redemarre;
         QCOMPARE(appState().TypeFournisseur, 6);
         QVERIFY(QMetaObject::invokeMethod(redemarre.f->Timer1, "timeout"));

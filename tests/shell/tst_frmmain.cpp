@@ -1,25 +1,15 @@
-#include "appointments/editionrdv.h"
+#include "appointments/frmeditevent.h"
 #include "appointments/paquetrdv.h"
-#include "calendar/calendardataprovider.h"
 #include "calendar/reminderengine.h"
-#include "calendar/view/calendarview.h"
 #include "calendar/view/datepicker.h"
 #include "patients/bouclesrecherche.h"
 #include "patients/gestiontype.h"
 #include "patients/schemapatients.h"
-#include "shell/appstate.h"
-#include "shell/base/config.h"
-#include "shell/demarrage.h"
 #include "rules/frmsettings.h"
-#include "shell/window/frmmain.h"
-#include "shell/window/impressionagenda.h"
-#include "shell/base/modal.h"
-#include "appointments/frmeditevent.h"
-#include "shell/base/horloge.h"
 #include "shell/base/modal.h"
 #include "shell/base/profilini.h"
-#include "support/dossiertest.h"
-#include "support/repondeurscripte.h"
+#include "shell/window/impressionagenda.h"
+#include "support/postetest.h"
 
 #include <QAction>
 #include <QDialog>
@@ -50,9 +40,6 @@ namespace {
 // Monday 23 November 2026, 10:00.
 const QDateTime Maintenant(QDate(2026, 11, 23), QTime(10, 0));
 
-// A started program on a fresh folder: Config.mdb, Patients.mdb and
-// Events.mdb created, the window built over them; the chooser answers from a
-// queue, and context menus are recorded instead of shown.
 // Receives the documents that the program hands to the desktop.
 class OuvreurUrl : public QObject
 {
@@ -65,14 +52,10 @@ private:
     QList<QUrl> *m_urls;
 };
 
-struct Poste
+// The started program; the occurrence-or-series chooser answers from a queue,
+// and context menus are recorded instead of shown.
+struct Poste : PosteTest
 {
-    Horloge::Fixee horloge{Maintenant};
-    DossierProgrammeTest prog;
-    RepondeurScripte repondeur;
-    Demarrage demarrage{appState(), prog.chemin()};
-    ParametresFenetre parametres;
-    std::unique_ptr<frmMain> f;
     QList<ChoixOccurrence> choix;
     QStringList questionsChoix;
     // The modal dialogs run by the window: the editor's record, closed at once.
@@ -83,11 +66,8 @@ struct Poste
         return int(QDialog::Rejected);
     }};
 
-    Poste()
+    Poste() : PosteTest(Maintenant)
     {
-        QVERIFY(!demarrage.initialiser(QString()));
-        QVERIFY(!demarrage.charger(parametres));
-        f = std::make_unique<frmMain>(demarrage, parametres);
         f->afficherMenu = [](QMenu *, const QPoint &) {};
         f->choisirOccurrenceOuSerie = [this](bool suppression, const QString &sujet) {
             questionsChoix.append((suppression ? QStringLiteral("effacer:") : QStringLiteral("ouvrir:")) + sujet);
@@ -146,12 +126,7 @@ class tst_frmmain : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanup()
-    {
-        FermerConfig();
-        appState() = AppState{};
-        RetourRecherche = 0;
-    }
+    void cleanup() { RetourRecherche = 0; }
 
     // Another station (a real process) holds Events.mdb: the refresh waits
     // briefly, keeps the week it showed and says why in the status line;
@@ -929,38 +904,30 @@ private Q_SLOTS:
         QVERIFY(!visible());
         emit moteur.reminderAction(ReminderEngine::Fire, r);
         QVERIFY(visible());
-    }
 
-    void menuRappelsSuitLeMoteur()
-    {
-        Poste p;
+        // The menu item follows the engine, and opens the window.
+        p.f->findChild<QDialog *>(QStringLiteral("frmReminders"))->close();
         QVERIFY(!p.f->mnuReminders->isEnabled());
-        appState().MoteurRappels->setEnabled(true);
+        moteur.setEnabled(true);
         emit p.f->mnuRappels->aboutToShow();
         QVERIFY(p.f->mnuReminders->isEnabled());
         p.f->mnuReminders->trigger();
-        const auto *w = p.f->findChild<QDialog *>(QStringLiteral("frmReminders"));
-        QVERIFY(w && w->isVisible());
-        QCOMPARE(w->windowTitle(), QStringLiteral("0 Rappel"));
-        appState().MoteurRappels->setEnabled(false);
+        QVERIFY(visible());
+        moteur.setEnabled(false);
         emit p.f->mnuCalendar->aboutToShow();
         QVERIFY(!p.f->mnuReminders->isEnabled());
     }
 
     void fermetureLanceLArret()
     {
-        DossierProgrammeTest prog;
-        Demarrage d(appState(), prog.chemin());
-        QVERIFY(!d.initialiser(QString()));
-        ParametresFenetre p;
-        QVERIFY(!d.charger(p));
-        p.rappelsActifs = true;
-        frmMain f(d, p);
+        PosteTest p(Maintenant, {}, false);
+        p.parametres.rappelsActifs = true;
+        frmMain f(p.demarrage, p.parametres);
         QVERIFY(appState().MoteurRappels->isEnabled());
         f.show();
         QVERIFY(f.close());
         QVERIFY(!ConfigOuverte());
-        QCOMPARE(LireIni(QStringLiteral("Agenda"), QStringLiteral("RemindersManEnabled"), QString(), prog.chemin() + QStringLiteral("Agenda.ini")),
+        QCOMPARE(LireIni(QStringLiteral("Agenda"), QStringLiteral("RemindersManEnabled"), QString(), p.prog.chemin() + QStringLiteral("Agenda.ini")),
                  QStringLiteral("Vrai"));
     }
 };

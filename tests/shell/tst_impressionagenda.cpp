@@ -1,16 +1,11 @@
 #include "calendar/calendardataprovider.h"
 #include "calendar/view/calendarview.h"
 #include "calendar/view/colorationregles.h"
-#include "shell/appstate.h"
-#include "shell/base/config.h"
-#include "shell/base/horloge.h"
 #include "shell/base/modal.h"
 #include "shell/base/profilini.h"
-#include "shell/demarrage.h"
 #include "shell/window/impressionagenda.h"
 #include "shell/window/miseenpage.h"
-#include "support/dossiertest.h"
-#include "support/repondeurscripte.h"
+#include "support/postetest.h"
 
 #include <QCheckBox>
 #include <QDoubleSpinBox>
@@ -42,13 +37,8 @@ QString poppler(const QString &outil, const QStringList &arguments)
 // A started agenda (Demarrage reads Agenda.ini as the program does) with its calendar and the
 // print commands; the printer writes agenda.pdf, and every preview is recorded with its title,
 // its pages, and whether the PDF had already been written then.
-struct Poste
+struct Poste : PosteTest
 {
-    Horloge::Fixee horloge{Maintenant};
-    DossierProgrammeTest prog;
-    RepondeurScripte repondeur;
-    Demarrage demarrage{appState(), prog.chemin()};
-    ParametresFenetre parametres;
     QWidget fenetre;
     CalendarView *vue = nullptr;
     ImpressionAgenda *impression = nullptr;
@@ -63,12 +53,8 @@ struct Poste
         return int(QDialog::Rejected);
     }};
 
-    explicit Poste(const QString &agendaIni = {})
+    explicit Poste(const QString &agendaIni = {}) : PosteTest(Maintenant, agendaIni, false)
     {
-        if (!agendaIni.isEmpty())
-            prog.ecrire(QStringLiteral("Agenda.ini"), agendaIni);
-        QVERIFY(!demarrage.initialiser(QString()));
-        QVERIFY(!demarrage.charger(parametres));
         vue = new CalendarView(&fenetre);
         vue->setDataProvider(appState().Calendrier.get());
         vue->setLabels(parametres.libelles);
@@ -98,11 +84,6 @@ class tst_impressionagenda : public QObject
 
 private Q_SLOTS:
     void initTestCase() { QLocale::setDefault(QLocale(QLocale::French, QLocale::France)); }
-    void cleanup()
-    {
-        FermerConfig();
-        appState() = AppState{};
-    }
 
     void imprimer_data()
     {

@@ -1,17 +1,11 @@
 #include "calendar/reminderengine.h"
 #include "calendar/view/calendarview.h"
 #include "calendar/view/daypane.h"
-#include "shell/appstate.h"
-#include "shell/base/config.h"
-#include "shell/base/horloge.h"
 #include "shell/base/modal.h"
 #include "shell/base/profilini.h"
-#include "shell/demarrage.h"
 #include "shell/window/frmadvancedoptions.h"
-#include "shell/window/frmmain.h"
 #include "shell/window/frmtimezone.h"
-#include "support/dossiertest.h"
-#include "support/repondeurscripte.h"
+#include "support/postetest.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -30,14 +24,8 @@ const QString Ini = QStringLiteral("[Agenda]\nRemindersManEnabled=Vrai\nMAILS=Ou
                                    "PrinterFormat=Rouleau 80 mm\nPrinterEntete=Cabinet|Dr Martin\nMarginL=4\n");
 
 // A started program whose modal dialogs are shown and driven by the test.
-struct Poste
+struct Poste : PosteTest
 {
-    Horloge::Fixee horloge{QDateTime(QDate(2026, 11, 23), QTime(10, 0))};
-    DossierProgrammeTest prog;
-    RepondeurScripte repondeur;
-    Demarrage demarrage{appState(), prog.chemin()};
-    ParametresFenetre parametres;
-    std::unique_ptr<frmMain> f;
     std::function<void(QDialog &)> piloter;
     ExecuteurInstalle executeur{[this](QDialog &d) {
         d.show();
@@ -45,13 +33,7 @@ struct Poste
         return d.result();
     }};
 
-    Poste()
-    {
-        prog.ecrire(QStringLiteral("Agenda.ini"), Ini);
-        QVERIFY(!demarrage.initialiser(QString()));
-        QVERIFY(!demarrage.charger(parametres));
-        f = std::make_unique<frmMain>(demarrage, parametres);
-    }
+    Poste() : PosteTest(QDateTime(QDate(2026, 11, 23), QTime(10, 0)), Ini) {}
 
     QString ini(const QString &cle) const
     {
@@ -77,12 +59,6 @@ class tst_optionsdialogues : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanup()
-    {
-        FermerConfig();
-        appState() = AppState{};
-    }
-
     // The printer of PrinterRDV, on the system or gone from it.
     void optionsAvancees_data()
     {
