@@ -33,6 +33,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <functional>
 #include <optional>
 
 namespace {
@@ -108,6 +109,25 @@ struct Poste : PosteTest
     }
 
     QAction *action(const QString &nom) const { return f->findChild<QAction *>(nom); }
+
+    // The window shown at 1200x800 on its work week; then the first point of
+    // the view, row after row, whose hit passes the test.
+    CalendarView *montrer()
+    {
+        f->resize(1200, 800);
+        f->show();
+        [this] { QVERIFY(QTest::qWaitForWindowExposed(f.get())); }();
+        f->actualiser();
+        return f->CalendarControl;
+    }
+    std::optional<QPoint> chercher(const std::function<bool(const CalendarHit &)> &critere) const
+    {
+        for (int y = 5; y < f->CalendarControl->height(); y += 4)
+            for (int x = 2; x < f->CalendarControl->width(); x += 7)
+                if (critere(f->CalendarControl->hitTest(QPoint(x, y))))
+                    return QPoint(x, y);
+        return std::nullopt;
+    }
     QString etat() const { return f->StatusBar->currentMessage(); }
 };
 
@@ -279,18 +299,7 @@ private Q_SLOTS:
     {
         Poste p;
         p.ajouter(QStringLiteral("A"), Maintenant);
-        p.f->resize(1200, 800);
-        p.f->show();
-        QVERIFY(QTest::qWaitForWindowExposed(p.f.get()));
-        p.f->actualiser();
-        CalendarView *vue = p.f->CalendarControl;
-        auto chercher = [&](auto critere) -> std::optional<QPoint> {
-            for (int y = 5; y < vue->height(); y += 7)
-                for (int x = 2; x < vue->width(); x += 7)
-                    if (critere(vue->hitTest(QPoint(x, y))))
-                        return QPoint(x, y);
-            return std::nullopt;
-        };
+        CalendarView *vue = p.montrer();
         auto cliquer = [&](const QPoint &pos, bool droit) {
             QWidget *cible = vue->childAt(pos);
             QVERIFY(cible);
@@ -301,12 +310,12 @@ private Q_SLOTS:
                 QTest::mouseDClick(cible, Qt::LeftButton, {}, local);
         };
 
-        const auto echelle = chercher([](const CalendarHit &h) { return h.area == HitTimeScale; });
+        const auto echelle = p.chercher([](const CalendarHit &h) { return h.area == HitTimeScale; });
         QVERIFY(echelle);
         cliquer(*echelle, true);
         QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContextTimeScale);
 
-        const auto rdv = chercher([](const CalendarHit &h) { return bool(h.event); });
+        const auto rdv = p.chercher([](const CalendarHit &h) { return bool(h.event); });
         QVERIFY(rdv);
         cliquer(*rdv, true);
         QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContexEditEvent);
@@ -326,7 +335,7 @@ private Q_SLOTS:
         QVERIFY(p.f->dernierEvenementOuvert());
         QCOMPARE(p.f->dernierEvenementOuvert()->Subject(), QStringLiteral("A"));
 
-        const auto cellule = chercher([](const CalendarHit &h) { return h.area == HitDayCell && !h.event; });
+        const auto cellule = p.chercher([](const CalendarHit &h) { return h.area == HitDayCell && !h.event; });
         QVERIFY(cellule);
         cliquer(*cellule, true);
         QCOMPARE(p.f->menuContextuelDemande(), p.f->mnuContextNewEvent);
@@ -773,20 +782,10 @@ private Q_SLOTS:
         Poste p;
         p.ajouter(QStringLiteral("A"), Maintenant, serie);
         p.f->setDisableDraggingRecurrenceEvents(sansGlisser);
-        p.f->resize(1200, 800);
-        p.f->show();
-        QVERIFY(QTest::qWaitForWindowExposed(p.f.get()));
-        p.f->actualiser();
-        CalendarView *vue = p.f->CalendarControl;
-        std::optional<QPoint> de, vers;
-        for (int y = 5; y < vue->height(); y += 3)
-            for (int x = 70; x < vue->width() / 5; x += 9) {
-                const CalendarHit h = vue->hitTest(QPoint(x, y));
-                if (!de && h.event && h.area == HitEvent)
-                    de = QPoint(x, y);
-                if (!vers && !h.event && h.area == HitDayCell && h.time == Maintenant.addSecs(3600))
-                    vers = QPoint(x, y + 2);
-            }
+        CalendarView *vue = p.montrer();
+        // Monday's box (the leftmost of its row), then Monday 11:00.
+        const auto de = p.chercher([](const CalendarHit &h) { return h.event && h.area == HitEvent; });
+        const auto vers = p.chercher([](const CalendarHit &h) { return !h.event && h.area == HitDayCell && h.time == Maintenant.addSecs(3600); });
         QVERIFY(de && vers);
         QWidget *volet = vue->childAt(*de);
         QTest::mousePress(volet, Qt::LeftButton, {}, volet->mapFrom(vue, *de));
