@@ -5,11 +5,11 @@
 #include "shell/base/config.h"
 #include "shell/base/horloge.h"
 #include "shell/base/support.h"
+#include "support/configtest.h"
 #include "support/repondeurscripte.h"
 
 #include <QProcess>
 #include <QSqlQuery>
-#include <QTemporaryDir>
 #include <QtTest>
 
 class tst_editionrdv : public QObject
@@ -17,7 +17,7 @@ class tst_editionrdv : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_dir;
+    ConfigTest m_config;
 
     static QDateTime dt(const char *texte)
     {
@@ -35,15 +35,7 @@ private:
     }
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(m_dir.isValid());
-        const QString d = m_dir.path() + u'/';
-        QVERIFY(CreerBaseConfig(d));
-        QVERIFY(OuvrirConfig(d + QStringLiteral("Config.mdb")));
-    }
-
-    void cleanupTestCase() { FermerConfig(); }
+    void initTestCase() { QVERIFY(m_config.estOuverte()); }
 
     void datesEtHeures_data()
     {

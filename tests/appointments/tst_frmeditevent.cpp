@@ -17,6 +17,7 @@
 #include "shell/base/horloge.h"
 #include "shell/base/modal.h"
 #include "shell/base/support.h"
+#include "support/configtest.h"
 #include "support/dossiertest.h"
 #include "support/repondeurscripte.h"
 
@@ -131,17 +132,8 @@ private slots:
         QVERIFY(!m_demarrage->initialiser(QString()));
         m_parametres = {};
         QVERIFY(!m_demarrage->charger(m_parametres));
-        Regle matin;
-        matin.DateDebut = QDate(2026, 1, 1);
-        matin.DateFin = QDate(2026, 12, 31);
-        matin.HeureDebut = QTime(8, 0);
-        matin.HeureFin = QTime(12, 0);
-        matin.JourNumero = 2; // Monday
-        matin.Semaine = 3;
-        matin.PraticienNumero = 2;
-        matin.Praticien = QStringLiteral("Dr Bernard");
-        matin.TypeRV = 1;
-        QVERIFY(AjouterRegle(*ConfigOuverte(), matin) > 0);
+        // Monday mornings, practitioner 2, type 1.
+        QVERIFY(AjouterRegle(*ConfigOuverte(), RegleDe2026(2, QTime(8, 0), QTime(12, 0), 2, 1, QStringLiteral("Dr Bernard"))) > 0);
         m_fenetre = std::make_unique<frmMain>(*m_demarrage, m_parametres);
         ViderPatientCourant();
     }

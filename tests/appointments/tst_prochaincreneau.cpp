@@ -1,4 +1,5 @@
 #include "appointments/prochaincreneau.h"
+#include "support/configtest.h"
 
 #include <QtTest>
 
@@ -6,15 +7,9 @@ namespace {
 
 Regle regle(qint32 compteur, int jour, const char *debut, const char *fin, int praticien, int type)
 {
-    Regle r;
+    Regle r = RegleDe2026(jour, QTime::fromString(QString::fromLatin1(debut), QStringLiteral("HH:mm")),
+                          QTime::fromString(QString::fromLatin1(fin), QStringLiteral("HH:mm")), praticien, type);
     r.Compteur = compteur;
-    r.DateDebut = QDate(2026, 1, 1);
-    r.DateFin = QDate(2026, 12, 31);
-    r.HeureDebut = QTime::fromString(QString::fromLatin1(debut), QStringLiteral("HH:mm"));
-    r.HeureFin = QTime::fromString(QString::fromLatin1(fin), QStringLiteral("HH:mm"));
-    r.JourNumero = static_cast<qint16>(jour);
-    r.PraticienNumero = static_cast<qint16>(praticien);
-    r.TypeRV = static_cast<qint16>(type);
     return r;
 }
 

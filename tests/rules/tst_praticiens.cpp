@@ -6,11 +6,11 @@
 #include "shell/base/basesqlite.h"
 #include "shell/base/config.h"
 #include "shell/base/modal.h"
+#include "support/configtest.h"
 #include "support/repondeurscripte.h"
 
 #include <QPushButton>
 #include <QSqlQuery>
-#include <QTemporaryDir>
 #include <QtTest>
 
 class tst_praticiens : public QObject
@@ -18,7 +18,7 @@ class tst_praticiens : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_dir;
+    ConfigTest m_config;
 
     static void viderConfig()
     {
@@ -30,28 +30,11 @@ private:
     // A rule of every week on Monday 2 March 2026, between two hours.
     static void ajouterRegle(const QTime &debut, const QTime &fin, int numero, const QString &praticien, int type)
     {
-        Regle r;
-        r.DateDebut = QDate(2026, 1, 1);
-        r.DateFin = QDate(2026, 12, 31);
-        r.HeureDebut = debut;
-        r.HeureFin = fin;
-        r.JourNumero = 2;
-        r.Semaine = 3;
-        r.PraticienNumero = static_cast<qint16>(numero);
-        r.Praticien = praticien;
-        r.TypeRV = static_cast<qint16>(type);
-        QVERIFY(AjouterRegle(*ConfigOuverte(), r) > 0);
+        QVERIFY(AjouterRegle(*ConfigOuverte(), RegleDe2026(2, debut, fin, numero, type, praticien)) > 0);
     }
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(m_dir.isValid());
-        const QString d = m_dir.path() + u'/';
-        QVERIFY(CreerBaseConfig(d));
-        QVERIFY(OuvrirConfig(d + QStringLiteral("Config.mdb")));
-    }
-    void cleanupTestCase() { FermerConfig(); }
+    void initTestCase() { QVERIFY(m_config.estOuverte()); }
     void init() { viderConfig(); }
 
     void chooser_data()

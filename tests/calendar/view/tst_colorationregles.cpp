@@ -5,10 +5,10 @@
 #include "shell/appstate.h"
 #include "shell/base/config.h"
 #include "shell/base/horloge.h"
+#include "support/configtest.h"
 
 #include <QElapsedTimer>
 #include <QFile>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <sqlite3.h>
@@ -21,23 +21,14 @@ class tst_colorationregles : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_dir;
+    ConfigTest m_config;
 
     // 23 November 2026 is a Monday.
     static QDateTime lundi(int h, int m) { return QDateTime(QDate(2026, 11, 23), QTime(h, m)); }
 
     static void regle(int jour, QTime debut, QTime fin, qint32 couleur)
     {
-        Regle r;
-        r.DateDebut = QDate(2026, 1, 1);
-        r.DateFin = QDate(2026, 12, 31);
-        r.HeureDebut = debut;
-        r.HeureFin = fin;
-        r.JourNumero = static_cast<qint16>(jour);
-        r.Semaine = 3;
-        r.PraticienNumero = 1;
-        r.Praticien = QStringLiteral("Dr Martin");
-        r.TypeRV = 1;
+        Regle r = RegleDe2026(jour, debut, fin, 1, 1, QStringLiteral("Dr Martin"));
         r.TypeText = QStringLiteral("Consultation");
         r.TypeColor = couleur;
         QString erreur;
@@ -47,10 +38,7 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(m_dir.isValid());
-        const QString dossier = m_dir.path() + u'/';
-        QVERIFY(CreerBaseConfig(dossier));
-        QVERIFY(OuvrirConfig(dossier + QStringLiteral("Config.mdb")));
+        QVERIFY(m_config.estOuverte());
         // Monday mornings green (0xBBGGRR: red 0x80, green 0xFF, blue 0x00),
         // a red-ish slot inside Monday's pause.
         regle(2, QTime(9, 0), QTime(12, 0), 0x00FF80);
@@ -59,7 +47,6 @@ private Q_SLOTS:
         regle(3, QTime(9, 0), QTime(10, 0), 0);
     }
 
-    void cleanupTestCase() { FermerConfig(); }
 
     void cellule_data()
     {
@@ -173,7 +160,7 @@ private Q_SLOTS:
         const QDateTime t = lundi(10, 0);
         QCOMPARE(GetRegleAffichee(t).TypeColor, 0x00FF80);
         sqlite3 *autre = nullptr;
-        QCOMPARE(sqlite3_open(QFile::encodeName(m_dir.path() + QStringLiteral("/Config.mdb")).constData(), &autre), SQLITE_OK);
+        QCOMPARE(sqlite3_open(QFile::encodeName(m_config.dossier() + QStringLiteral("Config.mdb")).constData(), &autre), SQLITE_OK);
         QCOMPARE(sqlite3_exec(autre, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
         QElapsedTimer chrono;
         chrono.start();
