@@ -47,6 +47,7 @@ private:
     std::unique_ptr<Demarrage> m_demarrage;
     std::unique_ptr<frmMain> m_fenetre;
     std::optional<Horloge::Fixee> m_horloge;
+    std::optional<RepondeurScripte> m_repondeur;
     ParametresFenetre m_parametres;
 
     static QDateTime dt(const char *texte)
@@ -99,6 +100,14 @@ private:
         };
     }
 
+    // A patient typed in by hand.
+    static void remplir(frmEditEvent &d)
+    {
+        d.txtBody[0]->setText(QStringLiteral("MARTIN"));
+        d.txtBody[1]->setText(QStringLiteral("Luc"));
+        d.txtBody[2]->setText(QStringLiteral("01/01/1950"));
+    }
+
     std::unique_ptr<frmEditEvent> nouveau(const QDateTime &debut, const QDateTime &fin, bool jourEntier = false)
     {
         auto d = std::make_unique<frmEditEvent>(calendrier(), m_fenetre.get());
@@ -111,6 +120,7 @@ private slots:
     {
         m_prog = std::make_unique<DossierProgrammeTest>();
         QVERIFY(m_prog->estValide());
+        m_repondeur.emplace();
         m_horloge.emplace(dt("2026-03-01 10:00"));
         const QString dossier = m_prog->chemin();
         QString err = CreerBaseTest(dossier, {{QStringLiteral("DUPONT"), QStringLiteral("Jean"), QStringLiteral("1970-03-25"), 7}});
@@ -146,6 +156,7 @@ private slots:
         appState() = AppState{};
         m_demarrage.reset();
         m_horloge.reset();
+        m_repondeur.reset();
         m_prog.reset();
     }
 
@@ -154,7 +165,6 @@ private slots:
     // comes from the search, and OK stores the packed record.
     void rendezVousDeBoutEnBout()
     {
-        RepondeurScripte repondeur;
         ExecuteurInstalle executeur(choisirDupont());
         auto d = nouveau(dt("2026-03-02 09:30"), dt("2026-03-02 09:45"));
         QCOMPARE(d->windowTitle(), QStringLiteral("Nouveau Rendez-vous..."));
@@ -217,7 +227,7 @@ private slots:
         QCOMPARE(populate.count(), 1);
         QCOMPARE(m_fenetre->DialoguesOuverts, 0);
         QCOMPARE(reservations(), QStringList{});
-        QCOMPARE(repondeur.appels().size(), 0);
+        QCOMPARE(m_repondeur->appels().size(), 0);
 
         const QList<CalendarEventPtr> jour = relire(QDate(2026, 3, 2));
         QCOMPARE(jour.size(), 1);
@@ -267,14 +277,13 @@ private slots:
         QCOMPARE(apres.first()->BusyStatus(), 0);
         QCOMPARE(apres.first()->Location(), QStringLiteral("Contrôle _2 _ _suite_"));
         QCOMPARE(apres.first()->Body(), e->Body());
-        QCOMPARE(repondeur.appels().size(), 0);
+        QCOMPARE(m_repondeur->appels().size(), 0);
     }
 
     // A changed occurrence of a series becomes an exception; the other
     // days keep the series' text.
     void occurrenceModifiee()
     {
-        RepondeurScripte repondeur;
         CalendarEventPtr maitre = calendrier()->CreateNewEvent(dt("2026-03-02 09:00"), dt("2026-03-02 09:15"));
         ChampsRdv champs;
         champs[ChampRdv::Nom] = QStringLiteral("KINÉ");
@@ -312,14 +321,13 @@ private slots:
         QCOMPARE(relire(QDate(2026, 3, 4)).first()->Location(), QStringLiteral("Rééducation"));
         QCOMPARE(relire(QDate(2026, 3, 4)).first()->StartDateTime(), dt("2026-03-04 09:00"));
         QCOMPARE(relire(QDate(2026, 3, 3)).first()->Location(), QStringLiteral("Séance annulée"));
-        QCOMPARE(repondeur.appels().size(), 0);
+        QCOMPARE(m_repondeur->appels().size(), 0);
     }
 
     // After the recurrence dialog the slot check runs again and meets this
     // station's own row: the slot is told as held and the editor closes.
     void recurrencePuisPlageReservee()
     {
-        RepondeurScripte repondeur;
         auto d = nouveau(dt("2026-03-02 10:30"), dt("2026-03-02 10:45"));
         d->show();
         int recurrences = 0;
@@ -336,8 +344,8 @@ private slots:
         QCOMPARE(recurrences, 1);
         QCOMPARE(d->evenement()->RecurrenceState(), int(CalendarEvent::Master));
         QVERIFY(d->plageReservee());
-        QCOMPARE(repondeur.appels().size(), 1);
-        QCOMPARE(repondeur.appels().first().titre, QStringLiteral("Plage horaire réservée"));
+        QCOMPARE(m_repondeur->appels().size(), 1);
+        QCOMPARE(m_repondeur->appels().first().titre, QStringLiteral("Plage horaire réservée"));
         QTRY_VERIFY(!d->isVisible());
         QCOMPARE(d->result(), int(QDialog::Rejected));
         QVERIFY(relire(QDate(2026, 3, 2)).isEmpty());
@@ -355,7 +363,6 @@ private slots:
     void plageDejaReservee()
     {
         QFETCH(bool, autrePoste);
-        RepondeurScripte repondeur;
         const QString moi = NomOrdinateur() + QStringLiteral(" - secretariat");
         std::unique_ptr<frmEditEvent> premier;
         QString tenant = moi;
@@ -368,9 +375,9 @@ private slots:
         }
         auto second = nouveau(dt("2026-03-02 10:00"), dt("2026-03-02 10:15"));
         QVERIFY(second->plageReservee());
-        QCOMPARE(repondeur.textes(), QStringList{QStringLiteral("Cette plage horaire est déjà réservée par : ") + tenant + "  "});
-        QCOMPARE(repondeur.appels().first().titre, QStringLiteral("Plage horaire réservée"));
-        QCOMPARE(repondeur.appels().first().icone, Prompt::Icone::Exclamation);
+        QCOMPARE(m_repondeur->textes(), QStringList{QStringLiteral("Cette plage horaire est déjà réservée par : ") + tenant + "  "});
+        QCOMPARE(m_repondeur->appels().first().titre, QStringLiteral("Plage horaire réservée"));
+        QCOMPARE(m_repondeur->appels().first().icone, Prompt::Icone::Exclamation);
         // The real modal loop: the dialog leaves by itself.
         QTimer::singleShot(5000, second.get(), [&second] { second->done(99); });
         QCOMPARE(second->exec(), int(QDialog::Rejected));
@@ -384,7 +391,6 @@ private slots:
     // pressed again it goes on; Easter Monday is skipped and warned of.
     void prochainCreneauLibre()
     {
-        RepondeurScripte repondeur;
         CalendarEventPtr pris = calendrier()->CreateNewEvent(dt("2026-03-02 08:00"), dt("2026-03-02 08:15"));
         QVERIFY(calendrier()->AddEvent(pris));
         EcrireConfig(QStringLiteral("02/03/2026 08:15:00"), QStringLiteral("Réservation"), QStringLiteral("ACCUEIL - docteur"));
@@ -406,7 +412,7 @@ private slots:
         // Practitioner 1 has no rule: told, and the slot stays.
         d->cmbLabel->setCurrentIndex(0);
         QTest::mouseClick(d->btnProchainCreneau, Qt::LeftButton);
-        QVERIFY(repondeur.textes().last().startsWith(QStringLiteral("Aucun créneau libre de 15 minutes")));
+        QVERIFY(m_repondeur->textes().last().startsWith(QStringLiteral("Aucun créneau libre de 15 minutes")));
         QCOMPARE(heures().join(u' '), QStringLiteral("13/04/2026 08:00 08:15"));
         QTest::mouseClick(d->cmdCancel, Qt::LeftButton);
         QCOMPARE(relire(QDate(2026, 3, 2)).size(), 1);
@@ -427,12 +433,9 @@ private slots:
     {
         QFETCH(QString, controle);
         QFETCH(QString, texte);
-        RepondeurScripte repondeur;
         auto d = nouveau(dt("2026-03-02 11:00"), dt("2026-03-02 11:20"));
         d->show();
-        d->txtBody[0]->setText(QStringLiteral("MARTIN"));
-        d->txtBody[1]->setText(QStringLiteral("Luc"));
-        d->txtBody[2]->setText(QStringLiteral("01/01/1950"));
+        remplir(*d);
         QWidget *w = d->findChild<QWidget *>(controle);
         QVERIFY(w);
         if (auto *c = qobject_cast<QComboBox *>(w))
@@ -440,8 +443,8 @@ private slots:
         else
             qobject_cast<QLineEdit *>(w)->setText(texte);
         QTest::mouseClick(d->cmdOk[0], Qt::LeftButton);
-        QCOMPARE(repondeur.bips(), 1);
-        QCOMPARE(repondeur.textes(), QStringList{});
+        QCOMPARE(m_repondeur->bips(), 1);
+        QCOMPARE(m_repondeur->textes(), QStringList{});
         QVERIFY(d->isVisible());
         QVERIFY(w == d->focusWidget() || w->isAncestorOf(d->focusWidget()));
         QVERIFY(relire(QDate(2026, 3, 2)).isEmpty());
@@ -452,27 +455,24 @@ private slots:
     // is free, OK again stores the appointment once.
     void fichierTenuParUnAutrePoste()
     {
-        RepondeurScripte repondeur;
         appState().Calendrier->setReadWait(200);
         auto d = nouveau(dt("2026-03-02 11:00"), dt("2026-03-02 11:20"));
         d->show();
-        d->txtBody[0]->setText(QStringLiteral("MARTIN"));
-        d->txtBody[1]->setText(QStringLiteral("Luc"));
-        d->txtBody[2]->setText(QStringLiteral("01/01/1950"));
+        remplir(*d);
         QProcess tenue;
         tenue.start(qEnvironmentVariable("TAVONEL_ADMIN_EXE"),
                     {QStringLiteral("hold-lock"), m_prog->chemin() + QStringLiteral("Events.mdb"), QStringLiteral("1")});
         QVERIFY2(tenue.waitForReadyRead(10000), "hold-lock n'a pas démarré");
         QTest::mouseClick(d->cmdOk[0], Qt::LeftButton);
-        QCOMPARE(repondeur.appels().size(), 1);
-        QCOMPARE(repondeur.appels().first().titre, TitreEchecEnregistrement());
-        QVERIFY(repondeur.textes().first().startsWith(TexteEchecEnregistrement(QString()).section(u'\n', 0, 0)));
+        QCOMPARE(m_repondeur->appels().size(), 1);
+        QCOMPARE(m_repondeur->appels().first().titre, TitreEchecEnregistrement());
+        QVERIFY(m_repondeur->textes().first().startsWith(TexteEchecEnregistrement(QString()).section(u'\n', 0, 0)));
         QVERIFY(d->isVisible());
         QCOMPARE(d->txtBody[0]->text(), QStringLiteral("MARTIN"));
         QVERIFY(tenue.waitForFinished(10000));
         QVERIFY(relire(QDate(2026, 3, 2)).isEmpty());
         QTest::mouseClick(d->cmdOk[0], Qt::LeftButton);
-        QCOMPARE(repondeur.appels().size(), 1);
+        QCOMPARE(m_repondeur->appels().size(), 1);
         QVERIFY(!d->isVisible());
         QCOMPARE(relire(QDate(2026, 3, 2)).size(), 1);
     }
@@ -480,7 +480,6 @@ private slots:
     // An appointment without a patient: the wording alone, "£" in field 2.
     void sansPatient()
     {
-        RepondeurScripte repondeur;
         // No rule at midnight: the chooser is asked, and closed.
         QStringList dialogues;
         ExecuteurInstalle executeur([&dialogues](QDialog &dlg) {
@@ -508,7 +507,7 @@ private slots:
         taper(d->txtBody[0], QStringLiteral("Congrès"));
         QTest::mouseClick(d->cmdOk[0], Qt::LeftButton);
         QCOMPARE(d->result(), int(QDialog::Accepted));
-        QCOMPARE(repondeur.appels().size(), 0);
+        QCOMPARE(m_repondeur->appels().size(), 0);
         const QList<CalendarEventPtr> jour = relire(QDate(2026, 3, 2));
         QCOMPARE(jour.size(), 1);
         QCOMPARE(jour.first()->Body(), QStringLiteral("Congrès§§£§§§§§§§§01/03/2026 10:00:00§§§§"));
@@ -528,7 +527,6 @@ private slots:
     void planningDuRendezVous()
     {
         QFETCH(int, plannings);
-        RepondeurScripte repondeur;
         QList<int> cles{0};
         for (int i = 1; i <= plannings; ++i)
             cles.prepend(calendrier()->AddSchedule(QStringLiteral("Salle %1").arg(i)));
@@ -538,9 +536,7 @@ private slots:
         QCOMPARE(d->lblSchedule->isVisible(), plannings > 1);
         if (plannings > 1)
             d->cmbSchedule->setCurrentIndex(1);
-        d->txtBody[0]->setText(QStringLiteral("MARTIN"));
-        d->txtBody[1]->setText(QStringLiteral("Luc"));
-        d->txtBody[2]->setText(QStringLiteral("01/01/1950"));
+        remplir(*d);
         QTest::mouseClick(d->cmdOk[0], Qt::LeftButton);
         QCOMPARE(d->result(), int(QDialog::Accepted));
         QCOMPARE(relire(QDate(2026, 3, 2)).first()->ScheduleID(), cles.first());
@@ -551,7 +547,6 @@ private slots:
     // and the reminder on.
     void telephones()
     {
-        RepondeurScripte repondeur;
         appState().RappelsSMS = true;
         auto d = nouveau(dt("2026-03-02 09:00"), dt("2026-03-02 09:15"));
         QCOMPARE(d->cmbReminder->currentText(), QStringLiteral("1 semaine"));
@@ -561,10 +556,10 @@ private slots:
         d->txtBody[4]->setFocus();
         QTest::keyClicks(d->txtBody[4], QStringLiteral("06a12"));
         QCOMPARE(d->txtBody[4]->text(), QStringLiteral("0612"));
-        QCOMPARE(repondeur.bips(), 1);
+        QCOMPARE(m_repondeur->bips(), 1);
         QTest::keyClick(d->txtBody[4], Qt::Key_Tab);
         QCOMPARE(d->txtBody[4]->palette().color(QPalette::Text), QColor(Qt::red));
-        QCOMPARE(repondeur.bips(), 2);
+        QCOMPARE(m_repondeur->bips(), 2);
         QTRY_COMPARE(d->focusWidget(), d->txtBody[4]);
         QVERIFY(!d->btnSMS->isEnabled());
         QTest::keyClicks(d->txtBody[4], QStringLiteral("345678"));
@@ -583,18 +578,18 @@ private slots:
         QCOMPARE(d->cmbEndTime->currentText(), QStringLiteral("09:15"));
         taper(d->cmbStartDate, QStringLiteral("#"));
         QVERIFY(d->cmbStartDate->currentText().endsWith(u'_'));
-        QCOMPARE(repondeur.textes(), QStringList{});
+        QCOMPARE(m_repondeur->textes(), QStringList{});
 
         // Two fields too short at once: the first keeps the focus without
         // the second taking it back in turn, and "Annuler" still leaves.
-        const int bipsAvant = repondeur.bips();
+        const int bipsAvant = m_repondeur->bips();
         d->txtBody[4]->setText(QStringLiteral("06"));
         d->txtBody[3]->setText(QStringLiteral("01"));
         d->txtBody[3]->setFocus();
         QTest::keyClick(d->txtBody[3], Qt::Key_Tab);
         QTest::qWait(50);
         QCOMPARE(d->focusWidget(), d->txtBody[3]);
-        QCOMPARE(repondeur.bips() - bipsAvant, 1);
+        QCOMPARE(m_repondeur->bips() - bipsAvant, 1);
         QTest::mouseClick(d->cmdCancel, Qt::LeftButton);
         QVERIFY(!d->isVisible());
     }
@@ -603,7 +598,6 @@ private slots:
     // up, a modem port that does not open, a mail that went out.
     void envoisSimples()
     {
-        RepondeurScripte repondeur;
         auto d = nouveau(dt("2026-03-02 09:00"), dt("2026-03-02 09:15"));
         d->show();
         d->txtBody[4]->setText(QStringLiteral("0612345678"));
@@ -614,7 +608,7 @@ private slots:
         QCOMPARE(d->lblStatus->text(), QStringLiteral("Envoi de SMS non configuré"));
         QTest::mouseClick(d->btnMail, Qt::LeftButton);
         QCOMPARE(d->lblStatus->text(), QStringLiteral("Envoi de mails non configuré"));
-        QCOMPARE(repondeur.bips(), 2);
+        QCOMPARE(m_repondeur->bips(), 2);
 
         // No modem port set for the agenda (COM "0").
         appState().RappelsSMS = true;
@@ -637,8 +631,8 @@ private slots:
         EcrireConfig(QStringLiteral("Mails"), QStringLiteral("SMTP"), QStringLiteral("127.0.0.1:1"));
         QTest::mouseClick(d->btnMail, Qt::LeftButton);
         QCOMPARE(d->lblStatus->text(), QStringLiteral("Erreur d'envoi du mail ..."));
-        QCOMPARE(repondeur.textes(), QStringList{});
-        QCOMPARE(repondeur.bips(), 2);
+        QCOMPARE(m_repondeur->textes(), QStringList{});
+        QCOMPARE(m_repondeur->bips(), 2);
     }
 };
 
