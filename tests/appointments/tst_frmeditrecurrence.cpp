@@ -149,11 +149,6 @@ private slots:
         for (const char *t : {"Début :", "Fin : ", "Durée : ", "Jour(s)", "Toutes les ", "Semaine(s) le :", "de chaque", "Mois",
                               "Début : ", "ocurrences"})
             QVERIFY2(libelles.contains(QString::fromUtf8(t)), t);
-        for (const char *nom : {"pageDaily", "pageWeekly", "pageMonthly", "pageYearly", "txtDailyEveryNdays", "txtWeeklyNWeeks",
-                                "chkWeeklyWednesday", "chkWeeklyThursday", "chkWeeklyFriday", "chkWeeklySaturday",
-                                "optMonthlyDay", "optMonthlyThe", "txtMonthlyEveryMonth", "txtMonthlyOfEveryTheMonths",
-                                "optYearlyDay", "optYearlyThe", "txtPatternEndAfter"})
-            QVERIFY2(controle<QWidget>(&d, nom), nom);
 
         // A new series: the appointment's own time and length, daily, no end.
         QCOMPARE(d.cmbEventStartTime->currentText(), QStringLiteral("09:00"));

@@ -182,8 +182,6 @@ private Q_SLOTS:
         QCOMPARE(f.findChild<QLabel *>(QStringLiteral("lblCaption"))->text(), QStringLiteral("Agenda"));
         QCOMPARE(f.findChild<QLabel *>(QStringLiteral("lblDate"))->text(),
                  QStringLiteral("Semaine 48 : lundi 23 novembre 2026 - vendredi 27 novembre 2026"));
-        QCOMPARE(f.findChild<CalendarView *>(QStringLiteral("CalendarControl")), f.CalendarControl);
-        QCOMPARE(f.findChild<QStatusBar *>(QStringLiteral("StatusBar")), f.StatusBar);
         QCOMPARE(f.CalendarControl->viewType(), CalendarViewType::WorkWeek);
         QCOMPARE(f.CalendarControl->workDayBegin(), QTime(8, 0));
         QCOMPARE(f.CalendarControl->theme(), 3);
