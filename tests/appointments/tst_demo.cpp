@@ -11,6 +11,7 @@
 #include "shell/base/config.h"
 #include "shell/demarrage.h"
 #include "shell/base/horloge.h"
+#include "support/fichierstest.h"
 #include "support/repondeurscripte.h"
 
 #include <QFileInfo>
@@ -152,9 +153,7 @@ private slots:
             const QList<CalendarEventPtr> jour = appState().Calendrier->RetrieveDayEvents(mercredi);
             QVERIFY(!jour.isEmpty());
             QVERIFY(appState().Calendrier->ChangeEvent(jour.first()));
-            QFile journal(dossier + QStringLiteral("/Journal/2026/") + NomFichierJournal(mercredi, 0));
-            QVERIFY2(journal.open(QIODevice::ReadOnly), qPrintable(journal.fileName()));
-            QVERIFY(journal.readAll().startsWith(LigneJournal(NomAgendaDemo(), *jour.first(), JournalModification).left(30).toLatin1()));
+            QVERIFY(lireOctets(dossier + QStringLiteral("/Journal/2026/") + NomFichierJournal(mercredi, 0)).startsWith(LigneJournal(NomAgendaDemo(), *jour.first(), JournalModification).left(30).toLatin1()));
             demarrage.arreter(false);
             appState() = AppState{};
         }

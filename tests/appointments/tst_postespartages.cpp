@@ -2,6 +2,7 @@
 #include "shell/base/basesqlite.h"
 #include "shell/base/fichierspartages.h"
 #include "support/admintest.h"
+#include "support/fichierstest.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -58,20 +59,14 @@ private slots:
         QTemporaryDir tmp;
         const QString nous = tmp.filePath(QStringLiteral(".Config.mdb.tmp-1"));
         const QString cible = tmp.filePath(QStringLiteral("Config.mdb"));
-        QFile f(nous);
-        QVERIFY(f.open(QIODevice::WriteOnly) && f.write("nous") == 4);
-        f.close();
-        QFile g(cible);
-        QVERIFY(g.open(QIODevice::WriteOnly) && g.write("eux") == 3);
-        g.close();
+        QVERIFY(ecrireOctets(nous, "nous") && ecrireOctets(cible, "eux"));
         QCOMPARE(InstallerSansEcraser(nous, cible), Installation::DejaLa);
         QVERIFY(QFile::exists(nous));
-        QVERIFY(g.open(QIODevice::ReadOnly) && g.readAll() == "eux");
-        g.close();
+        QCOMPARE(lireOctets(cible), QByteArray("eux"));
         QVERIFY(QFile::remove(cible));
         QCOMPARE(InstallerSansEcraser(nous, cible), Installation::Posee);
         QVERIFY(!QFile::exists(nous));
-        QVERIFY(g.open(QIODevice::ReadOnly) && g.readAll() == "nous");
+        QCOMPARE(lireOctets(cible), QByteArray("nous"));
     }
 
     // First starts together on an empty folder under the usual mask: one
