@@ -46,16 +46,16 @@ private slots:
         QTest::addColumn<QString>("attendu");
         const QString fin = QStringLiteral("DUPONT Marie | Vaccin => Dr Roux | ");
         QTest::newRow("nouveau, nom court complété à 30")
-            << QStringLiteral("Dr") << 0 << false << false
+            << "Dr" << 0 << false << false
             << QStringLiteral("Dr                             | 31/12/2026 09:05:00 | Nouveau      |           |       | ") + fin;
         QTest::newRow("modification, déjà venu et privé")
-            << QStringLiteral("Cabinet") << 1 << true << true
+            << "Cabinet" << 1 << true << true
             << QStringLiteral("Cabinet                        | 31/12/2026 09:05:00 | Modification | Déjà venu | Privé | ") + fin;
         QTest::newRow("effacement, nom de 40 coupé à 30")
-            << QStringLiteral("Cabinet médical des Pentes-Croix-Rousse") << 2 << false << true
+            << "Cabinet médical des Pentes-Croix-Rousse" << 2 << false << true
             << QStringLiteral("Cabinet médical des Pentes-Cro | 31/12/2026 09:05:00 | Effacement   |           | Privé | ") + fin;
         QTest::newRow("action inconnue: champ vide")
-            << QStringLiteral("A") << 5 << true << false
+            << "A" << 5 << true << false
             << QStringLiteral("A                              | 31/12/2026 09:05:00 |  | Déjà venu |       | ") + fin;
     }
 

@@ -132,7 +132,7 @@ private slots:
         QTest::newRow("sans patient: numéro 0") << body(QString(), QStringLiteral("£")) << QString()
                                                 << QStringLiteral("0|2026-03-09|09:00:00|Dr Alpha") + fin.arg(QString());
         // The reader keeps a leading separator: field 10 is read as the number.
-        QTest::newRow("séparateur en tête") << QStringLiteral("§") + body(QStringLiteral("12")) << QStringLiteral("Vaccin")
+        QTest::newRow("séparateur en tête") << QStringLiteral("§") + body(QStringLiteral("12")) << "Vaccin"
                                             << QStringLiteral("1|2026-03-09|09:00:00|Dr Alpha") + fin.arg(QStringLiteral("Vaccin"));
         QTest::newRow("motif coupé à la colonne") << body(QStringLiteral("3")) << QString(70, u'm')
                                                   << QStringLiteral("3|2026-03-09|09:00:00|Dr Alpha") + fin.arg(QString(64, u'm'));
@@ -190,9 +190,9 @@ private slots:
     void echec_data()
     {
         QTest::addColumn<QString>("cas");
-        QTest::newRow("base verrouillée") << QStringLiteral("verrou");
-        QTest::newRow("base absente") << QStringLiteral("absente");
-        QTest::newRow("ancien rendez-vous sans séparateurs") << QStringLiteral("ancien");
+        QTest::newRow("base verrouillée") << "verrou";
+        QTest::newRow("base absente") << "absente";
+        QTest::newRow("ancien rendez-vous sans séparateurs") << "ancien";
     }
 
     // The copy fails: the appointment stays in the calendar, the user is

@@ -44,38 +44,23 @@ private slots:
         QTest::addColumn<Champs>("champs"); // 0, 1, 2, 3, 4, then field 10
         QTest::addColumn<QString>("attendu");
         auto c = [](QString nom, QString prenom, QString naissance, QString tel, QString portable, QString prise) {
-            Champs l(14);
-            l[0] = nom;
-            l[1] = prenom;
-            l[2] = naissance;
-            l[3] = tel;
-            l[4] = portable;
-            l[10] = prise;
+            Champs l{nom, prenom, naissance, tel, portable, {}, {}, {}, {}, {}, prise, {}, {}, {}};
             return l;
         };
         const QString prise = QStringLiteral("02/03/2026 10:15:00");
-        QTest::newRow("patient complet")
-            << c(QStringLiteral("DUPONT"), QStringLiteral("Marie"), QStringLiteral("15/03/1980"),
-                 QStringLiteral("01 23 45 67 89"), QStringLiteral("06 12 34 56 78"), prise)
-            << QStringLiteral("DUPONT Marie (46 ans)") + QString(29, u' ')
-                   + QStringLiteral("01 23 45 67 89 06 12 34 56 78 (Pris le 02/03) ");
+        QTest::newRow("patient complet") << c("DUPONT", "Marie", "15/03/1980", "01 23 45 67 89", "06 12 34 56 78", prise)
+                                         << "DUPONT Marie (46 ans)" + QString(29, u' ') + "01 23 45 67 89 06 12 34 56 78 (Pris le 02/03) ";
         QTest::newRow("nom de 30 coupé à 26, prénom en colonne 28, sans naissance")
-            << c(nom30, QStringLiteral("Jean"), QString(), QString(), QStringLiteral("0612345678"), prise)
-            << QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZ Jean") + QString(19, u' ')
-                   + QStringLiteral("0612345678 (Pris le 02/03) ");
-        QTest::newRow("âge coupé au caractère 50")
-            << c(nom30, QStringLiteral("Jean-Christophe"), QStringLiteral("01/01/1920"), QString(), QString(), prise)
-            << QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZ Jean-Christoph (106 ans")
-                   + QStringLiteral(" (Pris le 02/03) ");
+            << c(nom30, "Jean", "", "", "0612345678", prise)
+            << "ABCDEFGHIJKLMNOPQRSTUVWXYZ Jean" + QString(19, u' ') + "0612345678 (Pris le 02/03) ";
+        QTest::newRow("âge coupé au caractère 50") << c(nom30, "Jean-Christophe", "01/01/1920", "", "", prise)
+                                                   << "ABCDEFGHIJKLMNOPQRSTUVWXYZ Jean-Christoph (106 ans (Pris le 02/03) ";
         QTest::newRow("fixe seul: un blanc, puis le portable vide")
-            << c(QStringLiteral("A"), QString(), QString(), QStringLiteral("0478000000"), QString(), prise)
-            << QStringLiteral("A ") + QString(48, u' ') + QStringLiteral("0478000000  (Pris le 02/03) ");
+            << c("A", "", "", "0478000000", "", prise) << "A " + QString(48, u' ') + "0478000000  (Pris le 02/03) ";
         QTest::newRow("sans patient: la marque n'est pas une date")
-            << c(QStringLiteral("Réunion"), QString(), QString(MarqueSansPatient), QString(), QString(), prise)
-            << QStringLiteral("Réunion ") + QString(42, u' ') + QStringLiteral(" (Pris le 02/03) ");
+            << c("Réunion", "", MarqueSansPatient, "", "", prise) << "Réunion " + QString(42, u' ') + " (Pris le 02/03) ";
         QTest::newRow("date de prise courte prise telle quelle")
-            << c(QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("01/03/2026"), QString(), QString(), QStringLiteral("1/3"))
-            << QStringLiteral("B C (14 jours)") + QString(36, u' ') + QStringLiteral(" (Pris le 1/3) ");
+            << c("B", "C", "01/03/2026", "", "", "1/3") << "B C (14 jours)" + QString(36, u' ') + " (Pris le 1/3) ";
     }
 
     void subject()
@@ -107,11 +92,11 @@ private slots:
         QTest::newRow("un séparateur seul: ancienne forme vide") << sep << commentaireVide << true << false;
         Champs ancien = x;
         ancien[9] = QStringLiteral("Rappeler le labo");
-        QTest::newRow("ancienne forme") << QStringLiteral("Rappeler le labo") << ancien << true << false;
+        QTest::newRow("ancienne forme") << "Rappeler le labo" << ancien << true << false;
         Champs court = x;
         court[0] = QStringLiteral("A");
         court[1] = QStringLiteral("B");
-        QTest::newRow("texte court: le reste garde sa valeur") << QStringLiteral("A§B§") << court << false << false;
+        QTest::newRow("texte court: le reste garde sa valeur") << "A§B§" << court << false << false;
         Champs sansPatient = complet;
         sansPatient[2] = QStringLiteral("vu£");
         QString avecMarque = packe;
@@ -181,19 +166,12 @@ private slots:
         QTest::addColumn<QString>("texte");
         QTest::addColumn<QString>("motifLu");
         QTest::addColumn<QString>("adresseLue");
-        QTest::newRow("motif seul") << QStringLiteral("Vaccin") << QString() << QStringLiteral("Vaccin")
-                                    << QStringLiteral("Vaccin") << QString();
-        QTest::newRow("motif et adressant") << QStringLiteral("Bilan") << QStringLiteral("Dr Roux")
-                                            << QStringLiteral("Bilan => Dr Roux") << QStringLiteral("Bilan")
-                                            << QStringLiteral("Dr Roux");
-        QTest::newRow("adressant sans motif") << QString() << QStringLiteral("SAMU") << QStringLiteral(" => SAMU")
-                                              << QString() << QStringLiteral("SAMU");
+        QTest::newRow("motif seul") << "Vaccin" << QString() << "Vaccin" << "Vaccin" << QString();
+        QTest::newRow("motif et adressant") << "Bilan" << "Dr Roux" << "Bilan => Dr Roux" << "Bilan" << "Dr Roux";
+        QTest::newRow("adressant sans motif") << QString() << "SAMU" << " => SAMU" << QString() << "SAMU";
         // Typed by hand, not made by the packing:
-        QTest::newRow("finit par la flèche") << QString() << QString() << QStringLiteral("Bilan => ")
-                                             << QStringLiteral("Bilan") << QString();
-        QTest::newRow("deux flèches: les deux premiers morceaux") << QString() << QString()
-                                                                  << QStringLiteral("a => b => c") << QStringLiteral("a")
-                                                                  << QStringLiteral("b");
+        QTest::newRow("finit par la flèche") << QString() << QString() << "Bilan => " << "Bilan" << QString();
+        QTest::newRow("deux flèches: les deux premiers morceaux") << QString() << QString() << "a => b => c" << "a" << "b";
     }
 
     void location()
@@ -222,11 +200,9 @@ private slots:
         QTest::newRow("complet") << onze + QStringLiteral("17§Agenda§m@x.fr§") << N(17) << T(QStringLiteral("06"))
                                  << T(QStringLiteral("m@x.fr"));
         QTest::newRow("numéro vide: 0") << onze + QStringLiteral("§§§") << N(0) << T(QStringLiteral("06")) << T(QString());
-        QTest::newRow("règle du nombre en tête") << onze + QStringLiteral("42abc§") << N(42) << T(QStringLiteral("06"))
-                                                 << T();
-        QTest::newRow("onze parties: pas de numéro") << QStringLiteral("a§b§c§d§06§f§g§h§i§j§k") << N() << T(QStringLiteral("06"))
-                                                     << T();
-        QTest::newRow("ancienne forme") << QStringLiteral("texte libre") << N() << T() << T();
+        QTest::newRow("règle du nombre en tête") << onze + QStringLiteral("42abc§") << N(42) << T(QStringLiteral("06")) << T();
+        QTest::newRow("onze parties: pas de numéro") << "a§b§c§d§06§f§g§h§i§j§k" << N() << T(QStringLiteral("06")) << T();
+        QTest::newRow("ancienne forme") << "texte libre" << N() << T() << T();
         // The reader does not drop a leading separator: every part moves by one.
         QTest::newRow("séparateur en tête") << QStringLiteral("§") + onze + QStringLiteral("17§Agenda§m@x.fr§") << N(0)
                                             << T(QStringLiteral("d")) << T(QStringLiteral("Agenda"));
@@ -249,12 +225,12 @@ private slots:
         QTest::addColumn<bool>("telephone");
         QTest::addColumn<bool>("mel");
         QTest::newRow("vide") << QString() << true << true;
-        QTest::newRow("9 chiffres") << QStringLiteral("06 12 34 56 7") << false << false;
-        QTest::newRow("10 chiffres avec points") << QStringLiteral("06.12.34.56.78") << true << false;
-        QTest::newRow("international") << QStringLiteral("+33 6 12 34 56 78") << true << false;
-        QTest::newRow("international trop court") << QStringLiteral("+33 6 12 34 56") << false << false;
-        QTest::newRow("adresse") << QStringLiteral("a@b.fr") << false << true;
-        QTest::newRow("sans point") << QStringLiteral("a@bfr") << false << false;
+        QTest::newRow("9 chiffres") << "06 12 34 56 7" << false << false;
+        QTest::newRow("10 chiffres avec points") << "06.12.34.56.78" << true << false;
+        QTest::newRow("international") << "+33 6 12 34 56 78" << true << false;
+        QTest::newRow("international trop court") << "+33 6 12 34 56" << false << false;
+        QTest::newRow("adresse") << "a@b.fr" << false << true;
+        QTest::newRow("sans point") << "a@bfr" << false << false;
     }
 
     void validite()

@@ -173,28 +173,24 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("jours");
 
         QTest::newRow("tous les 2 jours, 4 fois")
-            << QDate(2026, 3, 2) << 1 << QDate() << 4 << Options([](CalendarRecurrenceOptions &o) {
-                   o.setRecurrenceType(1);
+            << QDate(2026, 3, 2) << 1 << QDate() << 4 << Options([](CalendarRecurrenceOptions &o) { o.setRecurrenceType(1);
                    o.setIntervalDays(2);
                })
             << QStringList{"2026-03-02", "2026-03-04", "2026-03-06", "2026-03-08"};
         QTest::newRow("jours ouvrés jusqu'au 10")
-            << QDate(2026, 3, 5) << 0 << QDate(2026, 3, 10) << 0 << Options([](CalendarRecurrenceOptions &o) {
-                   o.setRecurrenceType(1);
+            << QDate(2026, 3, 5) << 0 << QDate(2026, 3, 10) << 0 << Options([](CalendarRecurrenceOptions &o) { o.setRecurrenceType(1);
                    o.setEveryWeekDay(true);
                })
             << QStringList{"2026-03-05", "2026-03-06", "2026-03-09", "2026-03-10"};
         QTest::newRow("2e mardi jusqu'au 30 avril")
-            << QDate(2026, 1, 1) << 0 << QDate(2026, 4, 30) << 0 << Options([](CalendarRecurrenceOptions &o) {
-                   o.setRecurrenceType(4);
+            << QDate(2026, 1, 1) << 0 << QDate(2026, 4, 30) << 0 << Options([](CalendarRecurrenceOptions &o) { o.setRecurrenceType(4);
                    o.setIntervalMonthsNth(1);
                    o.setWhichDay(2);
                    o.setWhichDayMask(CalendarRecurrenceOptions::Tuesday);
                })
             << QStringList{"2026-01-13", "2026-02-10", "2026-03-10", "2026-04-14"};
         QTest::newRow("dernier vendredi de mai, sans fin")
-            << QDate(2026, 1, 1) << 2 << QDate() << 0 << Options([](CalendarRecurrenceOptions &o) {
-                   o.setRecurrenceType(6);
+            << QDate(2026, 1, 1) << 2 << QDate() << 0 << Options([](CalendarRecurrenceOptions &o) { o.setRecurrenceType(6);
                    o.setWhichDayYearly(CalendarRecurrenceOptions::LastWhichDay);
                    o.setWhichDayMaskYearly(CalendarRecurrenceOptions::Friday);
                    o.setMonthOfYearNth(5);
@@ -588,8 +584,7 @@ private Q_SLOTS:
         QTest::newRow("création date zéro") << "CreationTime" << "'1899-12-30 00:00:00'" << true;
         QTest::newRow("création illisible") << "CreationTime" << "'hier'" << true;
         QTest::newRow("propriétés") << "CustomPropertiesXMLData"
-                                    << "'<CustomProperties><Property Name=\"Patient\" Type=\"8\" Value=\"12\"/></CustomProperties>'"
-                                    << true;
+            << "'<CustomProperties><Property Name=\"Patient\" Type=\"8\" Value=\"12\"/></CustomProperties>'" << true;
         QTest::newRow("icônes") << "CustomIconsIDs" << "'3, 5,x'" << true;
     }
     void lectureDirecteCommeLaCorrespondance()
@@ -727,8 +722,7 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("problemes");
         QTest::newRow("saine") << QString() << QStringList{};
         QTest::newRow("série perdue") << "DELETE FROM CalendarRecurrencePatterns"
-                                      << QStringList{"la série du rendez-vous maître 2 est introuvable",
-                                                     "l'exception 3 désigne une série introuvable"};
+            << QStringList{"la série du rendez-vous maître 2 est introuvable", "l'exception 3 désigne une série introuvable"};
         QTest::newRow("maître perdu") << "DELETE FROM CalendarEvents WHERE RecurrenceState = 1"
                                       << QStringList{"la série 1 n'a pas de rendez-vous maître qui la désigne"};
         QTest::newRow("occurrence enregistrée")

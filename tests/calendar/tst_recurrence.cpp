@@ -66,118 +66,82 @@ private slots:
         const int parDate = CalendarRecurrencePattern::EndByDate;
         const int apresN = CalendarRecurrencePattern::EndAfterOccurrencesCount;
         const int sansFin = CalendarRecurrencePattern::NoEnd;
+        auto ligne = [](const char *nom, QList<int> options, const char *debut, int methode, const char *fin, const char *de,
+                        const char *a, const char *jours) {
+            QTest::newRow(nom) << options << QString(debut) << methode << QString(fin) << QString(de) << QString(a)
+                               << QString(jours).split(u' ', Qt::SkipEmptyParts);
+        };
 
         // Daily: {1, every N days, every weekday}
-        QTest::newRow("daily every day")
-            << QList<int>{1, 1, 0} << "2026-03-02" << sansFin << "" << "2026-03-01" << "2026-03-05"
-            << QStringList{"2026-03-02", "2026-03-03", "2026-03-04", "2026-03-05"};
-        QTest::newRow("daily every 3 days keeps its step from the first day")
-            << QList<int>{1, 3, 0} << "2026-01-01" << sansFin << "" << "2026-03-01" << "2026-03-10"
-            << QStringList{"2026-03-02", "2026-03-05", "2026-03-08"};
-        QTest::newRow("daily every weekday, counted")
-            << QList<int>{1, 1, 1} << "2026-03-06" << apresN << "4" << "2026-03-01" << "2026-03-31"
-            << QStringList{"2026-03-06", "2026-03-09", "2026-03-10", "2026-03-11"};
-        QTest::newRow("daily, end date inclusive")
-            << QList<int>{1, 1, 0} << "2026-03-01" << parDate << "2026-03-03" << "2026-02-25" << "2026-03-10"
-            << QStringList{"2026-03-01", "2026-03-02", "2026-03-03"};
-        QTest::newRow("daily, count counts from the first day not the range")
-            << QList<int>{1, 1, 0} << "2026-03-01" << apresN << "10" << "2026-03-08" << "2026-03-20"
-            << QStringList{"2026-03-08", "2026-03-09", "2026-03-10"};
-        QTest::newRow("daily interval 0 is every day")
-            << QList<int>{1, 0, 0} << "2026-03-02" << apresN << "2" << "2026-03-01" << "2026-03-31"
-            << QStringList{"2026-03-02", "2026-03-03"};
-        QTest::newRow("range before the series") << QList<int>{1, 1, 0} << "2026-03-10" << sansFin << ""
-                                                 << "2026-03-01" << "2026-03-05" << QStringList{};
-        QTest::newRow("after 0 occurrences: none") << QList<int>{1, 1, 0} << "2026-03-01" << apresN << "0"
-                                                   << "2026-03-01" << "2026-03-05" << QStringList{};
-        QTest::newRow("end date before the first day: none")
-            << QList<int>{1, 1, 0} << "2026-03-01" << parDate << "2026-02-01" << "2026-01-01" << "2026-03-05"
-            << QStringList{};
-        QTest::newRow("ten years on, every 7 days")
-            << QList<int>{1, 7, 0} << "2026-01-05" << sansFin << "" << "2036-01-01" << "2036-01-14"
-            << QStringList{"2036-01-07", "2036-01-14"};
+        ligne("daily every day", {1, 1, 0}, "2026-03-02", sansFin, "", "2026-03-01", "2026-03-05",
+              "2026-03-02 2026-03-03 2026-03-04 2026-03-05");
+        ligne("daily every 3 days keeps its step from the first day", {1, 3, 0}, "2026-01-01", sansFin, "", "2026-03-01", "2026-03-10",
+              "2026-03-02 2026-03-05 2026-03-08");
+        ligne("daily every weekday, counted", {1, 1, 1}, "2026-03-06", apresN, "4", "2026-03-01", "2026-03-31",
+              "2026-03-06 2026-03-09 2026-03-10 2026-03-11");
+        ligne("daily, end date inclusive", {1, 1, 0}, "2026-03-01", parDate, "2026-03-03", "2026-02-25", "2026-03-10",
+              "2026-03-01 2026-03-02 2026-03-03");
+        ligne("daily, count counts from the first day not the range", {1, 1, 0}, "2026-03-01", apresN, "10", "2026-03-08", "2026-03-20",
+              "2026-03-08 2026-03-09 2026-03-10");
+        ligne("daily interval 0 is every day", {1, 0, 0}, "2026-03-02", apresN, "2", "2026-03-01", "2026-03-31", "2026-03-02 2026-03-03");
+        ligne("range before the series", {1, 1, 0}, "2026-03-10", sansFin, "", "2026-03-01", "2026-03-05", "");
+        ligne("after 0 occurrences: none", {1, 1, 0}, "2026-03-01", apresN, "0", "2026-03-01", "2026-03-05", "");
+        ligne("end date before the first day: none", {1, 1, 0}, "2026-03-01", parDate, "2026-02-01", "2026-01-01", "2026-03-05", "");
+        ligne("ten years on, every 7 days", {1, 7, 0}, "2026-01-05", sansFin, "", "2036-01-01", "2036-01-14", "2036-01-07 2036-01-14");
 
         // Weekly: {2, every N weeks, day mask}
-        QTest::newRow("weekly every 2 weeks Monday and Thursday, weeks from Monday")
-            << QList<int>{2, 2, 2 | 16} << "2026-01-01" << parDate << "2026-02-01" << "2026-01-01" << "2026-02-28"
-            << QStringList{"2026-01-01", "2026-01-12", "2026-01-15", "2026-01-26", "2026-01-29"};
-        QTest::newRow("weekly, Sunday belongs to the week before")
-            << QList<int>{2, 2, 1 | 2} << "2026-01-05" << apresN << "4" << "2026-01-01" << "2026-03-31"
-            << QStringList{"2026-01-05", "2026-01-11", "2026-01-19", "2026-01-25"};
-        QTest::newRow("weekly with no day falls on the first day's weekday")
-            << QList<int>{2, 1, 0} << "2026-03-04" << apresN << "3" << "2026-03-01" << "2026-03-31"
-            << QStringList{"2026-03-04", "2026-03-11", "2026-03-18"};
+        ligne("weekly every 2 weeks Monday and Thursday, weeks from Monday", {2, 2, 2 | 16}, "2026-01-01", parDate, "2026-02-01", "2026-01-01", "2026-02-28",
+              "2026-01-01 2026-01-12 2026-01-15 2026-01-26 2026-01-29");
+        ligne("weekly, Sunday belongs to the week before", {2, 2, 1 | 2}, "2026-01-05", apresN, "4", "2026-01-01", "2026-03-31",
+              "2026-01-05 2026-01-11 2026-01-19 2026-01-25");
+        ligne("weekly with no day falls on the first day's weekday", {2, 1, 0}, "2026-03-04", apresN, "3", "2026-03-01", "2026-03-31",
+              "2026-03-04 2026-03-11 2026-03-18");
 
         // Monthly on a day: {3, every N months, day}
-        QTest::newRow("monthly 31st falls on the last day of short months")
-            << QList<int>{3, 1, 31} << "2026-01-31" << apresN << "6" << "2026-01-01" << "2026-12-31"
-            << QStringList{"2026-01-31", "2026-02-28", "2026-03-31", "2026-04-30", "2026-05-31", "2026-06-30"};
-        QTest::newRow("monthly 30th in a leap year")
-            << QList<int>{3, 1, 30} << "2028-01-30" << apresN << "3" << "2028-01-01" << "2028-12-31"
-            << QStringList{"2028-01-30", "2028-02-29", "2028-03-30"};
-        QTest::newRow("monthly 29th in a common February")
-            << QList<int>{3, 1, 29} << "2027-01-29" << apresN << "3" << "2027-01-01" << "2027-12-31"
-            << QStringList{"2027-01-29", "2027-02-28", "2027-03-29"};
-        QTest::newRow("monthly 15th every 2 months, first day after the 15th")
-            << QList<int>{3, 2, 15} << "2026-01-20" << apresN << "3" << "2026-01-01" << "2026-12-31"
-            << QStringList{"2026-03-15", "2026-05-15", "2026-07-15"};
+        ligne("monthly 31st falls on the last day of short months", {3, 1, 31}, "2026-01-31", apresN, "6", "2026-01-01", "2026-12-31",
+              "2026-01-31 2026-02-28 2026-03-31 2026-04-30 2026-05-31 2026-06-30");
+        ligne("monthly 30th in a leap year", {3, 1, 30}, "2028-01-30", apresN, "3", "2028-01-01", "2028-12-31",
+              "2028-01-30 2028-02-29 2028-03-30");
+        ligne("monthly 29th in a common February", {3, 1, 29}, "2027-01-29", apresN, "3", "2027-01-01", "2027-12-31",
+              "2027-01-29 2027-02-28 2027-03-29");
+        ligne("monthly 15th every 2 months, first day after the 15th", {3, 2, 15}, "2026-01-20", apresN, "3", "2026-01-01", "2026-12-31",
+              "2026-03-15 2026-05-15 2026-07-15");
 
         // Monthly on the nth day: {4, every N months, which (5 = last), mask}
-        QTest::newRow("second Monday")
-            << QList<int>{4, 1, 2, 2} << "2026-01-01" << apresN << "3" << "2026-01-01" << "2026-12-31"
-            << QStringList{"2026-01-12", "2026-02-09", "2026-03-09"};
-        QTest::newRow("last weekday")
-            << QList<int>{4, 1, 5, 62} << "2026-01-01" << apresN << "4" << "2026-01-01" << "2026-12-31"
-            << QStringList{"2026-01-30", "2026-02-27", "2026-03-31", "2026-04-30"};
-        QTest::newRow("second weekend day")
-            << QList<int>{4, 1, 2, 65} << "2026-01-01" << apresN << "3" << "2026-01-01" << "2026-12-31"
-            << QStringList{"2026-01-04", "2026-02-07", "2026-03-07"};
-        QTest::newRow("third day every 2 months")
-            << QList<int>{4, 2, 3, 127} << "2026-01-01" << apresN << "3" << "2026-01-01" << "2026-12-31"
-            << QStringList{"2026-01-03", "2026-03-03", "2026-05-03"};
-        QTest::newRow("last day")
-            << QList<int>{4, 1, 5, 127} << "2026-01-10" << apresN << "3" << "2026-01-01" << "2026-12-31"
-            << QStringList{"2026-01-31", "2026-02-28", "2026-03-31"};
-        QTest::newRow("fourth Friday, ended by date")
-            << QList<int>{4, 1, 4, 32} << "2026-01-01" << parDate << "2026-03-26" << "2026-01-01" << "2026-12-31"
-            << QStringList{"2026-01-23", "2026-02-27"};
+        ligne("second Monday", {4, 1, 2, 2}, "2026-01-01", apresN, "3", "2026-01-01", "2026-12-31", "2026-01-12 2026-02-09 2026-03-09");
+        ligne("last weekday", {4, 1, 5, 62}, "2026-01-01", apresN, "4", "2026-01-01", "2026-12-31",
+              "2026-01-30 2026-02-27 2026-03-31 2026-04-30");
+        ligne("second weekend day", {4, 1, 2, 65}, "2026-01-01", apresN, "3", "2026-01-01", "2026-12-31",
+              "2026-01-04 2026-02-07 2026-03-07");
+        ligne("third day every 2 months", {4, 2, 3, 127}, "2026-01-01", apresN, "3", "2026-01-01", "2026-12-31",
+              "2026-01-03 2026-03-03 2026-05-03");
+        ligne("last day", {4, 1, 5, 127}, "2026-01-10", apresN, "3", "2026-01-01", "2026-12-31", "2026-01-31 2026-02-28 2026-03-31");
+        ligne("fourth Friday, ended by date", {4, 1, 4, 32}, "2026-01-01", parDate, "2026-03-26", "2026-01-01", "2026-12-31",
+              "2026-01-23 2026-02-27");
 
         // Yearly on a date: {5, month, day}
-        QTest::newRow("29 February falls on the 28th in common years")
-            << QList<int>{5, 2, 29} << "2024-02-29" << apresN << "5" << "2024-01-01" << "2028-12-31"
-            << QStringList{"2024-02-29", "2025-02-28", "2026-02-28", "2027-02-28", "2028-02-29"};
-        QTest::newRow("yearly, first day after the date")
-            << QList<int>{5, 3, 15} << "2026-04-01" << apresN << "2" << "2026-01-01" << "2030-12-31"
-            << QStringList{"2027-03-15", "2028-03-15"};
-        QTest::newRow("31 April is the 30th")
-            << QList<int>{5, 4, 31} << "2026-01-01" << apresN << "2" << "2026-01-01" << "2030-12-31"
-            << QStringList{"2026-04-30", "2027-04-30"};
+        ligne("29 February falls on the 28th in common years", {5, 2, 29}, "2024-02-29", apresN, "5", "2024-01-01", "2028-12-31",
+              "2024-02-29 2025-02-28 2026-02-28 2027-02-28 2028-02-29");
+        ligne("yearly, first day after the date", {5, 3, 15}, "2026-04-01", apresN, "2", "2026-01-01", "2030-12-31",
+              "2027-03-15 2028-03-15");
+        ligne("31 April is the 30th", {5, 4, 31}, "2026-01-01", apresN, "2", "2026-01-01", "2030-12-31", "2026-04-30 2027-04-30");
 
         // Yearly on the nth day of a month: {6, which, mask, month}
-        QTest::newRow("last Thursday of May")
-            << QList<int>{6, 5, 16, 5} << "2026-01-01" << apresN << "3" << "2026-01-01" << "2030-12-31"
-            << QStringList{"2026-05-28", "2027-05-27", "2028-05-25"};
-        QTest::newRow("first Monday of September, ended by date")
-            << QList<int>{6, 1, 2, 9} << "2026-01-01" << parDate << "2027-12-31" << "2026-01-01" << "2030-12-31"
-            << QStringList{"2026-09-07", "2027-09-06"};
+        ligne("last Thursday of May", {6, 5, 16, 5}, "2026-01-01", apresN, "3", "2026-01-01", "2030-12-31",
+              "2026-05-28 2027-05-27 2028-05-25");
+        ligne("first Monday of September, ended by date", {6, 1, 2, 9}, "2026-01-01", parDate, "2027-12-31", "2026-01-01", "2030-12-31",
+              "2026-09-07 2027-09-06");
 
         // Years ahead, with no end: the walk starts near the range and must keep
         // the series' own rhythm (weeks, months counted from the first day).
-        QTest::newRow("far: every 3 weeks Monday and Friday")
-            << QList<int>{2, 3, 2 | 32} << "2026-01-07" << sansFin << "" << "2031-06-01" << "2031-06-30"
-            << QStringList{"2031-06-02", "2031-06-06", "2031-06-23", "2031-06-27"};
-        QTest::newRow("far: 30th every 5 months")
-            << QList<int>{3, 5, 30} << "2026-01-30" << sansFin << "" << "2029-01-01" << "2029-12-31"
-            << QStringList{"2029-05-30", "2029-10-30"};
-        QTest::newRow("far: second weekend day every 4 months")
-            << QList<int>{4, 4, 2, 65} << "2026-02-01" << sansFin << "" << "2032-01-01" << "2032-12-31"
-            << QStringList{"2032-02-07", "2032-06-06", "2032-10-03"};
-        QTest::newRow("far: 29 February")
-            << QList<int>{5, 2, 29} << "2024-02-29" << sansFin << "" << "2031-01-01" << "2033-12-31"
-            << QStringList{"2031-02-28", "2032-02-29", "2033-02-28"};
-        QTest::newRow("far: last Thursday of May, ended by date")
-            << QList<int>{6, 5, 16, 5} << "2026-01-01" << parDate << "2036-05-29" << "2035-01-01" << "2040-12-31"
-            << QStringList{"2035-05-31", "2036-05-29"};
+        ligne("far: every 3 weeks Monday and Friday", {2, 3, 2 | 32}, "2026-01-07", sansFin, "", "2031-06-01", "2031-06-30",
+              "2031-06-02 2031-06-06 2031-06-23 2031-06-27");
+        ligne("far: 30th every 5 months", {3, 5, 30}, "2026-01-30", sansFin, "", "2029-01-01", "2029-12-31", "2029-05-30 2029-10-30");
+        ligne("far: second weekend day every 4 months", {4, 4, 2, 65}, "2026-02-01", sansFin, "", "2032-01-01", "2032-12-31",
+              "2032-02-07 2032-06-06 2032-10-03");
+        ligne("far: 29 February", {5, 2, 29}, "2024-02-29", sansFin, "", "2031-01-01", "2033-12-31", "2031-02-28 2032-02-29 2033-02-28");
+        ligne("far: last Thursday of May, ended by date", {6, 5, 16, 5}, "2026-01-01", parDate, "2036-05-29", "2035-01-01", "2040-12-31",
+              "2035-05-31 2036-05-29");
     }
 
     void jours()
@@ -343,8 +307,7 @@ private slots:
             << "2026-03-20" << "2026-03-03 07:00" << false << "2026-03-03" << "2026-03-03"
             << QStringList{"2026-03-03 07:00", "2026-03-03 09:00"} << 1;
         QTest::newRow("moved to the same start is still the exception")
-            << "2026-03-03" << "2026-03-03 09:00" << false << "2026-03-03" << "2026-03-03"
-            << QStringList{"2026-03-03 09:00"} << 1;
+            << "2026-03-03" << "2026-03-03 09:00" << false << "2026-03-03" << "2026-03-03" << QStringList{"2026-03-03 09:00"} << 1;
     }
 
     void exceptions()
@@ -398,10 +361,8 @@ private slots:
             << QList<int>{3, 1, 31} << int(CalendarRecurrencePattern::EndAfterOccurrencesCount) << "3"
             << "2026-03-31 09:00" << "2026-05-31 10:30";
         QTest::newRow("end date not on an occurrence")
-            << QList<int>{2, 1, 2} << int(CalendarRecurrencePattern::EndByDate) << "2026-03-20"
-            << "2026-03-02 09:00" << "2026-03-16 10:30";
-        QTest::newRow("no end") << QList<int>{1, 1, 0} << int(CalendarRecurrencePattern::NoEnd) << ""
-                                << "2026-03-02 09:00" << "";
+            << QList<int>{2, 1, 2} << int(CalendarRecurrencePattern::EndByDate) << "2026-03-20" << "2026-03-02 09:00" << "2026-03-16 10:30";
+        QTest::newRow("no end") << QList<int>{1, 1, 0} << int(CalendarRecurrencePattern::NoEnd) << "" << "2026-03-02 09:00" << "";
     }
 
     void etendueDeLaSerie()

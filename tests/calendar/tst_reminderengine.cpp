@@ -40,11 +40,10 @@ struct Poste
     // Kind 2 (Events.mdb) unless told otherwise; kind 1 is the XML data file.
     explicit Poste(const QString &dossier, int genre = CalendarDataProvider::Access)
     {
-        if (genre == CalendarDataProvider::Memory)
-            OpenProvider(fournisseur, genre, QStringLiteral("Provider=XML;Data Source='") + dossier + QStringLiteral("/events.xml';"));
-        else
-            OpenProvider(fournisseur, genre,
-                         QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source='") + dossier + QStringLiteral("/Events.mdb';"));
+        OpenProvider(fournisseur, genre,
+                     (genre == CalendarDataProvider::Memory ? QStringLiteral("Provider=XML;Data Source='%1/events.xml';")
+                                                            : QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source='%1/Events.mdb';"))
+                         .arg(dossier));
     }
     // The watch switched on, and its first poll run from the event loop.
     void demarrer()
@@ -116,8 +115,7 @@ private Q_SLOTS:
         QFETCH(int, genre);
         QFETCH(QDateTime, maintenant);
         QFETCH(bool, du);
-        const QString d = dossier();
-        Poste poste(d, genre);
+        Poste poste(dossier(), genre);
         QVERIFY(ajouter(poste.fournisseur, le(9, 10, 0), 30, QStringLiteral("DUPONT")));
         QVERIFY(ajouter(poste.fournisseur, le(9, 10, 0), 30, QStringLiteral("sans rappel"), false));
         Horloge::fixer(maintenant);
@@ -136,8 +134,7 @@ private Q_SLOTS:
 
     void ordreDeLaListe()
     {
-        const QString d = dossier();
-        Poste poste(d);
+        Poste poste(dossier());
         ajouter(poste.fournisseur, le(9, 11, 0), 60, QStringLiteral("C"));  // 10:00
         ajouter(poste.fournisseur, le(9, 10, 0), 90, QStringLiteral("A"));  // 08:30
         ajouter(poste.fournisseur, le(9, 10, 30), 60, QStringLiteral("B")); // 09:30
@@ -317,9 +314,8 @@ private Q_SLOTS:
 
     void arretDeLaVeille()
     {
-        const QString d = dossier();
         Horloge::fixer(le(9, 10, 0));
-        Poste poste(d);
+        Poste poste(dossier());
         ajouter(poste.fournisseur, le(9, 10, 15), 30, QStringLiteral("A"));
         poste.demarrer();
         poste.moteur.setEnabled(false);
@@ -354,9 +350,8 @@ private Q_SLOTS:
 
     void interrogationPeriodique()
     {
-        const QString d = dossier();
         Horloge::fixer(le(9, 9, 0));
-        Poste poste(d);
+        Poste poste(dossier());
         poste.moteur.setInterval(50);
         poste.demarrer();
         QCOMPARE(poste.spy.count(), 0);

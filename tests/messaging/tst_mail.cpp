@@ -93,6 +93,14 @@ quint16 portFerme()
     return port;
 }
 
+// A reminder from the practice to one patient, through the given server.
+QString envoyer(const QString &serveur, const QString &destinataire = QStringLiteral("patient@example.org"),
+                const OptionsSmtp &options = {})
+{
+    return SendMailReminder(QStringLiteral("secretariat@cabinet.example.org"), destinataire, serveur, QStringLiteral("Rappel"),
+                            kPremier, kDernier, kDate, kPraticien, options);
+}
+
 } // namespace
 
 class TestMail : public QObject
@@ -131,9 +139,8 @@ private slots:
         QTest::addColumn<bool>("encode");
         QTest::newRow("ascii") << "Rappel de votre Rendez-Vous" << false;
         QTest::newRow("accents") << "Rappel de Rendez-Vous médical" << true;
-        QTest::newRow("long accents")
-            << QString(QStringLiteral("Très long sujet àéèùç ").repeated(8)) << true;
-        QTest::newRow("outside the BMP") << QStringLiteral("Rendez-vous \U0001F4C5 demain") << true;
+        QTest::newRow("long accents") << QString(QStringLiteral("Très long sujet àéèùç ").repeated(8)) << true;
+        QTest::newRow("outside the BMP") << "Rendez-vous \U0001F4C5 demain" << true;
         QTest::newRow("line break removed") << "Sujet\r\nBcc: pirate@example.org" << false;
     }
 
@@ -173,8 +180,7 @@ private slots:
         QTest::newRow("blank at line end") << QByteArray("a \r\nb ") << QByteArray("a=20\r\nb=20");
         QTest::newRow("dot at line start") << QByteArray(".\r\n.a") << QByteArray("=2E\r\n=2Ea");
         QTest::newRow("long line") << QByteArray(100, 'x') << QByteArray(75, 'x') + "=\r\n" + QByteArray(25, 'x');
-        QTest::newRow("escape not cut by a soft break")
-            << QByteArray(74, 'x') + "=" << QByteArray(74, 'x') + "=\r\n=3D";
+        QTest::newRow("escape not cut by a soft break") << QByteArray(74, 'x') + "=" << QByteArray(74, 'x') + "=\r\n=3D";
     }
 
     void quotedPrintable()
@@ -242,21 +248,17 @@ private slots:
                "</td></tr></table>";
 
         QTest::newRow("empty last text: two empty lines")
-            << "Premier" << ""
-            << "Le jour</font><br><br><br><b><i><font face=\"Arial\" size=2>Ne pas r&eacute;pondre";
+            << "Premier" << "" << "Le jour</font><br><br><br><b><i><font face=\"Arial\" size=2>Ne pas r&eacute;pondre";
         QTest::newRow("last text of several lines")
             << "Premier" << "Ligne 1\r\nLigne 2\nLigne 3"
             << "<font face=\"Arial\" size=3>Ligne 1<br>Ligne 2<br>Ligne 3</font><br><br><b><i>";
         QTest::newRow("last text starting with a line end")
-            << "Premier" << "\r\nMerci"
-            << "Le jour</font><br><br><font face=\"Arial\" size=3>Merci</font>";
+            << "Premier" << "\r\nMerci" << "Le jour</font><br><br><font face=\"Arial\" size=3>Merci</font>";
         QTest::newRow("accents as entities")
             << "Le secrétariat, Noël, à bientôt" << ""
             << "<font face=\"Arial\" size=3>Le secr&eacute;tariat, No&euml;l, &agrave; bient&ocirc;t</font>";
-        QTest::newRow("a diaeresis becomes a superscript TM")
-            << "Bäcker" << "" << "B<sup>TM</sup>cker";
-        QTest::newRow("braces and backslash kept")
-            << "a{b}c\\d" << "" << ">a{b}c\\d</font>";
+        QTest::newRow("a diaeresis becomes a superscript TM") << "Bäcker" << "" << "B<sup>TM</sup>cker";
+        QTest::newRow("braces and backslash kept") << "a{b}c\\d" << "" << ">a{b}c\\d</font>";
     }
 
     void miseEnPage()
@@ -280,10 +282,7 @@ private slots:
         const QDateTime maintenant(QDate(2026, 7, 31), QTime(10, 15, 0));
         Horloge::Fixee horloge(maintenant);
 
-        const QString resultat =
-            SendMailReminder(QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("patient@example.org"),
-                             sink.adresse(), QStringLiteral("Rappel de votre Rendez-Vous"), kPremier, kDernier, kDate,
-                             kPraticien);
+        const QString resultat = envoyer(sink.adresse());
         QVERIFY2(resultat.isEmpty(), qPrintable(resultat));
 
         const QList<SmtpSink::Message> messages = sink.messages();
@@ -355,9 +354,7 @@ private slots:
         options.delaiTotalMs = 3000;
         QElapsedTimer chrono;
         chrono.start();
-        const QString resultat =
-            SendMailReminder(QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("patient@example.org"),
-                             serveur, QStringLiteral("Rappel"), kPremier, kDernier, kDate, kPraticien, options);
+        const QString resultat = envoyer(serveur, QStringLiteral("patient@example.org"), options);
         QVERIFY2(chrono.elapsed() < 10000, qPrintable(QString::number(chrono.elapsed())));
         QVERIFY2(resultat.contains(motif), qPrintable(resultat));
         QVERIFY(sink.messages().isEmpty());
@@ -371,9 +368,7 @@ private slots:
         VariableTemporaire programme("TAVONEL_PROGRAM_DIR", (racine.path() + QStringLiteral("/absent/dossier")).toUtf8());
         SmtpSink sink;
         DEMARRER_SINK(sink);
-        const QString resultat =
-            SendMailReminder(QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("patient@example.org"),
-                             sink.adresse(), QStringLiteral("Rappel"), kPremier, kDernier, kDate, kPraticien);
+        const QString resultat = envoyer(sink.adresse());
         QCOMPARE(resultat, QString());
         QCOMPARE(sink.connexions(), 0);
     }
@@ -383,13 +378,8 @@ private slots:
         DossierProgrammeTest dossier;
         SmtpSink sink;
         DEMARRER_SINK(sink);
-        const QString sansDestinataire = SendMailReminder(QStringLiteral("a@b.example.org"), QStringLiteral("  "),
-                                                          sink.adresse(), QStringLiteral("R"), kPremier, kDernier, kDate,
-                                                          kPraticien);
-        QCOMPARE(sansDestinataire, QStringLiteral("L'adresse du destinataire est vide."));
-        const QString sansServeur = SendMailReminder(QStringLiteral("a@b.example.org"), QStringLiteral("c@d.example.org"),
-                                                     QString(), QStringLiteral("R"), kPremier, kDernier, kDate, kPraticien);
-        QCOMPARE(sansServeur, QStringLiteral("Aucun serveur SMTP n'est indiqué."));
+        QCOMPARE(envoyer(sink.adresse(), QStringLiteral("  ")), QStringLiteral("L'adresse du destinataire est vide."));
+        QCOMPARE(envoyer(QString()), QStringLiteral("Aucun serveur SMTP n'est indiqué."));
         QCOMPARE(sink.connexions(), 0);
     }
 
@@ -407,9 +397,7 @@ private slots:
         minuterie.start();
         QElapsedTimer chrono;
         chrono.start();
-        const QString resultat =
-            SendMailReminder(QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("patient@example.org"),
-                             sink.adresse(), QStringLiteral("Rappel"), kPremier, kDernier, kDate, kPraticien);
+        const QString resultat = envoyer(sink.adresse());
         const qint64 duree = chrono.elapsed();
         minuterie.stop();
         QVERIFY2(resultat.isEmpty(), qPrintable(resultat));
@@ -426,18 +414,13 @@ private slots:
         SmtpSink sink;
         DEMARRER_SINK(sink);
 
-        const auto lancer = [](const QString &serveur, const QString &destinataire, QString *sortie, QString *erreurs) {
-            const SortieAdmin s = lancerAdmin({QStringLiteral("test-mail"), QStringLiteral("--smtp"), serveur, QStringLiteral("--from"),
-                                               QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("--to"), destinataire});
-            *sortie = s.texte;
-            *erreurs = s.erreurs;
-            return s.code;
+        const auto lancer = [](const QString &serveur, const QString &destinataire) {
+            return lancerAdmin({QStringLiteral("test-mail"), QStringLiteral("--smtp"), serveur, QStringLiteral("--from"),
+                                QStringLiteral("secretariat@cabinet.example.org"), QStringLiteral("--to"), destinataire});
         };
-
-        QString sortie;
-        QString erreurs;
-        QCOMPARE(lancer(sink.adresse(), QStringLiteral("patient@example.org"), &sortie, &erreurs), 0);
-        QCOMPARE(sortie.trimmed(), QStringLiteral("L'envoi s'est correctement déroulé. Veuillez consulter votre boite "
+        SortieAdmin s = lancer(sink.adresse(), QStringLiteral("patient@example.org"));
+        QCOMPARE(s.code, 0);
+        QCOMPARE(s.texte.trimmed(), QStringLiteral("L'envoi s'est correctement déroulé. Veuillez consulter votre boite "
                                                   "mail pour vérification."));
         QCOMPARE(sink.messages().size(), 1);
         const SmtpSink::Message m = sink.messages().first();
@@ -448,15 +431,14 @@ private slots:
 
         const quint16 port = portFerme();
         QVERIFY2(port != 0, "no free port on 127.0.0.1");
-        QCOMPARE(lancer(QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("patient@example.org"), &sortie, &erreurs),
-                 1);
-        QVERIFY2(erreurs.startsWith(QStringLiteral("L'envoi ne s'est pas correctement déroulé. Veuillez vérifier vos "
-                                                   "paramètres.")),
-                 qPrintable(erreurs));
-        QVERIFY2(erreurs.contains(QLatin1String("Connexion impossible")), qPrintable(erreurs));
+        s = lancer(QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("patient@example.org"));
+        QCOMPARE(s.code, 1);
+        QVERIFY2(s.erreurs.startsWith(QStringLiteral("L'envoi ne s'est pas correctement déroulé. Veuillez vérifier vos paramètres."))
+                     && s.erreurs.contains(QLatin1String("Connexion impossible")),
+                 qPrintable(s.erreurs));
 
         // A test address without "@" is refused before any sending.
-        QCOMPARE(lancer(sink.adresse(), QStringLiteral("patient"), &sortie, &erreurs), 2);
+        QCOMPARE(lancer(sink.adresse(), QStringLiteral("patient")).code, 2);
         QCOMPARE(sink.connexions(), 1);
     }
 };

@@ -57,8 +57,8 @@ private slots:
         // A name that is no number is worth 0: it matches lines that do not
         // begin with a number, and keeps the rest of the line.
         QTest::newRow("nom") << liste << "Orange" << "Réseau privé";
-        QTest::newRow("champs suivants gardes") << QStringLiteral("20810; SFR; France\r\n") << "20810" << "SFR; France";
-        QTest::newRow("vide") << QStringLiteral("20801; Orange F\r\n") << "" << "";
+        QTest::newRow("champs suivants gardes") << "20810; SFR; France\r\n" << "20810" << "SFR; France";
+        QTest::newRow("vide") << "20801; Orange F\r\n" << "" << "";
     }
 
     void listeOperateurs()
@@ -109,10 +109,8 @@ private slots:
         QTest::addColumn<QString>("reponse");
         QTest::addColumn<QString>("texte");
         // Every line stays, "Manufacturer: " included.
-        QTest::newRow("lignes") << "\r\nManufacturer: huawei\r\nModel: E1750\r\n\r\nOK"
-                                << "Manufacturer: huawei\r\nModel: E1750";
-        QTest::newRow("OK suivi de fin de ligne") << "ATI\r\r\nModel: E1750\r\n\r\nOK\r\n"
-                                                  << "ATI\r\r\nModel: E1750\r\n\r\nOK";
+        QTest::newRow("lignes") << "\r\nManufacturer: huawei\r\nModel: E1750\r\n\r\nOK" << "Manufacturer: huawei\r\nModel: E1750";
+        QTest::newRow("OK suivi de fin de ligne") << "ATI\r\r\nModel: E1750\r\n\r\nOK\r\n" << "ATI\r\r\nModel: E1750\r\n\r\nOK";
     }
 
     void typeAppareil()
@@ -142,8 +140,7 @@ private slots:
         QTest::addColumn<QString>("reponse");
         QTest::addColumn<QString>("texte");
         QTest::addColumn<bool>("gsm");
-        QTest::newRow("avec GSM") << "\r\n+CSCS: (\"IRA\",\"GSM\",\"UCS2\")\r\n\r\nOK\r\n"
-                                  << "\"IRA\",\"GSM\",\"UCS2\"" << true;
+        QTest::newRow("avec GSM") << "\r\n+CSCS: (\"IRA\",\"GSM\",\"UCS2\")\r\n\r\nOK\r\n" << "\"IRA\",\"GSM\",\"UCS2\"" << true;
         QTest::newRow("sans GSM") << "\r\n+CSCS: (\"IRA\",\"UCS2\")\r\n\r\nOK\r\n" << "\"IRA\",\"UCS2\"" << false;
         QTest::newRow("vide") << "" << "" << false;
     }
@@ -163,12 +160,12 @@ private slots:
         QTest::addColumn<QString>("agendaIni");
         QTest::addColumn<int>("port");
         QTest::newRow("sans fichier") << QString() << 0;
-        QTest::newRow("sans cle") << QStringLiteral("[Cabinet Martin]\nAutre=1\n") << 0;
-        QTest::newRow("port 3") << QStringLiteral("[Cabinet Martin]\nCOM=3\n") << 3;
-        QTest::newRow("casse de la section") << QStringLiteral("[cabinet martin]\ncom=12\n") << 12;
-        QTest::newRow("chiffres en tete") << QStringLiteral("[Cabinet Martin]\nCOM=4 (USB)\n") << 4;
-        QTest::newRow("texte") << QStringLiteral("[Cabinet Martin]\nCOM=COM4\n") << 0;
-        QTest::newRow("autre agenda") << QStringLiteral("[Agenda]\nCOM=5\n") << 0;
+        QTest::newRow("sans cle") << "[Cabinet Martin]\nAutre=1\n" << 0;
+        QTest::newRow("port 3") << "[Cabinet Martin]\nCOM=3\n" << 3;
+        QTest::newRow("casse de la section") << "[cabinet martin]\ncom=12\n" << 12;
+        QTest::newRow("chiffres en tete") << "[Cabinet Martin]\nCOM=4 (USB)\n" << 4;
+        QTest::newRow("texte") << "[Cabinet Martin]\nCOM=COM4\n" << 0;
+        QTest::newRow("autre agenda") << "[Agenda]\nCOM=5\n" << 0;
     }
 
     void portConfigure()

@@ -239,23 +239,20 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("boites");
         const QString envoi = QStringLiteral("Êtes-vous sur de vouloir envoyer tous les rappels ? ");
         QTest::newRow("un SMS refusé") << "ok" << false << "ABE" << "" << "Envois Mails OK / Erreur SMS RdV :2;" << QStringList{"B"}
-                                       << QStringList{"0612345678", "0600000002"} << QStringList{"a@example.org", "e@example.org"}
-                                       << QStringList{envoi};
+            << QStringList{"0612345678", "0600000002"} << QStringList{"a@example.org", "e@example.org"} << QStringList{envoi};
         // The old record's copy into the patient file tells that it cannot
         // follow the dismissal.
         QTest::newRow("sans modem") << "absent" << false << "ADE" << "" << "Envois Mails OK / Envois SMS OK" << QStringList{}
                                     << QStringList{} << QStringList{"a@example.org", "e@example.org"}
                                     << QStringList{envoi, "Le rendez-vous est bien enregistré dans l'agenda, mais sa copie"};
         QTest::newRow("modem muet") << "muet" << false << "AE" << "" << "Envois Mails OK / Envois SMS OK" << QStringList{}
-                                    << QStringList{} << QStringList{"a@example.org", "e@example.org"}
-                                    << QStringList{envoi, "Pas de Mobile GSM trouvé"};
+            << QStringList{} << QStringList{"a@example.org", "e@example.org"} << QStringList{envoi, "Pas de Mobile GSM trouvé"};
         QTest::newRow("serveur qui refuse") << "absent" << true << "ACB" << "" << "Erreur Mail RdV :1;2; / Envois SMS OK"
                                             << QStringList{"A", "C"} << QStringList{} << QStringList{} << QStringList{envoi};
         // Listed here, but sent by another station: neither sent nor
         // dismissed here.
         QTest::newRow("pris par un autre poste") << "ok" << false << "AB" << "B" << "Envois Mails OK / Envois SMS OK"
-                                                 << QStringList{"B"} << QStringList{"0612345678"}
-                                                 << QStringList{"a@example.org"} << QStringList{envoi};
+            << QStringList{"B"} << QStringList{"0612345678"} << QStringList{"a@example.org"} << QStringList{envoi};
     }
     void envoi()
     {

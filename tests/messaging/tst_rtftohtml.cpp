@@ -61,138 +61,102 @@ private slots:
 
         const QString h = QStringLiteral("+H");
         QTest::newRow("empty") << QString() << h << QString();
-        QTest::newRow("only blanks and line ends") << QStringLiteral("  \r\n\r\n ") << h << QString();
-        QTest::newRow("outer braces only") << QStringLiteral("{}") << h << QString();
-        QTest::newRow("plain text") << QStringLiteral("{\\rtf1 Bonjour}") << h << QStringLiteral("Bonjour");
+        QTest::newRow("only blanks and line ends") << "  \r\n\r\n " << h << QString();
+        QTest::newRow("outer braces only") << "{}" << h << QString();
+        QTest::newRow("plain text") << "{\\rtf1 Bonjour}" << h << "Bonjour";
 
         // Bold, italic, underline, strike, and their ends.
-        QTest::newRow("bold then plain") << QStringLiteral("\\b bold\\b0  plain") << h
-                                         << QStringLiteral("<b>bold</b> plain");
-        QTest::newRow("bold twice stays one tag") << QStringLiteral("\\b a\\b  b\\b0  c") << h
-                                                  << QStringLiteral("<b>a b</b> c");
-        QTest::newRow("italic") << QStringLiteral("\\i x\\i0  y") << h << QStringLiteral("<i>x</i> y");
-        QTest::newRow("underline") << QStringLiteral("\\ul x\\ulnone  y") << h << QStringLiteral("<u>x</u> y");
-        QTest::newRow("strike") << QStringLiteral("\\strike x\\strike0  y") << h << QStringLiteral("<s>x</s> y");
-        QTest::newRow("bold ended at the end") << QStringLiteral("\\b x\\b0") << h << QStringLiteral("<b>x</b>");
+        QTest::newRow("bold then plain") << "\\b bold\\b0  plain" << h << "<b>bold</b> plain";
+        QTest::newRow("bold twice stays one tag") << "\\b a\\b  b\\b0  c" << h << "<b>a b</b> c";
+        QTest::newRow("italic") << "\\i x\\i0  y" << h << "<i>x</i> y";
+        QTest::newRow("underline") << "\\ul x\\ulnone  y" << h << "<u>x</u> y";
+        QTest::newRow("strike") << "\\strike x\\strike0  y" << h << "<s>x</s> y";
+        QTest::newRow("bold ended at the end") << "\\b x\\b0" << h << "<b>x</b>";
 
         // The nesting repair: a tag that ends inside later ones closes them and
         // opens them again.
-        QTest::newRow("bold ends inside italic")
-            << QStringLiteral("\\b bold \\i both\\b0  italic") << h
-            << QStringLiteral("<b>bold <i>both</i></b><i> italic</i>");
+        QTest::newRow("bold ends inside italic") << "\\b bold \\i both\\b0  italic" << h << "<b>bold <i>both</i></b><i> italic</i>";
         QTest::newRow("bold ends inside underline and italic")
-            << QStringLiteral("\\b\\ul\\i x\\b0  y\\i0  z") << h
-            << QStringLiteral("<b><u><i>x</i></u></b><u><i> y</i> z</u>");
-        QTest::newRow("inner tag ends: nothing reopened")
-            << QStringLiteral("\\b a\\i  b\\i0  c") << h << QStringLiteral("<b>a<i> b</i> c</b>");
+            << "\\b\\ul\\i x\\b0  y\\i0  z" << h << "<b><u><i>x</i></u></b><u><i> y</i> z</u>";
+        QTest::newRow("inner tag ends: nothing reopened") << "\\b a\\i  b\\i0  c" << h << "<b>a<i> b</i> c</b>";
 
         // Superscript, subscript.
-        QTest::newRow("super and sub")
-            << QStringLiteral("m\\super 2\\nosupersub  et H\\sub 2\\nosupersub O") << h
-            << QStringLiteral("m<sup>2</sup> et H<sub>2</sub>O");
+        QTest::newRow("super and sub") << "m\\super 2\\nosupersub  et H\\sub 2\\nosupersub O" << h << "m<sup>2</sup> et H<sub>2</sub>O";
 
         // Line breaks: waiting for the next text, dropped at the end.
-        QTest::newRow("two pars then text") << QStringLiteral("a\\par\\par b") << h << QStringLiteral("a<br><br>b");
-        QTest::newRow("trailing pars dropped") << QStringLiteral("a\\par\r\n\\par\r\n") << h << QStringLiteral("a");
-        QTest::newRow("line end option") << QStringLiteral("a\\par b\\par") << QStringLiteral("+CR")
-                                         << QStringLiteral("a<br>\r\nb");
-        QTest::newRow("closing before the break")
-            << QStringLiteral("\\b a\\b0\\par b") << h << QStringLiteral("<b>a</b><br>b");
-        QTest::newRow("lines of the input are trimmed")
-            << QStringLiteral("un \r\n  deux") << h << QStringLiteral("undeux");
+        QTest::newRow("two pars then text") << "a\\par\\par b" << h << "a<br><br>b";
+        QTest::newRow("trailing pars dropped") << "a\\par\r\n\\par\r\n" << h << "a";
+        QTest::newRow("line end option") << "a\\par b\\par" << "+CR" << "a<br>\r\nb";
+        QTest::newRow("closing before the break") << "\\b a\\b0\\par b" << h << "<b>a</b><br>b";
+        QTest::newRow("lines of the input are trimmed") << "un \r\n  deux" << h << "undeux";
 
         // Blanks alone: non-breaking at the start of a line, as they are after text.
-        QTest::newRow("blanks at line start")
-            << QStringLiteral("\\pard    \\i x") << h << QStringLiteral("&nbsp;&nbsp;&nbsp;<i>x</i>");
-        QTest::newRow("blanks after text") << QStringLiteral("a\\b0   \\i b") << h << QStringLiteral("a  <i>b</i>");
+        QTest::newRow("blanks at line start") << "\\pard    \\i x" << h << "&nbsp;&nbsp;&nbsp;<i>x</i>";
+        QTest::newRow("blanks after text") << "a\\b0   \\i b" << h << "a  <i>b</i>";
 
         // Sizes: integer part of half-points / 7, kept between 1 and 8.
-        QTest::newRow("fs22") << QStringLiteral("\\fs22 x") << h << QStringLiteral("<font size=3>x</font>");
-        QTest::newRow("fs7") << QStringLiteral("\\fs7 x") << h << QStringLiteral("<font size=1>x</font>");
-        QTest::newRow("fs6 at least 1") << QStringLiteral("\\fs6 x") << h << QStringLiteral("<font size=1>x</font>");
-        QTest::newRow("fs100 at most 8") << QStringLiteral("\\fs100 x") << h << QStringLiteral("<font size=8>x</font>");
-        QTest::newRow("default size needs no attribute") << QStringLiteral("\\fs22 x") << QStringLiteral("+F=3")
-                                                         << QStringLiteral("x");
-        QTest::newRow("size change closes the font")
-            << QStringLiteral("\\fs22 a\\fs28  b") << h
-            << QStringLiteral("<font size=3>a</font><font size=4> b</font>");
+        QTest::newRow("fs22") << "\\fs22 x" << h << "<font size=3>x</font>";
+        QTest::newRow("fs7") << "\\fs7 x" << h << "<font size=1>x</font>";
+        QTest::newRow("fs6 at least 1") << "\\fs6 x" << h << "<font size=1>x</font>";
+        QTest::newRow("fs100 at most 8") << "\\fs100 x" << h << "<font size=8>x</font>";
+        QTest::newRow("default size needs no attribute") << "\\fs22 x" << "+F=3" << "x";
+        QTest::newRow("size change closes the font") << "\\fs22 a\\fs28  b" << h << "<font size=3>a</font><font size=4> b</font>";
 
         // Colours and faces from the tables.
         const QString tables = QStringLiteral(
             "{\\rtf1\\ansi{\\fonttbl{\\f0\\fswiss\\fcharset0 Arial;}{\\f1\\froman Times New Roman;}}\r\n"
             "{\\colortbl ;\\red255\\green0\\blue0;\\red0\\green128\\blue9;}\r\n");
-        QTest::newRow("colour 1") << tables + QStringLiteral("\\cf1 rouge}") << h
-                                  << QStringLiteral("<font color=\"#FF0000\">rouge</font>");
-        QTest::newRow("colour 2, one-digit blue")
-            << tables + QStringLiteral("\\cf2 vert}") << h << QStringLiteral("<font color=\"#008009\">vert</font>");
+        QTest::newRow("colour 1") << tables + QStringLiteral("\\cf1 rouge}") << h << "<font color=\"#FF0000\">rouge</font>";
+        QTest::newRow("colour 2, one-digit blue") << tables + QStringLiteral("\\cf2 vert}") << h << "<font color=\"#008009\">vert</font>";
         QTest::newRow("colour change") << tables + QStringLiteral("\\cf1 a\\cf2  b}") << h
-                                       << QStringLiteral("<font color=\"#FF0000\">a</font><font color=\"#008009\"> b</font>");
+                                       << "<font color=\"#FF0000\">a</font><font color=\"#008009\"> b</font>";
         QTest::newRow("colour 0 ends the colour") << tables + QStringLiteral("\\cf1 a\\cf0  b}") << h
-                                                  << QStringLiteral("<font color=\"#FF0000\">a</font> b");
+                                                  << "<font color=\"#FF0000\">a</font> b";
         QTest::newRow("colour outside the table keeps the last")
-            << tables + QStringLiteral("\\cf1 a\\cf7  b}") << h << QStringLiteral("<font color=\"#FF0000\">a b</font>");
+            << tables + QStringLiteral("\\cf1 a\\cf7  b}") << h << "<font color=\"#FF0000\">a b</font>";
         QTest::newRow("font faces by number")
-            << tables + QStringLiteral("\\f1 a\\f0  b}") << h
-            << QStringLiteral("<font face=\"Times New Roman\">a</font><font face=\"Arial\"> b</font>");
+            << tables + QStringLiteral("\\f1 a\\f0  b}") << h << "<font face=\"Times New Roman\">a</font><font face=\"Arial\"> b</font>";
         QTest::newRow("face, colour and size in that order")
-            << tables + QStringLiteral("\\f0\\fs20\\cf1 x}") << h
-            << QStringLiteral("<font face=\"Arial\" color=\"#FF0000\" size=2>x</font>");
-        QTest::newRow("no faces option") << tables + QStringLiteral("\\f1\\fs20 x}") << QStringLiteral("-FF")
-                                         << QStringLiteral("<font size=2>x</font>");
+            << tables + QStringLiteral("\\f0\\fs20\\cf1 x}") << h << "<font face=\"Arial\" color=\"#FF0000\" size=2>x</font>";
+        QTest::newRow("no faces option") << tables + QStringLiteral("\\f1\\fs20 x}") << "-FF" << "<font size=2>x</font>";
         QTest::newRow("colour with bold after it")
             << tables + QStringLiteral("\\cf1\\b x\\b0  y}") << h
-            << QStringLiteral("<b><font color=\"#FF0000\">x</font></b><font color=\"#FF0000\"> y</font>");
+            << "<b><font color=\"#FF0000\">x</font></b><font color=\"#FF0000\"> y</font>";
 
         // Alignment as a one-cell table.
         QTest::newRow("centred paragraph")
-            << QStringLiteral("\\pard\\qc x\\par\r\n\\pard y") << h
-            << QStringLiteral("<table width=100%><tr><td align=\"center\">x</td></tr></table><br>y");
+            << "\\pard\\qc x\\par\r\n\\pard y" << h << "<table width=100%><tr><td align=\"center\">x</td></tr></table><br>y";
         QTest::newRow("right, font inside the table")
-            << QStringLiteral("\\pard\\qr\\fs28 x") << h
-            << QStringLiteral("<table width=100%><tr><td align=\"right\"><font size=4>x</font></td></tr></table>");
-        QTest::newRow("no table opened within a line")
-            << QStringLiteral("a\\qc  b") << h << QStringLiteral("a b</td></tr></table>");
+            << "\\pard\\qr\\fs28 x" << h << "<table width=100%><tr><td align=\"right\"><font size=4>x</font></td></tr></table>";
+        QTest::newRow("no table opened within a line") << "a\\qc  b" << h << "a b</td></tr></table>";
 
         // Groups: the end of a group ends its character formatting.
-        QTest::newRow("group end closes bold") << QStringLiteral("{\\b x} y") << h << QStringLiteral("<b>x</b> y");
-        QTest::newRow("plain closes all") << QStringLiteral("\\b\\i x\\plain  y") << h
-                                          << QStringLiteral("<b><i>x</i></b> y");
-        QTest::newRow("destination dropped")
-            << QStringLiteral("{\\*\\generator Riched20 10.0.19041;}a{\\*\\x {\\y z}}b") << h << QStringLiteral("ab");
-        QTest::newRow("picture dropped") << QStringLiteral("a{\\pict\\wmetafile8 0100{\\q 09}00}b") << h
-                                         << QStringLiteral("ab");
-        QTest::newRow("stylesheet and info cut out")
-            << QStringLiteral("{\\rtf1 {\\stylesheet{\\s0 Normal;}}{\\info{\\title Titre}}x}") << h
-            << QStringLiteral("x");
-        QTest::newRow("unknown words ignored with their number")
-            << QStringLiteral("\\viewkind4\\uc1\\lang1036\\fi-360 x") << h << QStringLiteral("x");
+        QTest::newRow("group end closes bold") << "{\\b x} y" << h << "<b>x</b> y";
+        QTest::newRow("plain closes all") << "\\b\\i x\\plain  y" << h << "<b><i>x</i></b> y";
+        QTest::newRow("destination dropped") << "{\\*\\generator Riched20 10.0.19041;}a{\\*\\x {\\y z}}b" << h << "ab";
+        QTest::newRow("picture dropped") << "a{\\pict\\wmetafile8 0100{\\q 09}00}b" << h << "ab";
+        QTest::newRow("stylesheet and info cut out") << "{\\rtf1 {\\stylesheet{\\s0 Normal;}}{\\info{\\title Titre}}x}" << h << "x";
+        QTest::newRow("unknown words ignored with their number") << "\\viewkind4\\uc1\\lang1036\\fi-360 x" << h << "x";
 
         // Escapes and special characters.
-        QTest::newRow("escaped characters") << QStringLiteral("a\\{b\\}c\\\\d") << h << QStringLiteral("a{b}c\\d");
-        QTest::newRow("tab") << QStringLiteral("a\\tab b") << h << QStringLiteral("a\tb");
-        QTest::newRow("accents as entities") << QStringLiteral("caf\\'e9 \\'e0 No\\'ebl") << h
-                                             << QStringLiteral("caf&eacute; &agrave; No&euml;l");
-        QTest::newRow("a diaeresis is a superscript TM")
-            << QStringLiteral("x\\'e4y") << h << QStringLiteral("x<sup>TM</sup>y");
-        QTest::newRow("uppercase hex digits give nothing") << QStringLiteral("a\\'E9b") << h << QStringLiteral("ab");
+        QTest::newRow("escaped characters") << "a\\{b\\}c\\\\d" << h << "a{b}c\\d";
+        QTest::newRow("tab") << "a\\tab b" << h << "a\tb";
+        QTest::newRow("accents as entities") << "caf\\'e9 \\'e0 No\\'ebl" << h << "caf&eacute; &agrave; No&euml;l";
+        QTest::newRow("a diaeresis is a superscript TM") << "x\\'e4y" << h << "x<sup>TM</sup>y";
+        QTest::newRow("uppercase hex digits give nothing") << "a\\'E9b" << h << "ab";
 
         // Bullets: the old paragraph numbering and the bullet word.
         QTest::newRow("pntext bullets")
-            << QStringLiteral("{\\pntext\\f1\\'b7\\tab}un\\par\r\n{\\pntext\\f1\\'b7\\tab}deux\\par\r\n\\pard fin")
-            << h << QStringLiteral("<li>un</li><li>deux</li>fin");
+            << "{\\pntext\\f1\\'b7\\tab}un\\par\r\n{\\pntext\\f1\\'b7\\tab}deux\\par\r\n\\pard fin" << h << "<li>un</li><li>deux</li>fin";
         QTest::newRow("pntext with line ends")
-            << QStringLiteral("{\\pntext\\f1\\'b7\\tab}un\\par\r\n{\\pntext\\f1\\'b7\\tab}deux\\par\r\n\\pard fin")
-            << QStringLiteral("+CR") << QStringLiteral("<li>un</li>\r\n<li>deux</li>\r\nfin");
-        QTest::newRow("bullet word") << QStringLiteral("\\bullet x") << h << QStringLiteral("<li>x</li>");
-        QTest::newRow("bullet level, par ends the item")
-            << QStringLiteral("\\pnlvlblt un\\par deux") << h << QStringLiteral("<li>un</li>deux");
+            << "{\\pntext\\f1\\'b7\\tab}un\\par\r\n{\\pntext\\f1\\'b7\\tab}deux\\par\r\n\\pard fin"
+            << "+CR" << "<li>un</li>\r\n<li>deux</li>\r\nfin";
+        QTest::newRow("bullet word") << "\\bullet x" << h << "<li>x</li>";
+        QTest::newRow("bullet level, par ends the item") << "\\pnlvlblt un\\par deux" << h << "<li>un</li>deux";
         QTest::newRow("list table: pard keeps a requested item")
-            << QStringLiteral("{\\*\\listtable{\\list\\listid1}}\\bullet\\pard x") << h << QStringLiteral("<li>x</li>");
-        QTest::newRow("no list table: pard cancels a requested item")
-            << QStringLiteral("\\bullet\\pard x") << h << QStringLiteral("x");
-        QTest::newRow("pard ends an open item")
-            << QStringLiteral("{\\*\\listtable{\\list\\listid1}}\\bullet un\\pard  deux") << h
-            << QStringLiteral("<li>un</li> deux");
+            << "{\\*\\listtable{\\list\\listid1}}\\bullet\\pard x" << h << "<li>x</li>";
+        QTest::newRow("no list table: pard cancels a requested item") << "\\bullet\\pard x" << h << "x";
+        QTest::newRow("pard ends an open item") << "{\\*\\listtable{\\list\\listid1}}\\bullet un\\pard  deux" << h << "<li>un</li> deux";
     }
 
     void conversion()
@@ -263,53 +227,35 @@ private slots:
         // points, red bold name, accents, then a left paragraph with italic,
         // underline and French quotes.
         QTest::newRow("libreoffice-rappel")
-            << QStringLiteral("libreoffice-rappel.rtf")
-            << QStringList{
-                   QStringLiteral("<table width=100%><tr><td align=\"center\"><font face=\"Arial\" size=3>"
-                                  "Le secr&eacute;tariat du Cabinet m&eacute;dical vous rappelle votre rendez-vous"
-                                  "</font></td></tr></table>"),
-                   QStringLiteral("<b><font face=\"Arial\" color=\"#FF0000\" size=4>"
-                                  "Docteur &Eacute;mile B&eacute;r&eacute;nger</font></b>"),
-                   QStringLiteral("Texte &agrave; gauche avec <i>italique</i>"),
-                   QStringLiteral("<u>soulign&eacute;</u>"),
-                   QStringLiteral("&laquo;"),
-                   QStringLiteral("&raquo;"),
-                   QStringLiteral("&ccedil;a."),
-               }
-            << QStringList{QStringLiteral("\\"), QStringLiteral("{"), QStringLiteral("Liberation"),
-                           QStringLiteral("Normal"), QStringLiteral("Heading"), QStringLiteral("LibreOffice")};
+            << "libreoffice-rappel.rtf"
+            << QStringList{"<table width=100%><tr><td align=\"center\"><font face=\"Arial\" size=3>"
+                           "Le secr&eacute;tariat du Cabinet m&eacute;dical vous rappelle votre rendez-vous</font></td></tr></table>",
+                           "<b><font face=\"Arial\" color=\"#FF0000\" size=4>Docteur &Eacute;mile B&eacute;r&eacute;nger</font></b>",
+                           "Texte &agrave; gauche avec <i>italique</i>", "<u>soulign&eacute;</u>", "&laquo;", "&raquo;", "&ccedil;a."}
+            << QStringList{"\\", "{", "Liberation", "Normal", "Heading", "LibreOffice"};
 
         // Strike, colours 11 and 2 of the table, bullets written as list text,
         // a right-aligned paragraph; the euro sign has no entry. The bullet's
         // font name keeps the alternative name group that follows it.
         QTest::newRow("libreoffice-styles")
-            << QStringLiteral("libreoffice-styles.rtf")
-            << QStringList{
-                   QStringLiteral("<s>barr&eacute;</s>"),
-                   QStringLiteral("<font color=\"#008000\">vert</font>"),
-                   QStringLiteral("<b><font color=\"#0000FF\">bleu gras</font></b>"),
-                   QStringLiteral("Premi&egrave;re ligne<br>"),
-                   QStringLiteral("Deuxi&egrave;me ligne<br>"),
-                   QStringLiteral("<table width=100%><tr><td align=\"right\">&Agrave; droite</td></tr></table>"),
-               }
-            << QStringList{QStringLiteral("listtemplateid"), QStringLiteral("Symbol;"), QStringLiteral("\\tab")};
+            << "libreoffice-styles.rtf"
+            << QStringList{"<s>barr&eacute;</s>", "<font color=\"#008000\">vert</font>",
+                           "<b><font color=\"#0000FF\">bleu gras</font></b>", "Premi&egrave;re ligne<br>", "Deuxi&egrave;me ligne<br>",
+                           "<table width=100%><tr><td align=\"right\">&Agrave; droite</td></tr></table>"}
+            << QStringList{"listtemplateid", "Symbol;", "\\tab"};
 
         // Written by hand in the form of WordPad's editor (RichEdit): centred
         // Arial title with a red bold word, Calibri body, bullets as paragraph
         // numbering text, the letter a with diaeresis, super/subscript, strike.
         QTest::newRow("wordpad-style")
-            << QStringLiteral("wordpad-style.rtf")
-            << QStringList{
-                   QStringLiteral("<table width=100%><tr><td align=\"center\"><font face=\"Arial\" size=4>Cabinet </font>"
-                                  "<font face=\"Arial\" color=\"#FF0000\" size=4><b>M&eacute;dical</b></font>"
-                                  "</td></tr></table><br>"),
-                   QStringLiteral("<font face=\"Calibri\" size=3>Rendez-vous le <u>lundi </u>&agrave; 9 h.</font><br>"),
-                   QStringLiteral("<li><font face=\"Calibri\" size=3>Apporter la carte Vitale</font></li>"
-                                  "<li><font face=\"Calibri\" size=3>Arriver 10 minutes avant</font></li>"),
-                   QStringLiteral("th&eacute;, <sup>TM</sup>, x<sup>2</sup>, H<sub>2</sub>O, <s>ray&eacute;</s>."),
-               }
-            << QStringList{QStringLiteral("Riched20"), QStringLiteral("Symbol"), QStringLiteral("&middot;"),
-                           QStringLiteral("\t")};
+            << "wordpad-style.rtf"
+            << QStringList{"<table width=100%><tr><td align=\"center\"><font face=\"Arial\" size=4>Cabinet </font>"
+                           "<font face=\"Arial\" color=\"#FF0000\" size=4><b>M&eacute;dical</b></font></td></tr></table><br>",
+                           "<font face=\"Calibri\" size=3>Rendez-vous le <u>lundi </u>&agrave; 9 h.</font><br>",
+                           "<li><font face=\"Calibri\" size=3>Apporter la carte Vitale</font></li>"
+                           "<li><font face=\"Calibri\" size=3>Arriver 10 minutes avant</font></li>",
+                           "th&eacute;, <sup>TM</sup>, x<sup>2</sup>, H<sub>2</sub>O, <s>ray&eacute;</s>."}
+            << QStringList{"Riched20", "Symbol", "&middot;", "\t"};
     }
 
     void traitementDeTexte()
@@ -336,13 +282,9 @@ private slots:
         // Documents made of random character formatting switched on and off in
         // any order, over several paragraphs (the first one centred or not):
         // the output always nests and holds every piece of text.
-        static const QStringList mots = {
-            QStringLiteral("b"),      QStringLiteral("b0"),     QStringLiteral("i"),          QStringLiteral("i0"),
-            QStringLiteral("ul"),     QStringLiteral("ulnone"), QStringLiteral("strike"),     QStringLiteral("strike0"),
-            QStringLiteral("super"),  QStringLiteral("sub"),    QStringLiteral("nosupersub"), QStringLiteral("cf1"),
-            QStringLiteral("cf2"),    QStringLiteral("cf0"),    QStringLiteral("f0"),         QStringLiteral("f1"),
-            QStringLiteral("fs18"),   QStringLiteral("fs22"),   QStringLiteral("fs28"),       QStringLiteral("plain"),
-            QStringLiteral("par"),    QStringLiteral("tab")};
+        static const QStringList mots =
+            QStringLiteral("b b0 i i0 ul ulnone strike strike0 super sub nosupersub cf1 cf2 cf0 f0 f1 fs18 fs22 fs28 plain par tab")
+                .split(u' ');
         QRandomGenerator hasard(20260803);
         for (int document = 0; document < 3000; ++document) {
             QString rtf = QStringLiteral("{\\rtf1{\\fonttbl{\\f0\\fswiss Arial;}{\\f1\\froman Times;}}"

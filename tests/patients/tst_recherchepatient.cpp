@@ -64,17 +64,11 @@ private slots:
     {
         QVERIFY2(m_dir.isValid(), "no temporary folder");
         m_agenda = m_dir.path() + QStringLiteral("/agenda/");
-        QString err = CreerBaseTest(m_agenda, {
-                                                  {QStringLiteral("DUPONT"), QStringLiteral("Jean"), QStringLiteral("1970-03-25"), 7},
-                                                  {QStringLiteral("Dupond"), QStringLiteral("Anne"), QStringLiteral("1981-02-03"), 3},
-                                                  {QStringLiteral("Durand"), QStringLiteral("Élodie"), QStringLiteral("1990-05-06"), 9},
-                                                  {QStringLiteral("Dutrou"), QStringLiteral("Zéro"), QStringLiteral("1990-05-06"), 0},
-                                                  {QStringLiteral("Martin"), QStringLiteral("Luc"), QStringLiteral("1950-01-01"), 11},
-                                              });
+        QString err = CreerBaseTest(m_agenda, {{"DUPONT", "Jean", "1970-03-25", 7}, {"Dupond", "Anne", "1981-02-03", 3},
+                                               {"Durand", "Élodie", "1990-05-06", 9}, {"Dutrou", "Zéro", "1990-05-06", 0},
+                                               {"Martin", "Luc", "1950-01-01", 11}});
         QVERIFY2(err.isEmpty(), qPrintable(err));
-        err = CreerBaseTest(m_dir.path() + QStringLiteral("/cab1/"),
-                            {{QStringLiteral("DUPONT"), QStringLiteral("Jean"), QStringLiteral("1970-03-25"), 41, QStringLiteral("CAB1"), 7,
-                              QStringLiteral("2025-06-30")}});
+        err = CreerBaseTest(m_dir.path() + QStringLiteral("/cab1/"), {{"DUPONT", "Jean", "1970-03-25", 41, "CAB1", 7, "2025-06-30"}});
         QVERIFY2(err.isEmpty(), qPrintable(err));
         m_cab1 = m_dir.path() + QStringLiteral("/cab1/Patients.mdb");
     }
@@ -479,8 +473,7 @@ private slots:
                                                                << QStringList{"agenda"};
         QTest::newRow("principale: ligne liée, pas de fiche") << false << QStringList{"F1:dupont:prendre"} << false << 0 << 41
                                                               << QStringList{};
-        QTest::newRow("principale: base propre") << false << QStringList{"F2:martin:prendre"} << false << 0 << 11
-                                                 << QStringList{"agenda"};
+        QTest::newRow("principale: base propre") << false << QStringList{"F2:martin:prendre"} << false << 0 << 11 << QStringList{"agenda"};
         QTest::newRow("principale: nouveau annulé puis abandon") << false << QStringList{"creer", "abandon"} << false << 0 << 0
                                                                   << QStringList{"agenda"};
     }

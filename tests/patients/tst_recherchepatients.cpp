@@ -44,33 +44,19 @@ private slots:
         AppState &etat = appState();
         etat.CheminBaseAgenda = dossier(QStringLiteral("agenda"));
         QString err = CreerBaseTest(etat.CheminBaseAgenda,
-                                    {
-                                        {QStringLiteral("DUPONT"), QStringLiteral("Jean"), QStringLiteral("1970-01-01"), 7},
-                                        {QStringLiteral("Dupond"), QStringLiteral("Anne"), QStringLiteral("1981-02-03"), 3},
-                                        {QStringLiteral("Élodie"), QStringLiteral("Zoé"), QStringLiteral("1990-05-06"), 9},
-                                        {QStringLiteral("ELOI"), QStringLiteral("Marc"), QStringLiteral("1950-07-08"), 11},
-                                        {QStringLiteral("d'Argent"), QStringLiteral("Luc"), QStringLiteral("1960-01-01"), 12},
-                                        {QStringLiteral("Martin"), QStringLiteral("Hélène"), QStringLiteral("1975-03-04"), 13},
-                                        {QStringLiteral("MARTINEZ"), QStringLiteral("héloïse"), QStringLiteral("1977-03-04"), 14},
-                                        {QStringLiteral("Œuvray"), QStringLiteral("Paul"), QStringLiteral("1977-03-04"), 15},
-                                        {QStringLiteral("A%B_C"), QStringLiteral("X"), QStringLiteral("1977-03-04"), 16},
-                                        {QStringLiteral("Zéro"), QStringLiteral("Anonyme"), QStringLiteral("1977-03-04"), 0},
-                                    });
+                                    {{"DUPONT", "Jean", "1970-01-01", 7}, {"Dupond", "Anne", "1981-02-03", 3}, {"Élodie", "Zoé", "1990-05-06", 9},
+                                     {"ELOI", "Marc", "1950-07-08", 11}, {"d'Argent", "Luc", "1960-01-01", 12},
+                                     {"Martin", "Hélène", "1975-03-04", 13}, {"MARTINEZ", "héloïse", "1977-03-04", 14},
+                                     {"Œuvray", "Paul", "1977-03-04", 15}, {"A%B_C", "X", "1977-03-04", 16}, {"Zéro", "Anonyme", "1977-03-04", 0}});
         QVERIFY2(err.isEmpty(), qPrintable(err));
         // Two linked bases; DUPONT Jean stands in both, and in the own base.
-        err = CreerBaseTest(dossier(QStringLiteral("cab1")),
-                            {
-                                {QStringLiteral("Durand"), QStringLiteral("Paul"), QStringLiteral("1960-01-01"), 2, QStringLiteral("CAB1")},
-                                {QStringLiteral("DUPONT"), QStringLiteral("Jean"), QStringLiteral("1970-01-01"), 1, QStringLiteral("CAB1"), 7},
-                                {QStringLiteral("Bernard"), QStringLiteral("Léa"), QStringLiteral("1999-09-09"), 3, QStringLiteral("CAB1")},
-                            });
+        err = CreerBaseTest(dossier(QStringLiteral("cab1")), {{"Durand", "Paul", "1960-01-01", 2, "CAB1"},
+                                                              {"DUPONT", "Jean", "1970-01-01", 1, "CAB1", 7},
+                                                              {"Bernard", "Léa", "1999-09-09", 3, "CAB1"}});
         QVERIFY2(err.isEmpty(), qPrintable(err));
-        err = CreerBaseTest(dossier(QStringLiteral("cab2")),
-                            {
-                                {QStringLiteral("Dubois"), QStringLiteral("Eve"), QStringLiteral("1960-01-01"), 5, QStringLiteral("CAB2")},
-                                {QStringLiteral("dupont"), QStringLiteral("Jean"), QStringLiteral("1970-01-01"), 4, QStringLiteral("CAB2")},
-                                {QStringLiteral("Abel"), QStringLiteral("Noé"), QStringLiteral("1999-09-09"), 6, QStringLiteral("CAB2")},
-                            });
+        err = CreerBaseTest(dossier(QStringLiteral("cab2")), {{"Dubois", "Eve", "1960-01-01", 5, "CAB2"},
+                                                              {"dupont", "Jean", "1970-01-01", 4, "CAB2"},
+                                                              {"Abel", "Noé", "1999-09-09", 6, "CAB2"}});
         QVERIFY2(err.isEmpty(), qPrintable(err));
         // Names equal but for case and accents, long common starts, letters
         // that do not decompose; Base tells the rows apart.
@@ -249,8 +235,7 @@ private slots:
                                     << QStringList{"CAB1:DUPONT Jean", "CAB1:Durand Paul", "CAB2:Dubois Eve", "CAB2:dupont Jean"};
         QTest::newRow("ordre des emplacements") << QStringList{c2, c1, "", ""} << "dup"
                                                 << QStringList{"CAB2:dupont Jean", "CAB1:DUPONT Jean"};
-        QTest::newRow("même base deux fois") << QStringList{c1, c1, "", ""} << "dup"
-                                             << QStringList{"CAB1:DUPONT Jean", "CAB1:DUPONT Jean"};
+        QTest::newRow("même base deux fois") << QStringList{c1, c1, "", ""} << "dup" << QStringList{"CAB1:DUPONT Jean", "CAB1:DUPONT Jean"};
         QTest::newRow("path2 vide: seul path1") << QStringList{c1, "", c2, ""} << "d" << QStringList{"CAB1:DUPONT Jean", "CAB1:Durand Paul"};
         QTest::newRow("path1 vide: rien") << QStringList{"", c1, c2, ""} << "d" << QStringList{};
         QTest::newRow("ordre") << QStringList{dossier(QStringLiteral("ordre")) + "Patients.mdb", "", "", ""} << ""

@@ -186,8 +186,7 @@ private Q_SLOTS:
         QTest::newRow("une seconde avant le debut") << QList<RegleTest>{lundiMatin} << moment("2016-01-04 07:59:59.000") << -1;
         QTest::newRow("heure de fin incluse") << QList<RegleTest>{lundiMatin} << moment("2016-01-04 12:00:00.000") << 0;
         QTest::newRow("une seconde apres la fin") << QList<RegleTest>{lundiMatin} << moment("2016-01-04 12:00:01.000") << -1;
-        QTest::newRow("fin a la seconde, millisecondes laissees")
-            << QList<RegleTest>{lundiMatin} << moment("2016-01-04 12:00:00.900") << 0;
+        QTest::newRow("fin a la seconde, millisecondes laissees") << QList<RegleTest>{lundiMatin} << moment("2016-01-04 12:00:00.900") << 0;
 
         QTest::newRow("la plus recente gagne, plus etroite") << QList<RegleTest>{large, etroite} << moment("2016-03-07 10:30:00.000") << 1;
         QTest::newRow("la plus recente gagne, plus large") << QList<RegleTest>{etroite, large} << moment("2016-03-07 10:30:00.000") << 1;
@@ -341,9 +340,9 @@ private Q_SLOTS:
         QTest::newRow("derniere seconde de la pause") << moment("2016-03-07 13:59:59.000") << false << 0 << midi << deux << gris << true;
         QTest::newRow("fin de pause exclue") << moment("2016-03-07 14:00:00.000") << false << 0 << midi << deux << calendrier << false;
         QTest::newRow("pause reglee 12:30-13:30, 12:15")
-            << moment("2016-03-07 12:15:00.000") << false << 0 << QStringLiteral("12:30:00") << QStringLiteral("13:30:00") << calendrier << false;
+            << moment("2016-03-07 12:15:00.000") << false << 0 << "12:30:00" << "13:30:00" << calendrier << false;
         QTest::newRow("pause reglee 12:30-13:30, 13:15")
-            << moment("2016-03-07 13:15:00.000") << false << 0 << QStringLiteral("12:30:00") << QStringLiteral("13:30:00") << gris << true;
+            << moment("2016-03-07 13:15:00.000") << false << 0 << "12:30:00" << "13:30:00" << gris << true;
     }
 
     void couleurCellule()

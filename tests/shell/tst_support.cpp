@@ -229,8 +229,7 @@ private Q_SLOTS:
         QTest::newRow("acces refuse") << EACCES << 0 << "WinAPI (Essai): Permission denied";
         QTest::newRow("errno") << -1 << EACCES << "WinAPI (Essai): Permission denied";
         QTest::newRow("errno disque plein") << -1 << ENOSPC << "WinAPI (Essai): No space left on device";
-        QTest::newRow("code inconnu") << 99999
-                                      << 0 << "WinAPI (Essai): 99999 - No description exists for this error number.";
+        QTest::newRow("code inconnu") << 99999 << 0 << "WinAPI (Essai): 99999 - No description exists for this error number.";
     }
 
     void erreurSysteme()
@@ -295,8 +294,7 @@ private Q_SLOTS:
         QTest::newRow("barres") << "a/b/c/" << QStringList{"a", "a/b", "a/b/c"} << QStringList{};
         QTest::newRow("antislashs") << "a\\b\\c\\" << QStringList{"a/b/c"} << QStringList{"a\\b\\c\\", "a\\b\\c"};
         QTest::newRow("melange") << "a\\b/c\\" << QStringList{"a/b/c"} << QStringList{};
-        QTest::newRow("nom de fichier non cree")
-            << "a/b/fichier.txt" << QStringList{"a/b"} << QStringList{"a/b/fichier.txt"};
+        QTest::newRow("nom de fichier non cree") << "a/b/fichier.txt" << QStringList{"a/b"} << QStringList{"a/b/fichier.txt"};
         QTest::newRow("dernier niveau sans barre") << "2024/07" << QStringList{"2024"} << QStringList{"2024/07"};
         QTest::newRow("sans separateur") << "seul" << QStringList{"seul"} << QStringList{};
     }
@@ -587,7 +585,7 @@ private Q_SLOTS:
         QTest::newRow("onze champs") << corps(QStringLiteral("42"), 11) << qint64(0);
         QTest::newRow("texte vide") << QString() << qint64(0);
         // The twelfth field even without the final "§".
-        QTest::newRow("dernier champ sans marque") << QStringLiteral("0§1§2§3§4§5§6§7§8§9§10§99") << qint64(99);
+        QTest::newRow("dernier champ sans marque") << "0§1§2§3§4§5§6§7§8§9§10§99" << qint64(99);
     }
 
     void champNumeroPatient()
