@@ -98,15 +98,8 @@ private slots:
         appState().CheminLog = journal();
         BrancherMiroir(calendrier());
 
-        Regle matin;
-        matin.DateDebut = QDate(2026, 1, 1);
-        matin.DateFin = QDate(2026, 12, 31);
-        matin.HeureDebut = QTime(8, 0);
-        matin.HeureFin = QTime(12, 0);
-        matin.JourNumero = 2;
-        matin.Semaine = 3;
-        matin.PraticienNumero = 1;
-        matin.Praticien = QStringLiteral("Dr Alpha");
+        const Regle matin{.DateDebut = QDate(2026, 1, 1), .DateFin = QDate(2026, 12, 31), .HeureDebut = QTime(8, 0), .HeureFin = QTime(12, 0),
+                          .JourNumero = 2, .Jour = {}, .Semaine = 3, .PraticienNumero = 1, .Praticien = "Dr Alpha", .TypeText = {}};
         QVERIFY(AjouterRegle(*ConfigOuverte(), matin) > 0);
     }
 

@@ -775,15 +775,6 @@ private Q_SLOTS:
         QVERIFY(c.erreur.contains(QStringLiteral("introuvable")));
         QVERIFY(!QFile::exists(d + QStringLiteral("/Events.mdb")));
     }
-
-    void cheminInexistantCreeUneBase()
-    {
-        const QString d = nouveauDossier();
-        auto p = ouvrir(d);
-        QVERIFY(p);
-        QVERIFY(EstFichierSqlite(d + QStringLiteral("/Events.mdb")));
-        QCOMPARE(p->RetrieveDayEvents(QDate(2026, 3, 9)).size(), 0);
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_calendarstore)

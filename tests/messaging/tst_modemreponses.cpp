@@ -3,8 +3,8 @@
 #include "shell/appstate.h"
 #include "shell/base/cp1252.h"
 #include "support/dossiertest.h"
+#include "support/fichierstest.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -14,32 +14,53 @@ class TstModemReponses : public QObject
     Q_OBJECT
 
 private slots:
-    void operateur_data()
+    // One answer read to its text: the operator (+COPS), the maker (+CGMI),
+    // the model (ATI), the speed (+IPR).
+    void reponses_data()
     {
+        QTest::addColumn<QString>("commande");
         QTest::addColumn<QString>("reponse");
-        QTest::addColumn<QString>("nom");
+        QTest::addColumn<QString>("texte");
         // The delivered list knows the French network codes.
-        QTest::newRow("code numerique") << "\r\n+COPS: 0,2,\"20801\",2\r\n\r\nOK\r\n" << "Orange F";
-        QTest::newRow("code avec echo") << "AT+COPS?\r\r\n+COPS: 0,2,\"20815\",2\r\n\r\nOK\r\n" << "Free Mobile";
-        QTest::newRow("nom alphanumerique") << "\r\n+COPS: 0,0,\"SFR\",2\r\n\r\nOK\r\n" << "SFR";
-        QTest::newRow("code inconnu de la liste") << "\r\n+COPS: 0,2,\"99999\"\r\n" << "99999";
-        QTest::newRow("vide") << "" << "Inconnu";
-        QTest::newRow("guillemets vides") << "\r\n+COPS: 0,0,\"\"\r\n\r\nOK\r\n" << "Inconnu";
+        QTest::newRow("code numerique") << "COPS" << "\r\n+COPS: 0,2,\"20801\",2\r\n\r\nOK\r\n" << "Orange F";
+        QTest::newRow("code avec echo") << "COPS" << "AT+COPS?\r\r\n+COPS: 0,2,\"20815\",2\r\n\r\nOK\r\n" << "Free Mobile";
+        QTest::newRow("nom alphanumerique") << "COPS" << "\r\n+COPS: 0,0,\"SFR\",2\r\n\r\nOK\r\n" << "SFR";
+        QTest::newRow("code inconnu de la liste") << "COPS" << "\r\n+COPS: 0,2,\"99999\"\r\n" << "99999";
+        QTest::newRow("vide") << "COPS" << "" << "Inconnu";
+        QTest::newRow("guillemets vides") << "COPS" << "\r\n+COPS: 0,0,\"\"\r\n\r\nOK\r\n" << "Inconnu";
         // Without quotes the whole answer is the name, freed of its line ends
         // and of the final OK; "+COPS: 1" alone means no operator.
-        QTest::newRow("selection manuelle") << "\r\n+COPS: 1\r\n\r\nOK\r\n" << "Inconnu";
-        QTest::newRow("sans guillemets") << "\r\n+COPS: 0\r\n\r\nOK\r\n" << "+COPS: 0";
-        QTest::newRow("echo sans guillemets") << "AT+COPS?\r\r\n+COPS: 1\r\n\r\nOK\r\n" << "AT+COPS?\r\r\n+COPS: 1";
+        QTest::newRow("selection manuelle") << "COPS" << "\r\n+COPS: 1\r\n\r\nOK\r\n" << "Inconnu";
+        QTest::newRow("sans guillemets") << "COPS" << "\r\n+COPS: 0\r\n\r\nOK\r\n" << "+COPS: 0";
+        QTest::newRow("echo sans guillemets") << "COPS" << "AT+COPS?\r\r\n+COPS: 1\r\n\r\nOK\r\n" << "AT+COPS?\r\r\n+COPS: 1";
         // At most four control characters go from the front.
-        QTest::newRow("cinq en tete") << "\r\n\r\n\n+COPS: 1\r\n" << "\n+COPS: 1";
-        QTest::newRow("un seul guillemet") << "+COPS: 0,0,\"Bouygues" << "Bouygues";
+        QTest::newRow("cinq en tete") << "COPS" << "\r\n\r\n\n+COPS: 1\r\n" << "\n+COPS: 1";
+        QTest::newRow("un seul guillemet") << "COPS" << "+COPS: 0,0,\"Bouygues" << "Bouygues";
+        QTest::newRow("fabricant, sans echo") << "CGMI" << "\r\nhuawei\r\n\r\nOK\r\n" << "huawei";
+        QTest::newRow("fabricant, avec echo") << "CGMI" << "AT+CGMI\r\r\nhuawei\r\n\r\nOK\r\n" << "huawei";
+        QTest::newRow("fabricant, fins CR seul") << "CGMI" << "\rWavecom\r\rOK\r" << "Wavecom";
+        // Without a carriage return the first line feed cuts, from the front.
+        QTest::newRow("fabricant, fins LF") << "CGMI" << "\nWavecom\n\nOK\n" << "";
+        QTest::newRow("fabricant, LF apres le texte") << "CGMI" << "Wavecom\nOK" << "Wavecom";
+        // Only control characters are trimmed, not blanks.
+        QTest::newRow("fabricant, une ligne") << "CGMI" << "Siemens OK" << "Siemens ";
+        QTest::newRow("fabricant, vide") << "CGMI" << "" << "";
+        // Every line stays, "Manufacturer: " included.
+        QTest::newRow("modèle, lignes")
+            << "ATI" << "\r\nManufacturer: huawei\r\nModel: E1750\r\n\r\nOK" << "Manufacturer: huawei\r\nModel: E1750";
+        QTest::newRow("modèle, OK suivi de fin de ligne") << "ATI" << "ATI\r\r\nModel: E1750\r\n\r\nOK\r\n" << "ATI\r\r\nModel: E1750\r\n\r\nOK";
+        QTest::newRow("vitesse, simple") << "IPR" << "+IPR: 115200OK" << "115200 Bauds";
+        QTest::newRow("vitesse, lignes") << "IPR" << "\r\n+IPR: 9600\r\n\r\nOK\r\n" << "9600\r\n\r\n\r\n Bauds";
     }
 
-    void operateur()
+    void reponses()
     {
+        QFETCH(QString, commande);
         QFETCH(QString, reponse);
-        QFETCH(QString, nom);
-        QCOMPARE(GetOperatorName(reponse), nom);
+        QFETCH(QString, texte);
+        const QMap<QString, QString (*)(const QString &)> lecteurs{
+            {"COPS", GetOperatorName}, {"CGMI", getManufacturer}, {"ATI", getDevType}, {"IPR", GetBauds}};
+        QCOMPARE(lecteurs.value(commande)(reponse), texte);
     }
 
     void listeOperateurs_data()
@@ -59,6 +80,7 @@ private slots:
         QTest::newRow("nom") << liste << "Orange" << "Réseau privé";
         QTest::newRow("champs suivants gardes") << "20810; SFR; France\r\n" << "20810" << "SFR; France";
         QTest::newRow("vide") << "20801; Orange F\r\n" << "" << "";
+        QTest::newRow("liste absente") << QString() << "20801" << "20801";
     }
 
     void listeOperateurs()
@@ -67,72 +89,9 @@ private slots:
         QFETCH(QString, entree);
         QFETCH(QString, sortie);
         QTemporaryDir dossier;
-        QVERIFY(dossier.isValid());
-        QFile f(dossier.filePath(QStringLiteral("Opérateurs.txt")));
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(VersCp1252(liste));
-        f.close();
-        QCOMPARE(LookupOperator(entree, f.fileName()), sortie);
-    }
-
-    void listeAbsente()
-    {
-        QTemporaryDir dossier;
-        QCOMPARE(LookupOperator(QStringLiteral("20801"), dossier.filePath(QStringLiteral("absent.txt"))),
-                 QStringLiteral("20801"));
-    }
-
-    void fabricant_data()
-    {
-        QTest::addColumn<QString>("reponse");
-        QTest::addColumn<QString>("texte");
-        QTest::newRow("sans echo") << "\r\nhuawei\r\n\r\nOK\r\n" << "huawei";
-        QTest::newRow("avec echo") << "AT+CGMI\r\r\nhuawei\r\n\r\nOK\r\n" << "huawei";
-        QTest::newRow("fins CR seul") << "\rWavecom\r\rOK\r" << "Wavecom";
-        // Without a carriage return the first line feed cuts, from the front.
-        QTest::newRow("fins LF") << "\nWavecom\n\nOK\n" << "";
-        QTest::newRow("LF apres le texte") << "Wavecom\nOK" << "Wavecom";
-        // Only control characters are trimmed, not blanks.
-        QTest::newRow("une ligne") << "Siemens OK" << "Siemens ";
-        QTest::newRow("vide") << "" << "";
-    }
-
-    void fabricant()
-    {
-        QFETCH(QString, reponse);
-        QFETCH(QString, texte);
-        QCOMPARE(getManufacturer(reponse), texte);
-    }
-
-    void typeAppareil_data()
-    {
-        QTest::addColumn<QString>("reponse");
-        QTest::addColumn<QString>("texte");
-        // Every line stays, "Manufacturer: " included.
-        QTest::newRow("lignes") << "\r\nManufacturer: huawei\r\nModel: E1750\r\n\r\nOK" << "Manufacturer: huawei\r\nModel: E1750";
-        QTest::newRow("OK suivi de fin de ligne") << "ATI\r\r\nModel: E1750\r\n\r\nOK\r\n" << "ATI\r\r\nModel: E1750\r\n\r\nOK";
-    }
-
-    void typeAppareil()
-    {
-        QFETCH(QString, reponse);
-        QFETCH(QString, texte);
-        QCOMPARE(getDevType(reponse), texte);
-    }
-
-    void bauds_data()
-    {
-        QTest::addColumn<QString>("reponse");
-        QTest::addColumn<QString>("texte");
-        QTest::newRow("simple") << "+IPR: 115200OK" << "115200 Bauds";
-        QTest::newRow("lignes") << "\r\n+IPR: 9600\r\n\r\nOK\r\n" << "9600\r\n\r\n\r\n Bauds";
-    }
-
-    void bauds()
-    {
-        QFETCH(QString, reponse);
-        QFETCH(QString, texte);
-        QCOMPARE(GetBauds(reponse), texte);
+        const QString chemin = dossier.filePath(QStringLiteral("Opérateurs.txt"));
+        QVERIFY(liste.isNull() || ecrireOctets(chemin, VersCp1252(liste)));
+        QCOMPARE(LookupOperator(entree, chemin), sortie);
     }
 
     void protocoles_data()

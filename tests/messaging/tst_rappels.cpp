@@ -95,6 +95,24 @@ QString patient(const QString &portable, const QString &mel)
     return PackerBody(c);
 }
 
+// The numbers the modem was asked to send to, and the mail recipients.
+QStringList numerosSms(const QStringList &commandes)
+{
+    QStringList numeros;
+    for (const QString &c : commandes)
+        if (c.startsWith(QLatin1String("AT+CMGS=")))
+            numeros << c.mid(9).chopped(1);
+    return numeros;
+}
+
+QStringList destinataires(const SmtpSink &sink)
+{
+    QStringList d;
+    for (const SmtpSink::Message &m : sink.messages())
+        d << m.rcptTo;
+    return d;
+}
+
 QStringList lignes(const QTreeWidget *liste)
 {
     QStringList l;
@@ -325,18 +343,10 @@ private Q_SLOTS:
         QCOMPARE(Poste::actifs(), restants);
         QCOMPARE(w->windowTitle(), TitreRappels(int(restants.size())));
         QCOMPARE(w->ctrlReminders->topLevelItemCount(), int(restants.size()));
-        QStringList numeros;
-        for (const QString &c : p.banc.modem.commandes()) {
-            if (c.startsWith(QLatin1String("AT+CMGS=")))
-                numeros << c.mid(9).chopped(1);
-        }
-        QCOMPARE(numeros, sms);
+        QCOMPARE(numerosSms(p.banc.modem.commandes()), sms);
         if (!sms.isEmpty())
             QVERIFY(p.banc.modem.corps().first().contains("Dr Durand\r"));
-        QStringList destinataires;
-        for (const SmtpSink::Message &m : sink.messages())
-            destinataires << m.rcptTo;
-        QCOMPARE(destinataires, mails);
+        QCOMPARE(destinataires(sink), mails);
         QStringList vues = p.banc.repondeur.textes();
         for (qsizetype i = 0; i < vues.size(); ++i)
             vues[i].truncate(boites.value(i, vues[i]).size());
@@ -415,16 +425,8 @@ private Q_SLOTS:
                                        rien, rien}));
         QCOMPARE(p1.exitCode() + p2.exitCode() + troisieme.code, 0);
 
-        QStringList numeros;
-        for (const QString &c : banc.modem.commandes()) {
-            if (c.startsWith(QLatin1String("AT+CMGS=")))
-                numeros << c.mid(9).chopped(1);
-        }
-        QCOMPARE(numeros, (QStringList{"0611111111", "0622222222"}));
-        QStringList destinataires;
-        for (const SmtpSink::Message &m : sink.messages())
-            destinataires << m.rcptTo;
-        QCOMPARE(destinataires, (QStringList{"a@example.org", "c@example.org"}));
+        QCOMPARE(numerosSms(banc.modem.commandes()), (QStringList{"0611111111", "0622222222"}));
+        QCOMPARE(destinataires(sink), (QStringList{"a@example.org", "c@example.org"}));
         const auto base = BaseSqlite::ouvrir(d + QStringLiteral("Events.mdb"), BaseSqlite::Mode::Lecture);
         QSqlQuery q(base->db());
         QVERIFY(q.exec(QStringLiteral("SELECT group_concat(Subject) FROM CalendarEvents WHERE IsReminder <> 0")) && q.next());
