@@ -195,8 +195,7 @@ private Q_SLOTS:
         QVERIFY(autre->DeleteEvent(lus.at(2)));
         QCOMPARE(compter(base, QStringLiteral("SELECT COUNT(*) FROM CalendarEvents WHERE RecurrenceState = 3")), 2);
         QCOMPARE(debuts(p->RetrieveEvents(QDate(2026, 3, 1), QDate(2026, 3, 31))),
-                 (QStringList{QStringLiteral("03-02 10:30 kiné"), QStringLiteral("03-03 11:30 kiné"), QStringLiteral("03-05 10:30 kiné"),
-                              QStringLiteral("03-06 10:30 kiné")}));
+                 (QStringList{"03-02 10:30 kiné", "03-03 11:30 kiné", "03-05 10:30 kiné", "03-06 10:30 kiné"}));
 
         const CalendarEventPtr m = p->GetEvent(maitre->EventID());
         QVERIFY(m && m->RecurrencePattern());
@@ -225,9 +224,9 @@ private Q_SLOTS:
         QTest::addColumn<bool>("borne");
         QTest::addColumn<QStringList>("sujets");
         // No lower bound in the MySQL statement: reminders of the past come too.
-        QTest::newRow("MySQL") << 5 << false << QStringList{QStringLiteral("A"), QStringLiteral("C")};
-        QTest::newRow("MariaDB") << 6 << false << QStringList{QStringLiteral("A"), QStringLiteral("C")};
-        QTest::newRow("MariaDB depuis") << 6 << true << QStringList{QStringLiteral("A")};
+        QTest::newRow("MySQL") << 5 << false << QStringList{"A", "C"};
+        QTest::newRow("MariaDB") << 6 << false << QStringList{"A", "C"};
+        QTest::newRow("MariaDB depuis") << 6 << true << QStringList{"A"};
     }
     void rappelsAVenir()
     {
@@ -236,13 +235,8 @@ private Q_SLOTS:
         QFETCH(QStringList, sujets);
         auto p = ouvrir(genre);
         QVERIFY(p);
-        const struct
-        {
-            QDate jour;
-            bool rappel;
-            const char *sujet;
-        } lignes[] = {{QDate(2026, 3, 9), true, "A"}, {QDate(2026, 3, 9), false, "B"}, {QDate(2026, 1, 5), true, "C"},
-                      {QDate(2026, 3, 10), true, "D"}};
+        const struct { QDate jour; bool rappel; const char *sujet; } lignes[] = {
+            {QDate(2026, 3, 9), true, "A"}, {QDate(2026, 3, 9), false, "B"}, {QDate(2026, 1, 5), true, "C"}, {QDate(2026, 3, 10), true, "D"}};
         for (const auto &l : lignes) {
             CalendarEventPtr e = rendezVous(*p, QDateTime(l.jour, QTime(10, 0)), 20, QString::fromLatin1(l.sujet));
             e->setIsReminder(l.rappel);
