@@ -39,13 +39,9 @@ inline QString CreerBaseTest(const QString &dossier, const QList<PatientTest> &p
         QSqlQuery q(base->db());
         q.prepare(QStringLiteral("INSERT INTO Signaletiques (Nom, Prenom, \"Date de Naissance\", Numero, Base, Agenda, "
                                  "\"Derniere Visite\", Sexe) VALUES (?, ?, ?, ?, ?, ?, ?, -1)"));
-        q.addBindValue(p.nom);
-        q.addBindValue(p.prenom);
-        q.addBindValue(p.naissance);
-        q.addBindValue(p.numero);
-        q.addBindValue(p.base);
-        q.addBindValue(p.agenda);
-        q.addBindValue(p.derniereVisite);
+        for (const QVariant &v : {QVariant(p.nom), QVariant(p.prenom), QVariant(p.naissance), p.numero, QVariant(p.base), p.agenda,
+                                  p.derniereVisite})
+            q.addBindValue(v);
         if (!q.exec())
             return q.lastError().text() + QStringLiteral(" (") + p.nom + u')';
     }

@@ -42,11 +42,8 @@ private:
 
     static std::unique_ptr<RecherchePatient> dialogue(bool rendezVous)
     {
-        std::unique_ptr<RecherchePatient> d;
-        if (rendezVous)
-            d = std::make_unique<Recherche_patient_AG>();
-        else
-            d = std::make_unique<Recherche_patient_Agenda>();
+        std::unique_ptr<RecherchePatient> d(rendezVous ? static_cast<RecherchePatient *>(new Recherche_patient_AG)
+                                                       : new Recherche_patient_Agenda);
         d->show();
         return d;
     }
