@@ -291,23 +291,20 @@ private slots:
         QTest::addColumn<bool>("effacee");
         QTest::addColumn<QString>("de");
         QTest::addColumn<QString>("a");
-        QTest::addColumn<QStringList>("attendus");
+        QTest::addColumn<QString>("attendus"); // starts shown, comma separated
         QTest::addColumn<int>("exceptionsMontrees");
 
         QTest::newRow("moved within its day replaces the occurrence")
             << "2026-03-03" << "2026-03-03 14:00" << false << "2026-03-02" << "2026-03-04"
-            << QStringList{"2026-03-02 09:00", "2026-03-03 14:00", "2026-03-04 09:00"} << 1;
+            << "2026-03-02 09:00, 2026-03-03 14:00, 2026-03-04 09:00" << 1;
         QTest::newRow("deleted masks the occurrence")
-            << "2026-03-03" << "2026-03-03 09:00" << true << "2026-03-02" << "2026-03-04"
-            << QStringList{"2026-03-02 09:00", "2026-03-04 09:00"} << 0;
+            << "2026-03-03" << "2026-03-03 09:00" << true << "2026-03-02" << "2026-03-04" << "2026-03-02 09:00, 2026-03-04 09:00" << 0;
         QTest::newRow("moved out of the range leaves a hole")
-            << "2026-03-03" << "2026-03-20 11:00" << false << "2026-03-02" << "2026-03-04"
-            << QStringList{"2026-03-02 09:00", "2026-03-04 09:00"} << 0;
+            << "2026-03-03" << "2026-03-20 11:00" << false << "2026-03-02" << "2026-03-04" << "2026-03-02 09:00, 2026-03-04 09:00" << 0;
         QTest::newRow("moved into the range shows beside the occurrences")
-            << "2026-03-20" << "2026-03-03 07:00" << false << "2026-03-03" << "2026-03-03"
-            << QStringList{"2026-03-03 07:00", "2026-03-03 09:00"} << 1;
+            << "2026-03-20" << "2026-03-03 07:00" << false << "2026-03-03" << "2026-03-03" << "2026-03-03 07:00, 2026-03-03 09:00" << 1;
         QTest::newRow("moved to the same start is still the exception")
-            << "2026-03-03" << "2026-03-03 09:00" << false << "2026-03-03" << "2026-03-03" << QStringList{"2026-03-03 09:00"} << 1;
+            << "2026-03-03" << "2026-03-03 09:00" << false << "2026-03-03" << "2026-03-03" << "2026-03-03 09:00" << 1;
     }
 
     void exceptions()
@@ -317,7 +314,7 @@ private slots:
         QFETCH(bool, effacee);
         QFETCH(QString, de);
         QFETCH(QString, a);
-        QFETCH(QStringList, attendus);
+        QFETCH(QString, attendus);
         QFETCH(int, exceptionsMontrees);
 
         const CalendarEventPtr master = serie({1, 1, 0}, QStringLiteral("2026-03-01"), QTime(9, 0), 30);
@@ -335,7 +332,7 @@ private slots:
         pattern->SetException(exception);
 
         const QList<CalendarEventPtr> montres = ExpandOccurrences(master, jour(de), jour(a));
-        QCOMPARE(debuts(montres), attendus);
+        QCOMPARE(debuts(montres).join(QStringLiteral(", ")), attendus);
         int exceptions = 0;
         for (const CalendarEventPtr &e : montres) {
             if (e->RecurrenceState() == CalendarEvent::Exception) {

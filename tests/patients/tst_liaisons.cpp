@@ -91,7 +91,7 @@ private slots:
         QFETCH(QStringList, lignes);
         QTemporaryDir dir;
         for (const QString &f : fichiers)
-            zek(dir.path() + u'/', f, QStringLiteral("Dr"), QStringLiteral("DUPONT"), QStringLiteral("Jean"));
+            zek(dir.path() + u'/', f, "Dr", "DUPONT", "Jean");
         QStringList trouvees;
         for (const UtilisateurZek &u : UtilisateursZek(dir.path()))
             trouvees << u.ligne;
@@ -112,7 +112,7 @@ private slots:
     {
         QTemporaryDir dir;
         for (int i = 0; i < 103; ++i)
-            zek(dir.path() + u'/', QStringLiteral("u%1.zek").arg(i, 3, 10, QLatin1Char('0')), QString(), QString(), QString());
+            zek(dir.path() + u'/', QStringLiteral("u%1.zek").arg(i, 3, 10, QLatin1Char('0')), {}, {}, {});
         const QList<UtilisateurZek> l = UtilisateursZek(dir.path());
         QCOMPARE(l.size(), 101);
         QCOMPARE(l.last().fichier, QStringLiteral("u100.zek"));
@@ -134,7 +134,7 @@ private slots:
         QFETCH(QString, identifiant);
         QFETCH(QString, path);
         QTemporaryDir dir;
-        zek(dir.path() + u'/', QStringLiteral("u.zek"), QString(), QString(), QString(), base, identifiant);
+        zek(dir.path() + u'/', "u.zek", {}, {}, {}, base, identifiant);
         const LiaisonZek l = LireLiaisonZek(dir.path() + QStringLiteral("/u.zek"));
         QCOMPARE(l.path, path);
         // The link dialog reads IdentifiantBase, not Identifiant.
@@ -176,8 +176,8 @@ private slots:
         QFETCH(bool, valide);
         RepondeurScripte repondeur;
         QTemporaryDir dir;
-        zek(dir.path() + u'/', QStringLiteral("a.zek"), QStringLiteral("Dr"), QStringLiteral("A"), QStringLiteral("Aa"));
-        zek(dir.path() + u'/', QStringLiteral("b.zek"), QStringLiteral("Pr"), QStringLiteral("B"), QStringLiteral("Bb"));
+        zek(dir.path() + u'/', "a.zek", "Dr", "A", "Aa");
+        zek(dir.path() + u'/', "b.zek", "Pr", "B", "Bb");
         DossierConfig = dir.path();
         ChoixBase = QStringLiteral("<avant>");
         frm_OuvrirBase_AG f;
@@ -218,9 +218,8 @@ private slots:
         prog.ecrire(QStringLiteral("Agenda.ini"), QStringLiteral("[Agenda]\nPath1=/srv/cab1/Patients.mdb\nIdentity1=CAB1\n"
                                                                  "Zek1=/cfg/a.zek\nAutre=garde\n"));
         QTemporaryDir config;
-        zek(config.path() + u'/', QStringLiteral("a.zek"), QStringLiteral("Dr"), QStringLiteral("A"), QStringLiteral("Aa"),
-            QStringLiteral("/srv/cab3"), QStringLiteral("CAB3"));
-        zek(config.path() + u'/', QStringLiteral("b.zek"), QStringLiteral("Dr"), QStringLiteral("B"), QStringLiteral("Bb"));
+        zek(config.path() + u'/', "a.zek", "Dr", "A", "Aa", "/srv/cab3", "CAB3");
+        zek(config.path() + u'/', "b.zek", "Dr", "B", "Bb");
         Profils profils(config.path());
 
         frmZek_AG2 f;
