@@ -197,15 +197,13 @@ private slots:
         using N = std::optional<qint64>;
         using T = std::optional<QString>;
         const QString onze = QStringLiteral("a§b§c§d§06§f§g§h§i§j§k§");
-        QTest::newRow("complet") << onze + QStringLiteral("17§Agenda§m@x.fr§") << N(17) << T(QStringLiteral("06"))
-                                 << T(QStringLiteral("m@x.fr"));
-        QTest::newRow("numéro vide: 0") << onze + QStringLiteral("§§§") << N(0) << T(QStringLiteral("06")) << T(QString());
-        QTest::newRow("règle du nombre en tête") << onze + QStringLiteral("42abc§") << N(42) << T(QStringLiteral("06")) << T();
-        QTest::newRow("onze parties: pas de numéro") << "a§b§c§d§06§f§g§h§i§j§k" << N() << T(QStringLiteral("06")) << T();
+        QTest::newRow("complet") << onze + "17§Agenda§m@x.fr§" << N(17) << T("06") << T("m@x.fr");
+        QTest::newRow("numéro vide: 0") << onze + "§§§" << N(0) << T("06") << T(QString());
+        QTest::newRow("règle du nombre en tête") << onze + "42abc§" << N(42) << T("06") << T();
+        QTest::newRow("onze parties: pas de numéro") << "a§b§c§d§06§f§g§h§i§j§k" << N() << T("06") << T();
         QTest::newRow("ancienne forme") << "texte libre" << N() << T() << T();
         // The reader does not drop a leading separator: every part moves by one.
-        QTest::newRow("séparateur en tête") << QStringLiteral("§") + onze + QStringLiteral("17§Agenda§m@x.fr§") << N(0)
-                                            << T(QStringLiteral("d")) << T(QStringLiteral("Agenda"));
+        QTest::newRow("séparateur en tête") << "§" + onze + "17§Agenda§m@x.fr§" << N(0) << T("d") << T("Agenda");
     }
 
     void lecteurs()
