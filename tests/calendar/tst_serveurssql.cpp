@@ -17,22 +17,14 @@ namespace {
 
 ServeurMariaDb *g_serveur = nullptr;
 
-QString connexion(int genre, const ServeurMariaDb &s)
-{
-    switch (genre) {
-    case 4:
-        return QStringLiteral("Provider=Custom;DSN=Calendar_SQLServer");
-    case 5:
-        return QStringLiteral("Provider=Custom;DSN=Calendar_MySQL");
-    default:
-        return MarqueMariaDb + s.parametresMariaDb();
-    }
-}
-
+// Kinds 4 (SQL Server) and 5 (MySQL) by their data source name, 6 (MariaDB) by its parameters.
 std::unique_ptr<CalendarDataProvider> ouvrir(int genre)
 {
     auto p = std::make_unique<CalendarDataProvider>();
-    if (!OpenProvider(*p, genre, connexion(genre, *g_serveur)) || !p->IsOpen())
+    const QString connexion = genre == 4   ? QStringLiteral("Provider=Custom;DSN=Calendar_SQLServer")
+                              : genre == 5 ? QStringLiteral("Provider=Custom;DSN=Calendar_MySQL")
+                                           : MarqueMariaDb + g_serveur->parametresMariaDb();
+    if (!OpenProvider(*p, genre, connexion) || !p->IsOpen())
         return nullptr;
     return p;
 }
