@@ -135,10 +135,7 @@ private Q_SLOTS:
             return;
         }
         QVERIFY(t.page);
-        QCOMPARE(t.page->hauteur, page[0]);
-        QCOMPARE(t.page->largeur, page[1]);
-        QCOMPARE(t.page->margeHaut, page[2]);
-        QCOMPARE(t.page->margeBas, page[3]);
+        QCOMPARE((QList<double>{t.page->hauteur, t.page->largeur, t.page->margeHaut, t.page->margeBas}), page);
         QCOMPARE(t.page->margeGauche, 200 * 0.567);
         QCOMPARE(t.page->margeDroite, 450 * 0.567);
     }

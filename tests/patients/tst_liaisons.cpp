@@ -223,10 +223,10 @@ private slots:
         Profils profils(config.path());
 
         frmZek_AG2 f;
+        // Path, identity and configuration file shown for one slot.
+        auto emplacement = [&f](int i) { return QStringList{f.DBPath[i]->text(), f.DBIdentity[i]->text(), f.TextZek[i]->text()}; };
         QCOMPARE(f.windowTitle(), QStringLiteral("Liaison avec Brenwick"));
-        QCOMPARE(f.DBPath[1]->text(), QStringLiteral("/srv/cab1/Patients.mdb"));
-        QCOMPARE(f.DBIdentity[1]->text(), QStringLiteral("CAB1"));
-        QCOMPARE(f.TextZek[1]->text(), QStringLiteral("/cfg/a.zek"));
+        QCOMPARE(emplacement(1), (QStringList{"/srv/cab1/Patients.mdb", "CAB1", "/cfg/a.zek"}));
         QCOMPARE(f.DBPath[2]->text(), QString());
         QStringList libelles;
         for (QLabel *l : f.findChildren<QLabel *>())
@@ -254,20 +254,15 @@ private slots:
             return c->result();
         });
         QTest::mouseClick(f.DBpathDialog[3], Qt::LeftButton);
-        QCOMPARE(f.DBPath[3]->text(), QStringLiteral("/srv/cab3/Patients.mdb"));
-        QCOMPARE(f.DBIdentity[3]->text(), QStringLiteral("CAB3"));
-        QCOMPARE(f.TextZek[3]->text(), config.path() + QStringLiteral("/a.zek"));
+        QCOMPARE(emplacement(3), (QStringList{"/srv/cab3/Patients.mdb", "CAB3", config.path() + "/a.zek"}));
         f.DBPath[2]->setText(QStringLiteral("garde"));
         QTest::mouseClick(f.DBpathDialog[2], Qt::LeftButton);
         QCOMPARE(f.DBPath[2]->text(), QStringLiteral("garde"));
         QTest::mouseClick(f.DBpathDialog[4], Qt::LeftButton);
-        QCOMPARE(f.DBPath[4]->text(), QString());
-        QCOMPARE(f.DBIdentity[4]->text(), QString());
-        QCOMPARE(f.TextZek[4]->text(), config.path() + QStringLiteral("/b.zek"));
+        QCOMPARE(emplacement(4), (QStringList{"", "", config.path() + "/b.zek"}));
         // "No user" empties the first slot.
         QTest::mouseClick(f.DBpathDialog[1], Qt::LeftButton);
-        QCOMPARE(f.DBPath[1]->text(), QString());
-        QCOMPARE(f.TextZek[1]->text(), QString());
+        QCOMPARE(emplacement(1), (QStringList{"", "", ""}));
         QVERIFY(actions.isEmpty());
 
         QTest::mouseClick(f.btnValider, Qt::LeftButton);

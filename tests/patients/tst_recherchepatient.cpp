@@ -280,12 +280,8 @@ private slots:
         QTest::mouseDClick(d->DBGrid1->viewport(), Qt::LeftButton, {}, point);
         QCOMPARE(d->result(), int(QDialog::Accepted));
         QCOMPARE(RetourRecherche, index);
-        QCOMPARE(p.Nom, QStringLiteral("DUPONT"));
-        QCOMPARE(p.Prenom, QStringLiteral("Jean"));
-        QCOMPARE(p.DateNaissance, QStringLiteral("25/03/1970"));
-        QCOMPARE(p.Numero, numero);
-        QCOMPARE(p.Base, base);
-        QCOMPARE(p.Telephone1, telephone);
+        QCOMPARE((QStringList{p.Nom, p.Prenom, p.DateNaissance, QString::number(p.Numero), p.Base, p.Telephone1}),
+                 (QStringList{"DUPONT", "Jean", "25/03/1970", QString::number(numero), base, telephone}));
         QCOMPARE(repondeur.appels().size(), 0);
     }
 

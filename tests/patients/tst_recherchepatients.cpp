@@ -268,11 +268,8 @@ private slots:
         QVERIFY(!RechercheBasesLiees(etat, QStringLiteral("DUPONT"), QStringLiteral("jean"), r));
         QCOMPARE(r.size(), 1);
         const LigneRecherche &l = r.ligne(0);
-        QCOMPARE(l.Base, QStringLiteral("CAB1"));
-        QCOMPARE(l.Numero.toInt(), 1);
-        QCOMPARE(l.Agenda.toInt(), 7);
-        QCOMPARE(l.DateNaissance.toString(), QStringLiteral("1970-01-01"));
-        QVERIFY(l.DerniereVisite.isNull());
+        QCOMPARE((QVariantList{l.Base, l.Numero.toInt(), l.Agenda.toInt(), l.DateNaissance.toString(), l.DerniereVisite.isNull()}),
+                 (QVariantList{"CAB1", 1, 7, "1970-01-01", true}));
     }
 
     // Every name that the pattern matches is found, whatever its spelling:

@@ -53,11 +53,8 @@ private:
     // A lookup that found no rule: nothing of a rule in it.
     static void verifierSansRegle(const RegleMatch &r)
     {
-        QCOMPARE(int(r.PraticienNumero), 0);
-        QCOMPARE(r.Praticien, QString());
-        QCOMPARE(int(r.TypeRV), 0);
-        QCOMPARE(r.TypeText, QString());
-        QCOMPARE(r.TypeColor, 0);
+        QCOMPARE((QVariantList{int(r.PraticienNumero), r.Praticien, int(r.TypeRV), r.TypeText, r.TypeColor}),
+                 (QVariantList{0, QString(), 0, QString(), 0}));
     }
 
     static QDateTime moment(const char *texte)
@@ -219,11 +216,8 @@ private Q_SLOTS:
         if (gagnante < 0)
             return verifierSansRegle(r);
         const RegleTest &g = regles.at(gagnante);
-        QCOMPARE(int(r.PraticienNumero), g.praticienNumero);
-        QCOMPARE(r.Praticien, g.praticien);
-        QCOMPARE(int(r.TypeRV), g.typeRV);
-        QCOMPARE(r.TypeText, g.typeText);
-        QCOMPARE(r.TypeColor, g.couleur);
+        QCOMPARE((QVariantList{int(r.PraticienNumero), r.Praticien, int(r.TypeRV), r.TypeText, r.TypeColor}),
+                 (QVariantList{g.praticienNumero, g.praticien, g.typeRV, g.typeText, g.couleur}));
     }
 
     // Rows written by another tool may hold nulls: they read as 0 and empty.
