@@ -90,7 +90,7 @@ private slots:
         ligne("ten years on, every 7 days", {1, 7, 0}, "2026-01-05", sansFin, "", "2036-01-01", "2036-01-14", "2036-01-07 2036-01-14");
 
         // Weekly: {2, every N weeks, day mask}
-        ligne("weekly every 2 weeks Monday and Thursday, weeks from Monday", {2, 2, 2 | 16}, "2026-01-01", parDate, "2026-02-01", "2026-01-01", "2026-02-28",
+        ligne("every 2 weeks Monday and Thursday, weeks from Monday", {2, 2, 2 | 16}, "2026-01-01", parDate, "2026-02-01", "2026-01-01", "2026-02-28",
               "2026-01-01 2026-01-12 2026-01-15 2026-01-26 2026-01-29");
         ligne("weekly, Sunday belongs to the week before", {2, 2, 1 | 2}, "2026-01-05", apresN, "4", "2026-01-01", "2026-03-31",
               "2026-01-05 2026-01-11 2026-01-19 2026-01-25");
@@ -262,16 +262,12 @@ private slots:
         const QList<CalendarEventPtr> occurrences = ExpandOccurrences(master, jour("2026-03-03"), jour("2026-03-03"));
         QCOMPARE(occurrences.size(), 1);
         const CalendarEventPtr o = occurrences.first();
-        QCOMPARE(o->EventID(), 0);
-        QCOMPARE(o->Subject(), master->Subject());
-        QCOMPARE(o->Body(), master->Body());
-        QCOMPARE(o->LabelID(), 4);
-        QCOMPARE(o->CustomProperties().GetProperty(QStringLiteral("xtpMarkupText")).toString(), QStringLiteral("<b>x</b>"));
+        QCOMPARE((QVariantList{o->EventID(), o->Subject(), o->Body(), o->LabelID(),
+                               o->CustomProperties().GetProperty(QStringLiteral("xtpMarkupText")), o->RExceptionStartTimeOrig(),
+                               o->RExceptionEndTimeOrig(), o->RecurrencePatternIDForRow()}),
+                 (QVariantList{0, master->Subject(), master->Body(), 4, "<b>x</b>", o->StartDateTime(), o->EndDateTime(), 0}));
         QCOMPARE(o->RecurrencePattern(), master->RecurrencePattern());
         QCOMPARE(o->RecurrencePattern()->MasterEvent(), master);
-        QCOMPARE(o->RExceptionStartTimeOrig(), o->StartDateTime());
-        QCOMPARE(o->RExceptionEndTimeOrig(), o->EndDateTime());
-        QCOMPARE(o->RecurrencePatternIDForRow(), 0);
 
         // Changing the occurrence makes it an exception remembering where it was.
         o->setStartDateTime(QDateTime(jour("2026-03-03"), QTime(15, 0)));

@@ -57,6 +57,12 @@ private:
                  (QVariantList{0, QString(), 0, QString(), 0}));
     }
 
+    // What the lookup says of the moment: date, hour, weekday, week and parity.
+    static QVariantList champsMoment(const RegleMatch &r)
+    {
+        return {r.Date, r.Heure, int(r.JourNumero), r.Jour, int(r.NumeroSemaine), int(r.Semaine)};
+    }
+
     static QDateTime moment(const char *texte)
     {
         return QDateTime::fromString(QString::fromLatin1(texte), QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"));
@@ -128,12 +134,8 @@ private Q_SLOTS:
 
         const RegleMatch r = GetRegleForDate(*m_config, quand);
         // The moment's own date and time, to the second.
-        QCOMPARE(r.Date, quand.date());
-        QCOMPARE(r.Heure, QTime(quand.time().hour(), quand.time().minute(), quand.time().second()));
-        QCOMPARE(int(r.JourNumero), jourNumero);
-        QCOMPARE(r.Jour, jour);
-        QCOMPARE(int(r.NumeroSemaine), numeroSemaine);
-        QCOMPARE(int(r.Semaine), semaine);
+        const QTime heure(quand.time().hour(), quand.time().minute(), quand.time().second());
+        QCOMPARE(champsMoment(r), (QVariantList{quand.date(), heure, jourNumero, jour, numeroSemaine, semaine}));
         verifierSansRegle(r);
     }
 
@@ -257,12 +259,7 @@ private Q_SLOTS:
     {
         QVERIFY(AjouterRegle(*m_config, versRegle({"2016-01-01", "2016-12-31", "00:00:00", "23:59:59", 2, 3, 1, "Dr Martin", 1, "Visite", 1})) > 0);
         const RegleMatch r = GetRegleForDate(*m_config, QDateTime());
-        QVERIFY(!r.Date.isValid());
-        QVERIFY(!r.Heure.isValid());
-        QCOMPARE(int(r.JourNumero), 0);
-        QCOMPARE(r.Jour, QString());
-        QCOMPARE(int(r.Semaine), 0);
-        QCOMPARE(int(r.NumeroSemaine), 0);
+        QCOMPARE(champsMoment(r), (QVariantList{QDate(), QTime(), 0, QString(), 0, 0}));
         verifierSansRegle(r);
     }
 
@@ -273,12 +270,7 @@ private Q_SLOTS:
 
         FermerConfig();
         RegleMatch r = GetRegleForDate(quand);
-        QCOMPARE(r.Date, QDate(2016, 1, 4));
-        QCOMPARE(r.Heure, QTime(9, 0));
-        QCOMPARE(int(r.JourNumero), 2);
-        QCOMPARE(r.Jour, QStringLiteral("Lundi"));
-        QCOMPARE(int(r.NumeroSemaine), 1);
-        QCOMPARE(int(r.Semaine), 1);
+        QCOMPARE(champsMoment(r), (QVariantList{QDate(2016, 1, 4), QTime(9, 0), 2, "Lundi", 1, 1}));
         QCOMPARE(r.Praticien, QString());
 
         QVERIFY(OuvrirConfig(dossier() + QStringLiteral("Config.mdb")));
