@@ -56,6 +56,14 @@ private:
 
     static int ligneCourante(RecherchePatient *d) { return d->DBGrid1->currentIndex().row(); }
 
+    // After a search: grid, count and "open" shown, "open" the default
+    // button, the grid focused, and the message line.
+    static QVariantList resultats(RecherchePatient *d)
+    {
+        return {d->DBGrid1->isVisible(), d->lb->isVisible(), d->Btn_Ouvrir_Fiche->isVisible(), d->Btn_Ouvrir_Fiche->isDefault(),
+                d->focusWidget() == d->DBGrid1, d->LabelMessage->text()};
+    }
+
 private slots:
     void initTestCase()
     {
@@ -138,15 +146,10 @@ private slots:
         d->Text1->setText(nom);
         QTest::keyClick(d->Text1, touche == QLatin1String("F1") ? Qt::Key_F1 : Qt::Key_F2);
         QCOMPARE(RetourRecherche, retour);
-        QVERIFY(d->DBGrid1->isVisible());
-        QVERIFY(d->lb->isVisible());
+        QCOMPARE(resultats(d.get()), (QVariantList{true, true, true, true, true, QString()}));
         QCOMPARE(d->lb->text(), compte);
-        QVERIFY(d->Btn_Ouvrir_Fiche->isVisible());
-        QVERIFY(d->Btn_Ouvrir_Fiche->isDefault());
         QVERIFY(!d->Btn_Rechercher[1]->isDefault() && !d->Btn_Rechercher[2]->isDefault());
-        QCOMPARE(d->focusWidget(), d->DBGrid1);
         QCOMPARE(d->DBGrid1->model()->index(0, 1).data().toString(), premier);
-        QCOMPARE(d->LabelMessage->text(), QString());
         QCOMPARE(repondeur.appels().size(), 0);
     }
 
@@ -166,13 +169,9 @@ private slots:
         QVERIFY(d->DBGrid1->isVisible());
         d->Text1->setText(QStringLiteral("zz"));
         d->Rechercher(2);
-        QVERIFY(!d->DBGrid1->isVisible());
-        QVERIFY(!d->lb->isVisible());
-        QVERIFY(!d->Btn_Ouvrir_Fiche->isVisible());
-        QCOMPARE(d->LabelMessage->text(), QStringLiteral("Aucun patient ne correspond à cette sélection"));
+        QCOMPARE(resultats(d.get()), (QVariantList{false, false, false, false, false, "Aucun patient ne correspond à cette sélection"}));
         QCOMPARE(d->focusWidget(), d->Text1);
         QVERIFY(d->Btn_Rechercher[rendezVous ? 1 : 2]->isDefault());
-        QVERIFY(!d->Btn_Ouvrir_Fiche->isDefault());
         // Taking a row of an empty result only beeps.
         d->OuvrirFiche();
         QCOMPARE(repondeur.bips(), 1);
