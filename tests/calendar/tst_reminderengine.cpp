@@ -75,12 +75,16 @@ private:
         return d;
     }
 
-    static CalendarEventPtr ajouter(CalendarDataProvider &p, const QDateTime &debut, int avance, const QString &sujet, bool rappel = true)
+    // A 20-minute appointment, or a daily series from that day.
+    static CalendarEventPtr ajouter(CalendarDataProvider &p, const QDateTime &debut, int avance, const QString &sujet, bool rappel = true,
+                                    bool serie = false)
     {
         CalendarEventPtr e = p.CreateNewEvent(debut, debut.addSecs(20 * 60));
         e->setSubject(sujet);
         e->setIsReminder(rappel);
         e->setReminderMinutesBeforeStart(avance);
+        if (serie)
+            e->CreateRecurrence()->Options().setRecurrenceType(1);
         return p.AddEvent(e) ? e : CalendarEventPtr();
     }
 
@@ -230,12 +234,7 @@ private Q_SLOTS:
         const QString d = dossier();
         {
             Poste poste(d, genre);
-            CalendarEventPtr maitre = poste.fournisseur.CreateNewEvent(le(2, 8, 0), le(2, 8, 30));
-            maitre->setSubject(QStringLiteral("kiné"));
-            maitre->setIsReminder(true);
-            maitre->setReminderMinutesBeforeStart(60);
-            maitre->CreateRecurrence()->Options().setRecurrenceType(1);
-            QVERIFY(poste.fournisseur.AddEvent(maitre));
+            QVERIFY(ajouter(poste.fournisseur, le(2, 8, 0), 60, QStringLiteral("kiné"), true, true));
         }
         Horloge::fixer(le(4, 7, 10));
         {
