@@ -153,7 +153,8 @@ private slots:
             const QList<CalendarEventPtr> jour = appState().Calendrier->RetrieveDayEvents(mercredi);
             QVERIFY(!jour.isEmpty());
             QVERIFY(appState().Calendrier->ChangeEvent(jour.first()));
-            QVERIFY(lireOctets(dossier + QStringLiteral("/Journal/2026/") + NomFichierJournal(mercredi, 0)).startsWith(LigneJournal(NomAgendaDemo(), *jour.first(), JournalModification).left(30).toLatin1()));
+            const QByteArray journal = lireOctets(dossier + QStringLiteral("/Journal/2026/") + NomFichierJournal(mercredi, 0));
+            QVERIFY(journal.startsWith(LigneJournal(NomAgendaDemo(), *jour.first(), JournalModification).left(30).toLatin1()));
             demarrage.arreter(false);
             appState() = AppState{};
         }

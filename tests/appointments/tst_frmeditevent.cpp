@@ -396,7 +396,9 @@ private slots:
         EcrireConfig(QStringLiteral("02/03/2026 08:15:00"), QStringLiteral("Réservation"), QStringLiteral("ACCUEIL - docteur"));
         auto d = nouveau(dt("2026-03-02 10:00"), dt("2026-03-02 10:15"));
         taper(d->txtBody[0], QStringLiteral("MARTIN"));
-        const auto heures = [&d] { return QStringList{d->cmbStartDate->currentText(), d->cmbStartTime->currentText(), d->cmbEndTime->currentText()}; };
+        const auto heures = [&d] {
+            return QStringList{d->cmbStartDate->currentText(), d->cmbStartTime->currentText(), d->cmbEndTime->currentText()};
+        };
         for (const char *attendu : {"02/03/2026 08:20 08:35", "02/03/2026 08:25 08:40"}) {
             QTest::mouseClick(d->btnProchainCreneau, Qt::LeftButton);
             QCOMPARE(heures().join(u' '), QString::fromLatin1(attendu));

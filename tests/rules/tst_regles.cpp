@@ -257,7 +257,8 @@ private Q_SLOTS:
 
     void dateInvalideDonneUnRecordVide()
     {
-        QVERIFY(AjouterRegle(*m_config, versRegle({"2016-01-01", "2016-12-31", "00:00:00", "23:59:59", 2, 3, 1, "Dr Martin", 1, "Visite", 1})) > 0);
+        QVERIFY(AjouterRegle(*m_config,
+                             versRegle({"2016-01-01", "2016-12-31", "00:00:00", "23:59:59", 2, 3, 1, "Dr Martin", 1, "Visite", 1})) > 0);
         const RegleMatch r = GetRegleForDate(*m_config, QDateTime());
         QCOMPARE(champsMoment(r), (QVariantList{QDate(), QTime(), 0, QString(), 0, 0}));
         verifierSansRegle(r);
@@ -265,7 +266,8 @@ private Q_SLOTS:
 
     void configurationDuDemarrage()
     {
-        QVERIFY(AjouterRegle(*m_config, versRegle({"2016-01-01", "2016-12-31", "08:00:00", "12:00:00", 2, 3, 2, "Dr Leroy", 3, "HAD", 0x00FF00})) > 0);
+        QVERIFY(AjouterRegle(*m_config,
+                             versRegle({"2016-01-01", "2016-12-31", "08:00:00", "12:00:00", 2, 3, 2, "Dr Leroy", 3, "HAD", 0x00FF00})) > 0);
         const QDateTime quand = moment("2016-01-04 09:00:00.000");
 
         FermerConfig();

@@ -768,7 +768,8 @@ private Q_SLOTS:
         CalendarView *vue = p.montrer();
         // Monday's box (the leftmost of its row), then Monday 11:00.
         const auto de = p.chercher([](const CalendarHit &h) { return h.event && h.area == HitEvent; });
-        const auto vers = p.chercher([](const CalendarHit &h) { return !h.event && h.area == HitDayCell && h.time == Maintenant.addSecs(3600); });
+        const auto vers = p.chercher(
+            [](const CalendarHit &h) { return !h.event && h.area == HitDayCell && h.time == Maintenant.addSecs(3600); });
         QVERIFY(de && vers);
         QWidget *volet = vue->childAt(*de);
         QTest::mousePress(volet, Qt::LeftButton, {}, volet->mapFrom(vue, *de));
@@ -909,8 +910,8 @@ private Q_SLOTS:
         f.show();
         QVERIFY(f.close());
         QVERIFY(!ConfigOuverte());
-        QCOMPARE(LireIni(QStringLiteral("Agenda"), QStringLiteral("RemindersManEnabled"), QString(), p.prog.chemin() + QStringLiteral("Agenda.ini")),
-                 QStringLiteral("Vrai"));
+        const QString ini = p.prog.chemin() + QStringLiteral("Agenda.ini");
+        QCOMPARE(LireIni(QStringLiteral("Agenda"), QStringLiteral("RemindersManEnabled"), QString(), ini), QStringLiteral("Vrai"));
     }
 };
 
